@@ -1,0 +1,63 @@
+#include "app/AppDelegate.h"
+
+#include "app/MainLoop.h"
+#include "app/Scheduler.h"
+#include "engine/EngineCommands.h"
+#include "engine/RunCallTimeout.h"
+
+#include <QDir>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+AppDelegate::AppDelegate(Defaults &defaults, QObject *parent)
+    : QObject(parent)
+    , m_queue(defaults)
+{
+    constexpr int tickMilliseconds = 2000;
+    constexpr int watchDelayMilliseconds = 150; // one poll for the burst of renames that one change makes
+    m_timer.setInterval(tickMilliseconds);
+    m_watchDelay.setInterval(watchDelayMilliseconds);
+    m_watchDelay.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &AppDelegate::tick);
+    connect(&m_watchDelay, &QTimer::timeout, this, &AppDelegate::poll);
+    connect(&m_stateWatch, &QFileSystemWatcher::directoryChanged, this, [this] {
+        if (!m_watchDelay.isActive())
+            m_watchDelay.start();
+    });
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    restoreWaiting();
+    RunCallTimeout(command::resume(), this, {}, 0);
+    refreshCustomModels();
+    poll();
+    m_timer.start();
+    watchEngineState();
+}
+
+void AppDelegate::tick()
+{
+    ++m_jobs.pollTick;
+    const bool working = SomethingActive(m_jobs) || !m_jobs.waiting.isEmpty();
+    const TickPlan plan = PlanTick(m_jobs.pollTick, working, m_jobs.starting, m_jobs.loaded);
+    if (m_stateWatch.directories().isEmpty())
+        watchEngineState();
+    if (plan.resume)
+        RunCallTimeout(command::resume(), this, {}, 0);
+    if (plan.poll)
+        poll();
+}
+
+void AppDelegate::watchEngineState()
+{
+    const QString folder = QDir::homePath() + u"/Library/Application Support/Larkspire"_s;
+    if (QDir(folder).exists())
+        m_stateWatch.addPath(folder);
+}
+
+} // namespace tuppi

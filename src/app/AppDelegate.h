@@ -1,0 +1,92 @@
+#pragma once
+
+#include "app/JobsState.h"
+#include "app/QueueStore.h"
+#include "list/ListState.h"
+#include "settings/ModelsState.h"
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QTimer>
+
+namespace tuppi {
+
+/// The one controller. It owns all state and lives until the process ends; its methods gather, ask a rule,
+/// and apply what the rule says. Main thread only.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+public:
+    /// `defaults` is the user's store and outlives the controller.
+    explicit AppDelegate(Defaults &defaults, QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    void applicationDidFinishLaunching();
+
+    const JobsState &jobs() const { return m_jobs; }
+    const ListState &list() const { return m_list; }
+    const ModelsState &models() const { return m_models; }
+    /// False when another process owns the stored queue and this one's files wait in memory only.
+    bool ownsStoredQueue() const { return m_queue.owned; }
+
+    // Main loop
+    void tick();
+    void poll();
+    void watchEngineState();
+
+    // Waiting queue and scheduler
+    void enqueue(const QStringList &paths, const StartChoices &choices);
+    void saveWaiting();
+    void restoreWaiting();
+    void removeWaiting(const QString &rowKey);
+    void startNextIfIdle();
+    bool somethingActive() const;
+    bool busyExcept(const QString &id) const;
+
+    // List
+    void refresh();
+    /// The row shown under that key, empty when there is none.
+    QJsonObject rowWithKey(const QString &key) const;
+    void flash(const QString &text);
+    void reportFailure(int status, const QString &err, const QString &title);
+
+    // Models
+    void refreshCustomModels();
+
+Q_SIGNALS:
+    /// After every refresh, whether or not the rows changed.
+    void refreshed();
+    /// The rows differ from those shown before.
+    void rowsChanged();
+    void summaryChanged(const QString &summary);
+    /// A poll ended whose history is usable and no older than the last start.
+    void polled();
+    /// The engine has answered a start; the file is no longer in flight.
+    void startFinished(const QString &path, bool taken);
+    void failureReported(const QString &title, const QString &detail);
+
+private:
+    /// What a poll carries from its start to its end.
+    struct PollContext
+    {
+        int generation = 0;
+        bool interruptedStartEnded = false;
+    };
+
+    void historyArrived(const HistoryReply &reply, PollContext context);
+    void statusArrived(const std::optional<QJsonObject> &status, const HistoryPointer &history, PollContext context);
+    void settleInterruptedStart(bool commandEnded);
+    void startAnswered(const EngineReply &reply);
+    bool storeQueue(const QVariant &startInFlight);
+    QVariant storedStart() const;
+
+    JobsState m_jobs;
+    ListState m_list;
+    ModelsState m_models;
+    QueueStore m_queue;
+    QTimer m_timer;
+    QTimer m_watchDelay;
+    QFileSystemWatcher m_stateWatch;
+};
+
+} // namespace tuppi

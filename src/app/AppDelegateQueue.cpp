@@ -1,0 +1,122 @@
+#include "app/AppDelegate.h"
+
+#include "app/Scheduler.h"
+#include "engine/DebugLog.h"
+#include "engine/EngineCommands.h"
+#include "settings/Fill.h"
+#include "settings/L.h"
+
+#include <QFileInfo>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+void AppDelegate::restoreWaiting()
+{
+    m_queue.owned = m_queue.ownerLock.tryLock() != FileLock::Result::Elsewhere;
+    if (!m_queue.owned)
+        return;
+    m_jobs.waiting += RestoredQueue(m_queue.defaults.value(u"waitingQueue"_s));
+    m_jobs.interruptedStart = RestoredStart(m_queue.defaults.value(u"startInFlight"_s));
+    if (!m_jobs.interruptedStart)
+        m_queue.startLock.tryLock();
+}
+
+void AppDelegate::enqueue(const QStringList &paths, const StartChoices &choices)
+{
+    AddWaiting(m_jobs.waiting, paths, choices);
+    saveWaiting();
+    refresh();
+    startNextIfIdle();
+}
+
+void AppDelegate::saveWaiting()
+{
+    if (!storeQueue(storedStart()))
+        flash(L(u"The waiting list could not be saved. It is kept until the app quits."_s));
+}
+
+/// Writes the queue and the start in flight in one replacement of the file, so that a file is always in
+/// exactly one of the two.
+bool AppDelegate::storeQueue(const QVariant &startInFlight)
+{
+    if (!m_queue.owned)
+        return true;
+    const bool stored = m_queue.defaults.setValues(
+        {{u"waitingQueue"_s, StoredQueue(m_jobs.waiting)}, {u"startInFlight"_s, startInFlight}});
+    if (!stored)
+        DebugLog(u"the waiting queue could not be written to %@"_s, {m_queue.defaults.path()});
+    return stored;
+}
+
+QVariant AppDelegate::storedStart() const
+{
+    if (m_jobs.interruptedStart)
+        return StoredStart(*m_jobs.interruptedStart);
+    if (!m_jobs.starting)
+        return {};
+    return StoredStart({m_jobs.startingEntry, m_jobs.loaded ? std::optional(JobIds(*m_jobs.history)) : std::nullopt});
+}
+
+void AppDelegate::settleInterruptedStart(bool commandEnded)
+{
+    if (!m_jobs.interruptedStart)
+        return;
+    const StartFate fate = FateOfStart(*m_jobs.interruptedStart, *m_jobs.history, commandEnded);
+    if (fate == StartFate::Unknown)
+        return;
+    if (fate == StartFate::NotTaken)
+        m_jobs.waiting.prepend(m_jobs.interruptedStart->entry);
+    m_jobs.interruptedStart.reset();
+    m_queue.startLock.tryLock();
+    saveWaiting();
+}
+
+void AppDelegate::removeWaiting(const QString &rowKey)
+{
+    const QString path = rowWithKey(rowKey).value("waitPath"_L1).toString();
+    if (!path.isEmpty())
+        RemoveWaitingPath(m_jobs.waiting, path);
+    saveWaiting();
+    refresh();
+}
+
+void AppDelegate::startNextIfIdle()
+{
+    if (!MayStartNext(m_jobs))
+        return;
+    m_jobs.startingEntry = m_jobs.waiting.takeFirst();
+    m_jobs.starting = true;
+    saveWaiting();
+    refresh();
+    RunCallRead(
+        command::process(m_jobs.startingEntry), this, {0, m_queue.startLock.descriptor()},
+        [](const RawReply &raw) { return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)}; },
+        [this](const EngineReply &reply) { startAnswered(reply); });
+}
+
+void AppDelegate::startAnswered(const EngineReply &reply)
+{
+    const QString path = WaitingPath(m_jobs.startingEntry);
+    m_jobs.starting = false;
+    ++m_jobs.startGeneration;
+    saveWaiting();
+    Q_EMIT startFinished(path, reply.status == 0);
+    refresh();
+    reportFailure(reply.status, reply.err, Fill(L(u"Could not start “%@”"_s), {QFileInfo(path).fileName()}));
+    m_jobs.polling = false;
+    poll();
+}
+
+bool AppDelegate::somethingActive() const
+{
+    return SomethingActive(m_jobs);
+}
+
+bool AppDelegate::busyExcept(const QString &id) const
+{
+    return BusyExcept(m_jobs, id);
+}
+
+} // namespace tuppi

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/StartRecord.h"
+#include "app/WaitingQueue.h"
+#include "engine/EngineReplies.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace tuppi {
+
+/// What is known of the engine's work and what waits for it. Main thread only.
+struct JobsState
+{
+    WaitingQueue waiting;
+    HistoryPointer history = std::make_shared<const History>();  ///< the last usable reply, never null
+    std::optional<QJsonObject> latestJob;
+    QString library;              ///< the transcripts folder, empty when unknown
+    bool loaded = false;          ///< a usable history has arrived; never cleared
+    bool engineBroken = false;    ///< the engine could not be found at the last poll
+    bool polling = false;         ///< a history or status query of the current poll is in flight
+    unsigned pollTick = 0;        ///< timer ticks so far
+    bool starting = false;        ///< a start is in flight
+    WaitingEntry startingEntry;   ///< the file of that start
+    int startGeneration = 0;      ///< starts completed so far
+    std::optional<StartRecord> interruptedStart;  ///< of an earlier run, its fate not yet known
+};
+
+} // namespace tuppi

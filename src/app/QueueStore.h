@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/FileLock.h"
+#include "settings/Defaults.h"
+
+namespace tuppi {
+
+/// Where the waiting queue is kept, and who may write it. One process at a time owns the stored queue;
+/// another one keeps a queue of its own in memory.
+struct QueueStore
+{
+    explicit QueueStore(Defaults &store)
+        : defaults(store)
+        , ownerLock(store.path() + QStringLiteral(".queue.lock"))
+        , startLock(store.path() + QStringLiteral(".start.lock"))
+    {
+    }
+
+    Defaults &defaults;
+    FileLock ownerLock;
+    /// Handed to each "process" command: while somebody else holds it, a start of an earlier run is at work.
+    FileLock startLock;
+    bool owned = false;
+};
+
+} // namespace tuppi

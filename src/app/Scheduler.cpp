@@ -1,0 +1,40 @@
+#include "app/Scheduler.h"
+
+#include "settings/L.h"
+
+#include <algorithm>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+bool SomethingActive(const JobsState &jobs)
+{
+    return jobs.starting || !jobs.history->active.isEmpty();
+}
+
+bool BusyExcept(const JobsState &jobs, const QString &id)
+{
+    const QList<QJsonObject> &active = jobs.history->active;
+    return jobs.starting || std::any_of(active.begin(), active.end(), [&](const QJsonObject &job) {
+        return !job.value("paused"_L1).toBool() && job.value("id"_L1).toString() != id;
+    });
+}
+
+bool MayStartNext(const JobsState &jobs)
+{
+    if (jobs.waiting.isEmpty() || SomethingActive(jobs) || jobs.interruptedStart)
+        return false;
+    // Before the first history it is unknown what the engine is busy with, and which job a start brings
+    // about. The poll in flight ends by asking again; without an engine the files are better off waiting.
+    return jobs.loaded || !(jobs.polling || jobs.engineBroken);
+}
+
+QString FailureDetail(const QString &err)
+{
+    QString text = err;
+    text.remove(u"Помилка: "_s).remove(u"Error: "_s);
+    return L(text.trimmed().section(u'\n', -1));
+}
+
+} // namespace tuppi

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "app/JobsState.h"
+
+#include <QString>
+
+namespace tuppi {
+
+/// True while a start is in flight or a job is under way, paused or not.
+bool SomethingActive(const JobsState &jobs);
+
+/// True while a start is in flight or another job than `id` is under way and not paused.
+bool BusyExcept(const JobsState &jobs, const QString &id);
+
+/// True when the first waiting file may be handed to the engine now.
+bool MayStartNext(const JobsState &jobs);
+
+/// The line of an engine's error text that is shown: prefixes removed, trimmed, the last line, localised.
+QString FailureDetail(const QString &err);
+
+} // namespace tuppi

@@ -1,0 +1,93 @@
+#include "app/WaitingQueue.h"
+
+#include "settings/Val.h"
+
+#include <QFile>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace tuppi {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Copies a value over, or its default where there is none.
+void carry(const QVariantMap &from, QVariantMap &to, const QString &key, const QVariant &fallback)
+{
+    const QVariant value = Val(from.value(key));
+    to.insert(key, value.isValid() ? value : fallback);
+}
+
+void carryOptions(const QVariantMap &from, QVariantMap &to)
+{
+    carry(from, to, u"engine"_s, u"auto"_s);
+    carry(from, to, u"language"_s, u"auto"_s);
+    carry(from, to, u"speakers"_s, true);
+    carry(from, to, u"quick"_s, false);
+}
+
+} // namespace
+
+QString WaitingPath(const WaitingEntry &entry)
+{
+    return entry.value(u"url"_s).toUrl().toLocalFile();
+}
+
+void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
+{
+    for (const QString &path : paths) {
+        const bool known = std::any_of(queue.cbegin(), queue.cend(),
+                                       [&](const WaitingEntry &entry) { return WaitingPath(entry) == path; });
+        if (known)
+            continue;
+        queue.append({{u"url"_s, QUrl::fromLocalFile(path)},
+                      {u"engine"_s, choices.engine},
+                      {u"language"_s, choices.language},
+                      {u"speakers"_s, choices.speakers},
+                      {u"quick"_s, choices.quick}});
+    }
+}
+
+void RemoveWaitingPath(WaitingQueue &queue, const QString &path)
+{
+    queue.removeIf([&](const WaitingEntry &entry) { return WaitingPath(entry) == path; });
+}
+
+QVariantMap StoredEntry(const WaitingEntry &entry)
+{
+    QVariantMap stored{{u"path"_s, WaitingPath(entry)}};
+    carryOptions(entry, stored);
+    return stored;
+}
+
+QVariantList StoredQueue(const WaitingQueue &queue)
+{
+    QVariantList stored;
+    for (const WaitingEntry &entry : queue)
+        stored.append(StoredEntry(entry));
+    return stored;
+}
+
+WaitingEntry EntryFromStored(const QVariantMap &stored)
+{
+    WaitingEntry entry{{u"url"_s, QUrl::fromLocalFile(stored.value(u"path"_s).toString())}};
+    carryOptions(stored, entry);
+    return entry;
+}
+
+WaitingQueue RestoredQueue(const QVariant &stored)
+{
+    WaitingQueue queue;
+    if (stored.typeId() != QMetaType::QVariantList)
+        return queue;
+    for (const QVariant &element : stored.toList()) {
+        const QVariantMap record = element.toMap();
+        const QVariant path = record.value(u"path"_s);
+        if (path.typeId() == QMetaType::QString && QFile::exists(path.toString()))
+            queue.append(EntryFromStored(record));
+    }
+    return queue;
+}
+
+} // namespace tuppi

@@ -1,0 +1,224 @@
+#include "engine/RunCallTimeout.h"
+
+#include "settings/L.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QScopeGuard>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern "C" { // glibc 2.36 leaves the linkage out of this header
+#include <sys/pidfd.h>
+}
+
+namespace tuppi {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor = -1) : m_descriptor(descriptor) {}
+    ~Descriptor() { close(); }
+    Q_DISABLE_COPY(Descriptor)
+
+    int get() const { return m_descriptor; }
+    bool isOpen() const { return m_descriptor >= 0; }
+    void reset(int descriptor)
+    {
+        close();
+        m_descriptor = descriptor;
+    }
+    void close()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+        m_descriptor = -1;
+    }
+
+private:
+    int m_descriptor;
+};
+
+struct Pipe
+{
+    Descriptor read;
+    Descriptor write;
+
+    bool open()
+    {
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+            return false;
+        read.reset(ends[0]);
+        write.reset(ends[1]);
+        return ::fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0;
+    }
+};
+
+/// Reads what a pipe holds now into `bytes`; closes the reading end at the end of the stream.
+void drain(Descriptor &pipe, QByteArray &bytes)
+{
+    std::array<char, 65536> chunk;
+    while (pipe.isOpen()) {
+        const ssize_t count = ::read(pipe.get(), chunk.data(), chunk.size());
+        if (count > 0) {
+            bytes.append(chunk.data(), count);
+        } else if (count < 0 && errno == EINTR) {
+            continue;
+        } else if (count < 0 && errno == EAGAIN) {
+            return;
+        } else {
+            pipe.close();
+        }
+    }
+}
+
+/// Starts the child. Returns 0 and its pid, or an error number.
+int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &out, const Pipe &err,
+          int keepOpen, pid_t *pid)
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    const auto release = qScopeGuard([&] {
+        posix_spawn_file_actions_destroy(&actions);
+        posix_spawnattr_destroy(&attributes);
+    });
+
+    posix_spawn_file_actions_adddup2(&actions, out.write.get(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, err.write.get(), STDERR_FILENO);
+    if (keepOpen >= 0)
+        posix_spawn_file_actions_adddup2(&actions, keepOpen, keepOpen); // clears close-on-exec in the child
+
+    // A group of its own: an interrupt typed at the application's terminal is not meant for the engine.
+    sigset_t none, defaults;
+    sigemptyset(&none);
+    sigemptyset(&defaults);
+    for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&defaults, signal);
+    posix_spawnattr_setpgroup(&attributes, 0);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes,
+                             POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+
+    std::vector<QByteArray> words{QFile::encodeName(interpreter)};
+    for (const QString &argument : arguments)
+        words.push_back(QFile::encodeName(argument));
+    std::vector<char *> argv;
+    argv.reserve(words.size() + 1);
+    for (QByteArray &word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    return posix_spawn(pid, argv.front(), &actions, &attributes, argv.data(), environ);
+}
+
+RawReply launchFailure(int error)
+{
+    QString text = QString::fromLocal8Bit(std::strerror(error));
+    if (error == 0 || text.isEmpty())
+        text = L(u"Could not start Tuppi Transcriber"_s);
+    return {-1, {}, text.toUtf8()};
+}
+
+int exitStatus(pid_t pid)
+{
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0) {
+        if (errno != EINTR)
+            return -1;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status);
+}
+
+/// Follows a running child: both streams at once, so that neither can fill up and block it, its end, and
+/// the limit.
+void follow(pid_t pid, Pipe &out, Pipe &err, double limit, RawReply &reply)
+{
+    const Descriptor child(::pidfd_open(pid, 0));
+    const QDeadlineTimer deadline = limit > 0 ? QDeadlineTimer(qint64(limit * 1000)) : QDeadlineTimer(QDeadlineTimer::Forever);
+    bool running = child.isOpen();
+    bool terminated = false;
+
+    while (running || ((out.read.isOpen() || err.read.isOpen()) && !deadline.hasExpired())) {
+        if (running && deadline.hasExpired() && !terminated) {
+            ::kill(-pid, SIGTERM);
+            terminated = true;
+        }
+        std::array<pollfd, 3> watched{{{out.read.get(), POLLIN, 0},
+                                       {err.read.get(), POLLIN, 0},
+                                       {running ? child.get() : -1, POLLIN, 0}}};
+        const qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
+        if (::poll(watched.data(), watched.size(), int(left)) < 0 && errno != EINTR)
+            break;
+        drain(out.read, reply.out);
+        drain(err.read, reply.err);
+        if (watched[2].revents != 0)
+            running = false;
+    }
+    reply.status = exitStatus(pid);
+    drain(out.read, reply.out);
+    drain(err.read, reply.err);
+}
+
+} // namespace
+
+QString EnginePath()
+{
+    return QDir::homePath() + u"/Library/Application Support/Larkspire/runtime/call"_s;
+}
+
+QString DecodeStream(const QByteArray &bytes)
+{
+    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
+}
+
+// QProcess stops reading when bash itself has ended and so loses what bash's own child still writes; here
+// the streams are read to their end.
+RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, const RunOptions &options)
+{
+    Pipe out, err;
+    if (!out.open() || !err.open())
+        return launchFailure(errno);
+    pid_t pid = -1;
+    const int error = spawn(interpreter, arguments, out, err, options.keepOpen, &pid);
+    if (error != 0)
+        return launchFailure(error);
+    out.write.close();
+    err.write.close();
+    RawReply reply;
+    follow(pid, out, err, options.timeoutSeconds, reply);
+    return reply;
+}
+
+RawReply detail::runEngine(const QStringList &arguments, const RunOptions &options)
+{
+    return RunAndWait(u"/bin/bash"_s, QStringList(EnginePath()) + arguments, options);
+}
+
+void RunCallTimeout(const QStringList &arguments, QObject *context, Completion completion, double timeoutSeconds)
+{
+    const auto read = [](const RawReply &raw) {
+        return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)};
+    };
+    RunCallRead(arguments, context, {timeoutSeconds, -1}, read, [completion = std::move(completion)](const EngineReply &reply) {
+        if (completion)
+            completion(reply);
+    });
+}
+
+} // namespace tuppi

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QThread>
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace tuppi {
+
+/// What one engine command left behind, as bytes; read on the thread that ran the command.
+struct RawReply
+{
+    int status = -1;  ///< exit status, the signal's number after a signal, -1 when nothing could be launched
+    QByteArray out;   ///< standard output, as far as it was written
+    QByteArray err;   ///< standard error; the launch error's description when nothing could be launched
+};
+
+/// The same reply as texts, delivered on the main thread. A stream that is not valid UTF-8 is empty.
+struct EngineReply
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+using Completion = std::function<void(const EngineReply &)>;
+
+/// How one command is run, beside its arguments.
+struct RunOptions
+{
+    double timeoutSeconds = 0;  ///< 0 or less: no limit
+    /// A descriptor that the child keeps open while it lives, -1 for none. The caller owns it and keeps it
+    /// open until the call returns.
+    int keepOpen = -1;
+};
+
+/// Path of the engine's entry file under the user's home, computed afresh each time.
+QString EnginePath();
+
+/// Decodes a stream of the engine: valid UTF-8, or an empty text.
+QString DecodeStream(const QByteArray &bytes);
+
+/// Runs `interpreter` with `arguments` and blocks until it has ended and both its streams are at their end
+/// (or, once the limit has passed, until it has ended). At the limit SIGTERM goes to the child and to what
+/// it started in its process group; nothing else is done to it.
+RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, const RunOptions &options);
+
+namespace detail {
+RawReply runEngine(const QStringList &arguments, const RunOptions &options);
+}
+
+/// Runs one engine command off the main thread, reads its reply there with `read`, and calls `then` with
+/// what `read` made of it on `context`'s thread. A context that is gone by then is not called; the command
+/// itself still runs to its end. Returns at once.
+template<typename Read, typename Then>
+void RunCallRead(const QStringList &arguments, QObject *context, const RunOptions &options, Read read, Then then)
+{
+    using Result = std::invoke_result_t<Read, const RawReply &>;
+    auto result = std::make_shared<Result>();
+    // One thread for the command's whole life, never waited for: an engine that hangs must not hold the
+    // application's exit. The thread touches nothing but what it owns.
+    QThread *thread = QThread::create([arguments, options, read = std::move(read), result] {
+        *result = read(detail::runEngine(arguments, options));
+    });
+    QObject::connect(thread, &QThread::finished, context,
+                     [result, then = std::move(then)] { then(std::move(*result)); });
+    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
+}
+
+/// Runs one engine command off the main thread and delivers its reply to `completion` (which may be empty)
+/// on `context`'s thread. Returns at once. A limit of 0 or less means none.
+void RunCallTimeout(const QStringList &arguments, QObject *context, Completion completion, double timeoutSeconds);
+
+} // namespace tuppi

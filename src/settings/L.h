@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QTranslator>
+
+namespace tuppi {
+
+/// The text in the interface language; an empty text and a text without an entry come back unchanged.
+/// May be called from any thread.
+QString L(const QString &text);
+
+/// One localisation table: JSON object of English text to translation. Installed into the application, it is
+/// what L() looks into.
+class LocalTable : public QTranslator
+{
+    Q_OBJECT
+public:
+    using QTranslator::QTranslator;
+
+    /// Reads a table file, replacing what was there. False (and an empty table) when the file is missing or
+    /// is not an object of texts.
+    bool loadTable(const QString &path);
+
+    /// The whole table, as the viewer page is handed it.
+    const QHash<QString, QString> &texts() const { return m_texts; }
+
+    bool isEmpty() const override { return m_texts.isEmpty(); }
+    QString translate(const char *context, const char *sourceText, const char *disambiguation = nullptr,
+                      int n = -1) const override;
+
+private:
+    QHash<QString, QString> m_texts;
+};
+
+/// Codes of the interface languages, in the order of the menu.
+QStringList InterfaceLanguageCodes();
+
+/// The chosen interface language out of the stored "AppleLanguages" value: its first element when it is a
+/// list with at least one, else "auto".
+QString ChosenInterfaceLanguage(const QVariant &stored);
+
+/// The interface language in use: the chosen one when there is a table for it, else the first of the
+/// system's languages (as QLocale::uiLanguages gives them) that there is one for, else "en".
+QString InterfaceLanguageInUse(const QString &chosen, const QStringList &systemLanguages);
+
+} // namespace tuppi

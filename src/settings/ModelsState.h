@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QString>
+#include <QStringList>
+
+namespace tuppi {
+
+/// The engine's models beside the built-in ones, as last reported.
+struct ModelsState
+{
+    QJsonArray custom;
+    QString textModel;
+    QStringList ollamaModels;
+};
+
+} // namespace tuppi

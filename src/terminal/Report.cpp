@@ -1,0 +1,144 @@
+#include "terminal/Report.h"
+
+#include "engine/Stages.h"
+#include "list/Describe.h"
+#include "list/Rows.h"
+
+#include <QFileInfo>
+#include <QSet>
+
+#include <algorithm>
+
+namespace tuppi {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QString idOf(const QJsonObject &job)
+{
+    return job.value("id"_L1).toString();
+}
+
+bool hasEnded(const FollowedFile &file)
+{
+    return file.refused || (!file.jobId.isEmpty() && !IsActiveStage(file.stage) && file.stage != "paused"_L1);
+}
+
+} // namespace
+
+FollowedFile &Report::fileFor(const QString &path)
+{
+    const auto known = std::find_if(m_files.begin(), m_files.end(), [&](const FollowedFile &file) {
+        return file.path == path && !hasEnded(file) && file.jobId.isEmpty();
+    });
+    if (known != m_files.end())
+        return *known;
+    FollowedFile file;
+    file.path = path;
+    file.title = QFileInfo(path).completeBaseName();
+    m_files.append(file);
+    return m_files.last();
+}
+
+void Report::claim(const QJsonObject &job)
+{
+    const QString title = job.value("title"_L1).toString();
+    const auto open = [](const FollowedFile &file) { return file.handedOver && file.jobId.isEmpty() && !file.refused; };
+    auto file = std::find_if(m_files.begin(), m_files.end(),
+                             [&](const FollowedFile &candidate) { return open(candidate) && candidate.title == title; });
+    if (file == m_files.end())
+        file = std::find_if(m_files.begin(), m_files.end(), open);
+    if (file != m_files.end())
+        file->jobId = idOf(job);
+}
+
+void Report::claimJobs(const History &history)
+{
+    if (!m_loaded) {
+        // What is under way when the run begins holds the queue up, so it is followed as well.
+        for (const QJsonObject &job : history.active) {
+            FollowedFile file;
+            file.jobId = idOf(job);
+            file.title = job.value("title"_L1).toString();
+            m_files.append(file);
+        }
+    } else {
+        const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
+        for (const QJsonObject &job : history.entries) {
+            if (!known.contains(idOf(job)))
+                claim(job);
+        }
+    }
+    m_loaded = true;
+    m_knownJobs = JobIds(history);
+}
+
+bool Report::report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
+                    QList<ReportLine> &lines)
+{
+    const QString text = Describe(row, jobs.latestJob, customModels).text;
+    const QString stage = row.value("status"_L1).toString();
+    file.callDir = row.value("call_dir"_L1).toString();
+    if (text == file.text)
+        return false;
+    const QString identity = file.path + u'|' + file.jobId;
+    lines.append({file.title, text, stage == file.stage && m_lastReported == identity});
+    m_lastReported = identity;
+    file.text = text;
+    file.stage = stage;
+    return true;
+}
+
+QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &customModels)
+{
+    QList<ReportLine> lines;
+    if (jobs.loaded)
+        claimJobs(*jobs.history);
+    for (const QJsonObject &row : BuildRows(jobs).rows) {
+        const QString status = row.value("status"_L1).toString();
+        const QString id = idOf(row);
+        if (status == "waiting"_L1) {
+            report(fileFor(row.value("waitPath"_L1).toString()), row, jobs, customModels, lines);
+        } else if (status == "starting"_L1) {
+            report(fileFor(WaitingPath(jobs.startingEntry)), row, jobs, customModels, lines);
+        } else if (!id.isEmpty()) {
+            const auto file = std::find_if(m_files.begin(), m_files.end(),
+                                           [&](const FollowedFile &candidate) { return candidate.jobId == id; });
+            if (file != m_files.end())
+                report(*file, row, jobs, customModels, lines);
+        }
+    }
+    return lines;
+}
+
+void Report::startFinished(const QString &path, bool taken)
+{
+    FollowedFile &file = fileFor(path);
+    file.handedOver = taken;
+    file.refused = !taken;
+}
+
+QStringList Report::giveUpUnlisted()
+{
+    QStringList titles;
+    for (FollowedFile &file : m_files) {
+        if (file.handedOver && file.jobId.isEmpty() && !file.refused) {
+            file.refused = true;
+            titles.append(file.title);
+        }
+    }
+    return titles;
+}
+
+bool Report::isFinished(const JobsState &jobs) const
+{
+    return jobs.loaded && jobs.waiting.isEmpty() && !jobs.starting && !jobs.interruptedStart
+        && std::all_of(m_files.begin(), m_files.end(), hasEnded);
+}
+
+bool Report::allReady() const
+{
+    return std::all_of(m_files.begin(), m_files.end(), [](const FollowedFile &file) { return file.stage == "ready"_L1; });
+}
+
+} // namespace tuppi

@@ -1,0 +1,120 @@
+#include "terminal/TerminalView.h"
+
+#include "settings/Fill.h"
+#include "settings/L.h"
+
+#include <QFileInfo>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+TerminalView::TerminalView(QObject *parent)
+    : QObject(parent)
+    , m_out(stdout)
+    , m_err(stderr)
+    , m_rewritesProgress(::isatty(STDOUT_FILENO) == 1)
+{
+}
+
+void TerminalView::printLine(const ReportLine &line)
+{
+    if (line.sameStage && m_progressLineOpen)
+        m_out << "\r\x1b[K";
+    else
+        endProgressLine();
+    m_out << line.title << ": " << line.text;
+    if (m_rewritesProgress)
+        m_progressLineOpen = true;
+    else
+        m_out << '\n';
+    m_out.flush();
+}
+
+void TerminalView::endProgressLine()
+{
+    if (m_progressLineOpen)
+        m_out << Qt::endl;
+    m_progressLineOpen = false;
+}
+
+void TerminalView::showState(const JobsState &jobs, const QJsonArray &customModels)
+{
+    if (m_isOver)
+        return;
+    const QList<ReportLine> lines = m_report.update(jobs, customModels);
+    for (const ReportLine &line : lines)
+        printLine(line);
+    if (jobs.engineBroken && !jobs.loaded) {
+        showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
+        m_isOver = true;
+        Q_EMIT finished(1);
+    }
+}
+
+void TerminalView::showPolled(const JobsState &jobs)
+{
+    if (m_isOver)
+        return;
+    const QStringList unlisted = m_report.giveUpUnlisted();
+    for (const QString &title : unlisted)
+        showFailure(title, L(u"The engine took the file but lists no job for it."_s));
+    if (!m_report.isFinished(jobs))
+        return;
+    m_isOver = true;
+    printResults();
+    Q_EMIT finished(m_failed || !m_report.allReady() ? 1 : 0);
+}
+
+void TerminalView::showStartFinished(const QString &path, bool taken)
+{
+    m_report.startFinished(path, taken);
+}
+
+void TerminalView::showFailure(const QString &title, const QString &detail)
+{
+    m_failed = true;
+    showNotice(detail.isEmpty() ? title : title + u": "_s + detail);
+}
+
+void TerminalView::showNotice(const QString &text)
+{
+    endProgressLine();
+    m_err << text << Qt::endl;
+}
+
+void TerminalView::printResults()
+{
+    endProgressLine();
+    if (m_report.files().isEmpty())
+        m_out << L(u"Nothing is waiting."_s) << Qt::endl;
+    for (const FollowedFile &file : m_report.files()) {
+        if (file.stage == "ready"_L1)
+            m_out << file.title << ": " << file.callDir << Qt::endl;
+        else if (!file.refused)
+            m_err << file.title << ": " << file.text << Qt::endl;
+    }
+}
+
+void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsStored)
+{
+    m_isOver = true;
+    QStringList working, waiting;
+    if (jobs.starting)
+        working.append(QFileInfo(WaitingPath(jobs.startingEntry)).completeBaseName());
+    for (const QJsonObject &job : jobs.history->active)
+        working.append(job.value("title"_L1).toString());
+    for (const WaitingEntry &entry : jobs.waiting)
+        waiting.append(QFileInfo(WaitingPath(entry)).fileName());
+    if (!working.isEmpty())
+        showNotice(Fill(L(u"The engine goes on with “%@”."_s), {working.join(u"”, “"_s)}));
+    if (!waiting.isEmpty())
+        showNotice(Fill(L(queueIsStored ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
+                                        : u"Not transcribed, and not kept: %@"_s),
+                        {waiting.join(u", "_s)}));
+}
+
+} // namespace tuppi
