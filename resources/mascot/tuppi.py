@@ -181,8 +181,8 @@ def face(eyes="open", open_=1.0, look=(0.0, 0.0), mouth="smile", shift=(0.0, 0.0
         inner += [eye(-22, 3, SKY, open_, look), eye(22, 3, YELLOW, open_, look)]
     # nose, then the mouth hanging from it
     if mouth == "laugh":
-        inner.append(f'<path d="M{pts((-8.5, 21))}Q{pts((0, 24), (8.5, 21))}C{pts((8.5, 35), (-8.5, 35), (-8.5, 21))}Z" '
-                     f'fill="{NOSE}" stroke="{INK}" stroke-width="3.8" stroke-linejoin="round"/>')
+        inner.append(f'<path d="M{pts((-8.5, 21))}Q{pts((0, 24), (8.5, 21))}C{pts((8.5, 35), (-8.5, 35), (-8.5, 21))}Z"'
+                     f' fill="{NOSE}" stroke="{INK}" stroke-width="3.8" stroke-linejoin="round"/>')
     elif mouth == "wavy":
         inner.append(line(smooth([(-10, 26), (-5, 22.6), (0, 26), (5, 22.6), (10, 26)]), INK, 4))
     elif mouth == "tongue":
