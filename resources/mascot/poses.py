@@ -2,7 +2,7 @@
 
 import math
 
-from tuppi import (BLUE, BLUSH, CREAM, FUR, INK, PALE_YELLOW, SKY, WHITE, YELLOW, Solid, arm, body, fill, front_legs,
+from tuppi import (BLUE, BLUSH, CREAM, INK, PALE_YELLOW, SKY, WHITE, YELLOW, Solid, arm, body, fill, front_legs,
                    group, head, line, n, oval, paw, pts, scarf, smooth, tail)
 
 TAU = 2 * math.pi
@@ -170,7 +170,7 @@ def done(t):
         group([sheet.svg()], x=sx, y=sy, turn=8 + 3 * cheer),
         paw(hold[0] + 1, hold[1] - 1, 8, 7),
         star(135, 17, 4 + 6 * bump(t, 0.25, 0.45)),
-        star(145, 117, 4 + 4.5 * bump(t, 0.75, 0.45)),
+        star(145, 117, 5.5 + 3.5 * bump(t, 0.75, 0.45)),
     ]
 
 

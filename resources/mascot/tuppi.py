@@ -165,13 +165,12 @@ def happy_eye(x, y):
     return line(f"M{pts((x - 8.5, y + 4))}Q{pts((x, y - 9.5), (x + 8.5, y + 4))}", INK, 5)
 
 
-def face(eyes="open", open_=1.0, look=(0.0, 0.0), mouth="smile", shift=(0.0, 0.0), whiskers=True, bars=True):
+def face(eyes="open", open_=1.0, look=(0.0, 0.0), mouth="smile", shift=(0.0, 0.0)):
     out = []
     sx, sy = shift
-    if bars:
-        for x, half in ((-11.5, 4.4), (0, 7.6), (11.5, 4.4)):
-            x += sx * 0.5
-            out.append(line(f"M{pts((x, -21 - half + sy * 0.3))}V{n(-21 + half + sy * 0.3)}", STRIPE, 5.4))
+    for x, half in ((-11.5, 4.4), (0, 7.6), (11.5, 4.4)):
+        x += sx * 0.5
+        out.append(line(f"M{pts((x, -21 - half + sy * 0.3))}V{n(-21 + half + sy * 0.3)}", STRIPE, 5.4))
     inner = []
     inner.append(fill(oval(0, 21, 19, 13.5), CREAM))
     for side in (-1, 1):
@@ -182,15 +181,15 @@ def face(eyes="open", open_=1.0, look=(0.0, 0.0), mouth="smile", shift=(0.0, 0.0
         inner += [eye(-22, 3, SKY, open_, look), eye(22, 3, YELLOW, open_, look)]
     # nose, then the mouth hanging from it
     if mouth == "laugh":
-        inner.append(f'<path d="M{pts((-8.5, 21))}Q{pts((0, 24), (8.5, 21))}C{pts((8.5, 35), (-8.5, 35), (-8.5, 21))}Z" '
-                     f'fill="{NOSE}" stroke="{INK}" stroke-width="3.8" stroke-linejoin="round"/>')
+        inner.append(f'<path d="M{pts((-8.5, 21))}Q{pts((0, 24), (8.5, 21))}C{pts((8.5, 35), (-8.5, 35), (-8.5, 21))}Z"'
+                     f' fill="{NOSE}" stroke="{INK}" stroke-width="3.8" stroke-linejoin="round"/>')
     elif mouth == "wavy":
         inner.append(line(smooth([(-10, 26), (-5, 22.6), (0, 26), (5, 22.6), (10, 26)]), INK, 4))
     elif mouth == "tongue":
-        inner.append(f'<path d="M-4.6,23V28.4C-4.6,35 4.6,35 4.6,28.4V23Z" fill="{BLUSH}" stroke="{INK}" '
-                     f'stroke-width="3.4" stroke-linejoin="round"/>')
-        inner.append(line(f"M{pts((-10, 20.5))}C{pts((-9, 26), (-1, 26), (0, 20))}"
-                          f"C{pts((1, 26), (9, 26), (10, 20.5))}", INK, 3.8))
+        # The mouth is small here, so that lips and tongue stay apart at 64 pixels.
+        inner.append(f'<path d="M-5,23.6V28.6C-5,35.4 5,35.4 5,28.6V23.6Z" fill="{BLUSH}"/>')
+        inner.append(line("M-5,24V28.6C-5,35.4 5,35.4 5,28.6V24", INK, 3.2))
+        inner.append(line("M-10.5,21.6Q-8,24 -4.6,23.6H4.6Q8,24 10.5,21.6", INK, 3.6))
     else:
         inner.append(line(f"M{pts((-10, 20.5))}C{pts((-9, 27.5), (-1, 27.5), (0, 20))}"
                           f"C{pts((1, 27.5), (9, 27.5), (10, 20.5))}", INK, 3.8))
@@ -203,23 +202,15 @@ def face(eyes="open", open_=1.0, look=(0.0, 0.0), mouth="smile", shift=(0.0, 0.0
     return "".join(out)
 
 
-def whiskers():
-    out = []
-    for side in (-1, 1):
-        out.append(line(f"M{pts((side * 45, 22))}Q{pts((side * 54, 21.5), (side * 62, 24))}", INK, 3.2))
-        out.append(line(f"M{pts((side * 42, 28))}Q{pts((side * 50, 30), (side * 57, 34.5))}", INK, 3.2))
-    return "".join(out)
-
-
-def head(left=0.0, right=0.0, behind="", over="", **looks):
-    """left and right lean the ears outwards; over is drawn on the skull but under nothing else."""
+def head(left=0.0, right=0.0, over="", **looks):
+    """left and right lean the ears outwards; over goes on top of everything, as headphones do."""
     solid = Solid()
     for side, lean in ((-1, left), (1, right)):
         solid.shape(EAR, FUR, **ear(side, lean))
     solid.shape(HEAD, FUR)
     inside = "".join(group([fill(EAR_INSIDE, BLUSH)], **ear(side, lean)) for side, lean in ((-1, left), (1, right)))
     cover = fill(HEAD, FUR)
-    return behind + solid.svg() + inside + cover + face(**looks) + over
+    return solid.svg() + inside + cover + face(**looks) + over
 
 
 # --- the body -------------------------------------------------------------------------------------------------------
@@ -286,7 +277,6 @@ def paw(x, y, rx=7.6, ry=6.4):
     return Solid(4.2).shape(oval(x, y, rx, ry), CREAM).svg()
 
 
-def picture(parts, width=160, height=140, box=None):
-    view = box or (0, 0, 160, 140)
-    return (f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
-            f'viewBox="{" ".join(n(v) for v in view)}">{"".join(parts)}</svg>\n')
+def picture(parts):
+    return ('<svg xmlns="http://www.w3.org/2000/svg" width="160" height="140" viewBox="0 0 160 140">'
+            f'{"".join(parts)}</svg>\n')
