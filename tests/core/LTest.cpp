@@ -107,6 +107,14 @@ TEST(ChosenInterfaceLanguage, IsTheFirstElementOfAList)
     EXPECT_EQ(ChosenInterfaceLanguage(QVariantList{u"es"_s, u"uk"_s}), u"es"_s);
 }
 
+TEST(ChosenInterfaceLanguage, ValueThatIsNoListReadsAsAuto)
+{
+    EXPECT_EQ(ChosenInterfaceLanguage(u"uk"_s), u"auto"_s);
+    EXPECT_EQ(ChosenInterfaceLanguage(QVariantMap{{u"0"_s, u"uk"_s}}), u"auto"_s);
+    EXPECT_EQ(ChosenInterfaceLanguage(5), u"auto"_s);
+    EXPECT_EQ(ChosenInterfaceLanguage(QVariant()), u"auto"_s);
+}
+
 TEST(ChosenInterfaceLanguage, EmptyListReadsAsAuto)
 {
     EXPECT_EQ(ChosenInterfaceLanguage(QVariantList()), u"auto"_s);
