@@ -235,6 +235,42 @@ TEST_F(DefaultsTest, FileGarbledWhileOpenIsSetAsideByTheNextWrite)
     EXPECT_EQ(stored().value(u"sounds"_s), QJsonValue(false));
 }
 
+TEST_F(DefaultsTest, FailedWriteIsReportedHoldsForThisRunAndIsMadeUpFor)
+{
+    const QString blocked = m_folder.filePath(u"blocked"_s);
+    test::writeFile(blocked, "a file where the folder should be");
+    Defaults defaults(blocked + u"/settings.json"_s);
+    EXPECT_FALSE(defaults.setValue(u"engine"_s, u"whisper"_s));
+    EXPECT_EQ(defaults.text(u"engine"_s), u"whisper"_s);
+    EXPECT_FALSE(defaults.setValue(u"sounds"_s, false));
+
+    ASSERT_TRUE(QFile::remove(blocked));
+    ASSERT_TRUE(QDir().mkpath(blocked));
+    EXPECT_TRUE(defaults.setValue(u"txtFormat"_s, u"plain"_s));
+    EXPECT_EQ(test::object(test::readFile(blocked + u"/settings.json"_s)),
+              test::object(R"({"engine":"whisper","sounds":false,"txtFormat":"plain"})"));
+}
+
+TEST_F(DefaultsTest, WriteThatEndsInTheMiddleLeavesTheOldFile)
+{
+    Defaults defaults(store());
+    ASSERT_TRUE(defaults.setValue(u"engine"_s, u"whisper"_s));
+    const QByteArray before = test::readFile(store());
+
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit unlimited{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    const rlimit small{100, unlimited.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool stored = defaults.setValue(u"waitingQueue"_s, QVariantList(100, u"a long text in the list"_s));
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+
+    EXPECT_FALSE(stored);
+    EXPECT_EQ(test::readFile(store()), before);
+    EXPECT_TRUE(defaults.setValue(u"sounds"_s, false));
+    EXPECT_EQ(this->stored().value(u"waitingQueue"_s).toArray().size(), 100);
+}
+
 TEST_F(DefaultsTest, EveryKeyOfTheTableIsThereOnceWithItsMeaning)
 {
     QStringList names;
