@@ -47,7 +47,11 @@ bool readJson(QIODevice &device, QSettings::SettingsMap &map)
 bool writeJson(QIODevice &device, const QSettings::SettingsMap &map)
 {
     const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
-    return device.write(bytes) == bytes.size();
+    if (device.write(bytes) != bytes.size())
+        return false;
+    // On a full disk the last buffer may be written in part, which closing the file would take for success.
+    auto *file = qobject_cast<QFileDevice *>(&device);
+    return !file || file->flush();
 }
 
 QSettings::Format jsonFormat()
@@ -113,6 +117,9 @@ QVariant Defaults::value(const QString &key) const
 
 bool Defaults::setValues(const QVariantMap &values)
 {
+    // An error sticks to the object that met it; the unwritten values live on in the shared file cache.
+    if (m_settings->status() != QSettings::NoError)
+        m_settings = std::make_unique<QSettings>(path(), jsonFormat());
     for (auto entry = values.begin(); entry != values.end(); ++entry) {
         if (entry.value().isValid())
             m_settings->setValue(entry.key(), entry.value());
@@ -120,11 +127,7 @@ bool Defaults::setValues(const QVariantMap &values)
             m_settings->remove(entry.key());
     }
     m_settings->sync();
-    if (m_settings->status() == QSettings::NoError)
-        return true;
-    // An error sticks to the object that met it; the unwritten values live on in the shared file cache.
-    m_settings = std::make_unique<QSettings>(path(), jsonFormat());
-    return false;
+    return m_settings->status() == QSettings::NoError;
 }
 
 } // namespace tuppi

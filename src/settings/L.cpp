@@ -52,7 +52,9 @@ QStringList InterfaceLanguageCodes()
 
 QString ChosenInterfaceLanguage(const QVariant &stored)
 {
-    const QVariantList languages = stored.toList();
+    // A text would convert to the list of its characters.
+    const bool isList = stored.typeId() == QMetaType::QVariantList || stored.typeId() == QMetaType::QStringList;
+    const QVariantList languages = isList ? stored.toList() : QVariantList();
     return languages.isEmpty() ? u"auto"_s : languages.first().toString();
 }
 

@@ -1,0 +1,146 @@
+#include "app/Scheduler.h"
+
+#include "support/Support.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace tuppi;
+
+namespace {
+
+HistoryPointer historyOf(const QByteArray &json)
+{
+    return std::make_shared<const History>(ArrangeHistory(test::array(json)));
+}
+
+/// Idle: a history without work, a file waiting.
+JobsState idle()
+{
+    JobsState jobs;
+    jobs.loaded = true;
+    AddWaiting(jobs.waiting, {u"/a.m4a"_s}, {});
+    return jobs;
+}
+
+TEST(SomethingActive, HoldsForAStartInFlight)
+{
+    JobsState jobs;
+    EXPECT_FALSE(SomethingActive(jobs));
+    jobs.starting = true;
+    EXPECT_TRUE(SomethingActive(jobs));
+}
+
+TEST(SomethingActive, HoldsForEveryJobUnderWayPausedOrHiddenToo)
+{
+    JobsState jobs;
+    for (const QByteArray &history :
+         {QByteArray(R"([{"id":"a","status":"queued"}])"), QByteArray(R"([{"id":"a","status":"transcribing"}])"),
+          QByteArray(R"([{"id":"a","status":"analyzing"}])"), QByteArray(R"([{"id":"a","status":"cleaning"}])"),
+          QByteArray(R"([{"id":"a","status":"cleaning","paused":true}])"),
+          QByteArray(R"([{"id":"a","status":"queued","hidden":true}])")}) {
+        jobs.history = historyOf(history);
+        EXPECT_TRUE(SomethingActive(jobs)) << history.toStdString();
+    }
+    jobs.history = historyOf(R"([{"id":"a","status":"ready"},{"id":"b","status":"paused"},{"id":null,"status":"queued"}])");
+    EXPECT_FALSE(SomethingActive(jobs));
+}
+
+TEST(BusyExcept, APausedJobDoesNotKeepFromResumingAnother)
+{
+    JobsState jobs;
+    jobs.history = historyOf(R"([{"id":"a","status":"transcribing","paused":true},{"id":"b","status":"failed"}])");
+    EXPECT_FALSE(BusyExcept(jobs, u"b"_s));
+    EXPECT_TRUE(SomethingActive(jobs));
+}
+
+TEST(BusyExcept, ARunningJobKeepsFromResumingAnotherButNotItself)
+{
+    JobsState jobs;
+    jobs.history = historyOf(R"([{"id":"a","status":"transcribing"},{"id":"b","status":"queued","paused":true}])");
+    EXPECT_TRUE(BusyExcept(jobs, u"b"_s));
+    EXPECT_FALSE(BusyExcept(jobs, u"a"_s));
+}
+
+TEST(BusyExcept, AStartInFlightKeepsFromEverything)
+{
+    JobsState jobs;
+    jobs.starting = true;
+    EXPECT_TRUE(BusyExcept(jobs, u"a"_s));
+}
+
+TEST(MayStartNext, AnIdleEngineAndAWaitingFile)
+{
+    EXPECT_TRUE(MayStartNext(idle()));
+}
+
+TEST(MayStartNext, NothingWaits)
+{
+    JobsState jobs = idle();
+    jobs.waiting.clear();
+    EXPECT_FALSE(MayStartNext(jobs));
+}
+
+TEST(MayStartNext, AStartInFlightHoldsTheQueue)
+{
+    JobsState jobs = idle();
+    jobs.starting = true;
+    EXPECT_FALSE(MayStartNext(jobs));
+}
+
+TEST(MayStartNext, AJobUnderWayHoldsTheQueueAPausedOneToo)
+{
+    JobsState jobs = idle();
+    jobs.history = historyOf(R"([{"id":"a","status":"transcribing"}])");
+    EXPECT_FALSE(MayStartNext(jobs));
+    jobs.history = historyOf(R"([{"id":"a","status":"transcribing","paused":true}])");
+    EXPECT_FALSE(MayStartNext(jobs));
+    jobs.history = historyOf(R"([{"id":"a","status":"ready"}])");
+    EXPECT_TRUE(MayStartNext(jobs));
+}
+
+TEST(MayStartNext, AnInterruptedStartOfUnknownFateHoldsTheQueue)
+{
+    JobsState jobs = idle();
+    jobs.interruptedStart = StartRecord{};
+    EXPECT_FALSE(MayStartNext(jobs));
+}
+
+TEST(MayStartNext, BeforeTheFirstHistoryThePollInFlightIsAwaited)
+{
+    JobsState jobs = idle();
+    jobs.loaded = false;
+    jobs.polling = true;
+    EXPECT_FALSE(MayStartNext(jobs));
+    jobs.polling = false;
+    EXPECT_TRUE(MayStartNext(jobs));
+}
+
+TEST(MayStartNext, WithoutAnEngineTheFilesKeepWaiting)
+{
+    JobsState jobs = idle();
+    jobs.engineBroken = true;
+    jobs.loaded = false;
+    EXPECT_FALSE(MayStartNext(jobs));
+}
+
+TEST(FailureDetail, IsTheLastLineWithoutPrefixesAndBlanks)
+{
+    EXPECT_EQ(FailureDetail(u"Error: no such file\n"_s), u"no such file"_s);
+    EXPECT_EQ(FailureDetail(u"Помилка: немає файлу"_s), u"немає файлу"_s);
+    EXPECT_EQ(FailureDetail(u"Traceback\n  line 1\nError: the last one  \n\n"_s), u"the last one"_s);
+    EXPECT_EQ(FailureDetail(u"Error: Помилка: both"_s), u"both"_s);
+    EXPECT_EQ(FailureDetail(u"ErrПомилка: or: joined"_s), u"joined"_s);
+    EXPECT_EQ(FailureDetail(u"wrapped Error: in the middle"_s), u"wrapped in the middle"_s);
+    EXPECT_EQ(FailureDetail(u"Error:no blank"_s), u"Error:no blank"_s);
+    EXPECT_EQ(FailureDetail(u"no prefix"_s), u"no prefix"_s);
+}
+
+TEST(FailureDetail, EmptyTextStaysEmpty)
+{
+    EXPECT_EQ(FailureDetail({}), u""_s);
+    EXPECT_EQ(FailureDetail(u" \n\n"_s), u""_s);
+    EXPECT_EQ(FailureDetail(u"Error: \n"_s), u""_s);
+}
+
+} // namespace
