@@ -209,6 +209,26 @@ TEST_F(CrashRecovery, CommandHoldsTheStartLockBeyondTheApplication)
     EXPECT_TRUE(waitFor([&] { return !lockIsHeldByACommand(); }));
 }
 
+TEST_F(CrashRecovery, CommandHoldsTheStartLockAlsoWhenTheEarlierOneHeldItUntilAfterItsJobWasListed)
+{
+    leaveCrash();
+    listJob(1);
+    listJob(2, u"transcribing"_s);
+    beginEarlierCommand();
+    prepare();
+    poll();
+    ASSERT_FALSE(jobs().interruptedStart);
+    endEarlierCommand();
+    m_engine.answer(u"process"_s, Answer().heldAt("process"));
+    listJob(2);
+    poll();
+    ASSERT_TRUE(processCalls(1));
+    destroy();
+    EXPECT_TRUE(lockIsHeldByACommand());
+    m_engine.openGate("process");
+    EXPECT_TRUE(waitFor([&] { return !lockIsHeldByACommand(); }));
+}
+
 TEST_F(CrashRecovery, ApplicationThatGoesWhileAStartIsInFlightTranscribesOnce)
 {
     m_engine.answer(u"process"_s, Answer::script(R"(wait_for process; locked book_add "$2")"));
