@@ -289,6 +289,26 @@ TEST_F(Scheduling, EngineMissingFromTheBeginningKeepsTheFilesAndStartsThemOnceIt
     EXPECT_TRUE(waitFor([&] { return m_taken == QStringList{m_a}; }));
 }
 
+TEST_F(Scheduling, EngineThatGoesMissingLaterKeepsTheFilesThatWait)
+{
+    m_engine.keepBook("queued");
+    prepare();
+    poll();
+    m_engine.uninstall();
+    m_app->enqueue({m_a, m_b}, m_choices);
+    ASSERT_TRUE(waitFor([&] { return m_refused.contains(m_a); }));
+    for (int i = 0; i < 3; ++i)
+        poll();
+    EXPECT_TRUE(jobs().engineBroken);
+    EXPECT_FALSE(jobs().starting);
+    EXPECT_EQ(m_failures.size(), 1);
+    EXPECT_EQ(waitingPaths(), QStringList{m_b});
+    EXPECT_EQ(storedPaths(), QStringList{m_b});
+    m_engine.install();
+    poll();
+    EXPECT_TRUE(waitFor([&] { return m_taken.contains(m_b); }));
+}
+
 TEST_F(Scheduling, EngineThatCannotBeFoundAtTheStartItselfIsReported)
 {
     prepare();
