@@ -1,0 +1,118 @@
+#include "commands/Command.h"
+
+#include "core/Failure.h"
+#include "core/WorkerStart.h"
+#include "intake/CallDir.h"
+#include "store/Jobs.h"
+#include "store/Settings.h"
+
+#include <QRegularExpression>
+
+#include <chrono>
+#include <cstdio>
+#include <sys/wait.h>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace engine::commands {
+
+namespace {
+
+QString engineChoice(const Arguments &arguments)
+{
+    static const QStringList known{u"auto"_s, u"parakeet"_s, u"whisper"_s, u"whisper-large"_s};
+    const QString choice = arguments.value(u"--engine", u"auto"_s);
+    const bool custom = choice.startsWith(u"custom:") && choice.size() > 7;
+    if (!custom && !known.contains(choice))
+        throw usageFailure(u"“"_s + choice + u"” is not a speech model. Choose auto, parakeet, whisper, "
+                                             "whisper-large or custom:ID."_s);
+    return choice;
+}
+
+QString languageChoice(const Arguments &arguments)
+{
+    static const QRegularExpression form(u"^(auto|[A-Za-z]{2,3}([-_][A-Za-z0-9]{2,8})*)$"_s);
+    const QString choice = arguments.value(u"--language", u"auto"_s);
+    if (!form.match(choice).hasMatch())
+        throw usageFailure(u"“"_s + choice + u"” is not a language code. Give one such as en, or auto."_s);
+    return choice;
+}
+
+Job jobFor(const Recording &recording, const Arguments &arguments)
+{
+    if (arguments.has(u"--speakers") && arguments.has(u"--no-speakers"))
+        throw usageFailure(u"--speakers and --no-speakers exclude each other."_s);
+    Job job;
+    job.id = newJobId();
+    job.status = Status::queued.toString();
+    job.title = recording.title;
+    job.recordedAt = contractTime(recording.modified);
+    job.engineChoice = engineChoice(arguments);
+    job.languageChoice = languageChoice(arguments);
+    job.language = job.languageChoice;
+    job.speakers = arguments.has(u"--speakers");
+    job.clean = !arguments.has(u"--no-clean");
+    job.analyze = !arguments.has(u"--no-analyze");
+    job.createdAt = contractNow();
+    return job;
+}
+
+// The recording is in its place and synced before the job is recorded: a job never lacks its recording.
+void record(Database &database, const Recording &recording, Job &job)
+{
+    NewCallDir folder(libraryFolder(database));
+    job.audio = folder.take(recording);
+    job.callDir = folder.place(callDirName(recording.modified, job.title));
+    Transaction transaction(database);
+    insertJob(database, job);
+    transaction.commit();
+    folder.keep();
+    announceChange(database.paths());
+}
+
+// Works as long as the job is unfinished, whoever works on it, and tells how far it is on standard error.
+Job waitForEnd(Database &database, const QString &id)
+{
+    QString shown;
+    pid_t worker = -1;
+    for (;;) {
+        const std::optional<Job> job = jobById(database, id);
+        if (!job || !job->unfinished() || job->paused)
+            return job.value_or(Job());
+        if (const QString now = job->status + u' ' + job->progress; now != shown) {
+            shown = now;
+            std::fprintf(stderr, "%s\n", now.trimmed().toUtf8().constData());
+        }
+        if (worker > 0 && ::waitpid(worker, nullptr, WNOHANG) != 0)
+            worker = -1;
+        if (worker < 0)
+            worker = startWorkerAsChild(database.paths());
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+}
+
+} // namespace
+
+int process(const Arguments &arguments)
+{
+    const Recording recording = openRecording(arguments.words.first());
+    Job job = jobFor(recording, arguments);
+    requireWorker();
+    Database database(Paths::ofThisUser());
+    record(database, recording, job);
+    if (arguments.has(u"--background")) {
+        startWorker(database.paths());
+        printLine(job.callDir);
+        return 0;
+    }
+    const Job ended = waitForEnd(database, job.id);
+    if (ended.status == Status::failed)
+        throw Failure(ended.error);
+    if (ended.status != Status::ready)
+        throw Failure(u"“"_s + job.title + u"” was stopped before it was done."_s);
+    printLine(ended.callDir);
+    return 0;
+}
+
+} // namespace engine::commands

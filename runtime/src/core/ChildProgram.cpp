@@ -1,0 +1,82 @@
+#include "core/ChildProgram.h"
+
+#include "core/FileDescriptor.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <vector>
+
+namespace engine {
+
+namespace {
+
+[[noreturn]] void becomeProgram(const char *program, char *const *arguments, int output)
+{
+    const int null = ::open("/dev/null", O_RDWR);
+    ::dup2(null, 0);
+    ::dup2(output, 1);
+    ::dup2(null, 2);
+    ::execv(program, arguments);
+    ::_exit(127);
+}
+
+// False when the time is over before the end of the output.
+bool readToEnd(int fd, QDeadlineTimer deadline, QByteArray &output)
+{
+    for (;;) {
+        pollfd waited{fd, POLLIN, 0};
+        const int ready = ::poll(&waited, 1, int(deadline.remainingTime()));
+        if (ready == 0)
+            return false;
+        if (ready < 0 && errno != EINTR)
+            return false;
+        char block[4096];
+        const ssize_t count = ready > 0 ? ::read(fd, block, sizeof block) : -1;
+        if (count == 0)
+            return true;
+        if (count > 0)
+            output.append(block, count);
+    }
+}
+
+} // namespace
+
+ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs)
+{
+    ProgramResult result;
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0)
+        return result;
+    const FileDescriptor reading(ends[0]);
+    FileDescriptor writing(ends[1]);
+    std::vector<QByteArray> texts{QFile::encodeName(program)};
+    for (const QString &argument : arguments)
+        texts.push_back(QFile::encodeName(argument));
+    std::vector<char *> pointers;
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+
+    const pid_t child = ::fork();
+    if (child < 0)
+        return result;
+    if (child == 0)
+        becomeProgram(pointers.front(), pointers.data(), writing.get());
+    writing.reset();
+    if (!readToEnd(reading.get(), QDeadlineTimer(limitMs), result.output))
+        ::kill(child, SIGKILL);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFEXITED(status))
+        result.exitStatus = WEXITSTATUS(status);
+    return result;
+}
+
+} // namespace engine

@@ -1,0 +1,92 @@
+#include "core/Files.h"
+
+#include "core/Failure.h"
+#include "core/FileDescriptor.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+void makeFolder(const QString &path, const QString &doing)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (::mkdir(name.constData(), 0777) == 0)
+        return;
+    if (errno == ENOENT && path.size() > 1) {
+        makeFolder(QFileInfo(path).path(), doing);
+        if (::mkdir(name.constData(), 0777) == 0)
+            return;
+    }
+    const int error = errno;
+    if (error == EEXIST && QFileInfo(path).isDir())
+        return;
+    if (error == EEXIST || error == ENOTDIR)
+        throw Failure(doing + u": a file stands where the folder “"_s + path + u"” should be."_s);
+    throw systemFailure(doing, error);
+}
+
+static void writeAll(int fd, const QByteArray &bytes, const QString &doing)
+{
+    qsizetype written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw systemFailure(doing, errno);
+        written += count;
+    }
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    const QString doing = u"“"_s + QFileInfo(path).fileName() + u"” could not be written"_s;
+    const QByteArray name = QFile::encodeName(path);
+    const QByteArray beside = name + ".part";
+    try {
+        FileDescriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+        if (!file.valid())
+            throw systemFailure(doing, errno);
+        writeAll(file.get(), bytes, doing);
+        if (::fsync(file.get()) != 0)
+            throw systemFailure(doing, errno);
+        if (::rename(beside.constData(), name.constData()) != 0)
+            throw systemFailure(doing, errno);
+    } catch (...) {
+        ::unlink(beside.constData());
+        throw;
+    }
+}
+
+void syncFolder(const QString &path)
+{
+    const FileDescriptor folder(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.valid())
+        ::fsync(folder.get());
+}
+
+qint64 roomAt(const QString &path)
+{
+    struct statvfs info
+    {};
+    if (::statvfs(QFile::encodeName(path).constData(), &info) != 0)
+        return -1;
+    return qint64(info.f_bavail) * qint64(info.f_frsize);
+}
+
+QString sizeText(qint64 bytes)
+{
+    return QLocale::c().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
+}
+
+} // namespace engine

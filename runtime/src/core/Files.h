@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace engine {
+
+// Makes the folder and what leads to it. Throws Failure with a sentence that starts with `doing`.
+void makeFolder(const QString &path, const QString &doing);
+
+// Writes beside and renames: a reader sees the old text or the new one, also after a power cut.
+// Throws Failure.
+void writeFile(const QString &path, const QByteArray &bytes);
+
+// Makes entries of a folder (a new file, a rename) last over a power cut. Best effort.
+void syncFolder(const QString &path);
+
+// Bytes that this user may still write on the disk that holds path; -1 when unknown.
+qint64 roomAt(const QString &path);
+
+// For sentences: 1.2 GB, 340 MB, 12 KB.
+QString sizeText(qint64 bytes);
+
+} // namespace engine

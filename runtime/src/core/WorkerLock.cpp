@@ -1,0 +1,44 @@
+#include "core/WorkerLock.h"
+
+#include "core/Failure.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+WorkerLock::WorkerLock(const Paths &paths)
+    : m_paths(paths)
+{
+}
+
+bool WorkerLock::tryTake()
+{
+    const QByteArray name = QFile::encodeName(m_paths.workerLock);
+    FileDescriptor file(::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    if (!file.valid())
+        throw systemFailure(u"The worker's lock could not be opened"_s, errno);
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0)
+        return false;
+    m_file = std::move(file);
+    return true;
+}
+
+void WorkerLock::signOwner()
+{
+    const QByteArray pid = QByteArray::number(::getpid()) + '\n';
+    if (::ftruncate(m_file.get(), 0) == 0 && ::pwrite(m_file.get(), pid.constData(), size_t(pid.size()), 0) < 0)
+        errno = 0; // a full disk is no reason not to work
+}
+
+void WorkerLock::release()
+{
+    m_file.reset();
+}
+
+} // namespace engine

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "core/FileDescriptor.h"
+#include "core/Paths.h"
+
+namespace engine {
+
+// The right to work, held by one worker at a time over all processes of this user; the kernel gives it back
+// when the worker dies.
+class WorkerLock
+{
+public:
+    explicit WorkerLock(const Paths &paths);
+
+    // Does not wait. Throws Failure when the lock file cannot be opened.
+    bool tryTake();
+    void release();
+
+    // Writes the process id of the holder into the lock file, for people who look.
+    void signOwner();
+
+    // For a forked child, which must not keep the lock alive beyond its parent.
+    void abandonInChild() { m_file.reset(); }
+
+private:
+    Paths m_paths;
+    FileDescriptor m_file;
+};
+
+} // namespace engine

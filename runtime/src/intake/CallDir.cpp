@@ -1,0 +1,126 @@
+#include "intake/CallDir.h"
+
+#include "core/Failure.h"
+#include "core/Files.h"
+#include "store/Settings.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+const QString temporaryPrefix = u".tuppi-incoming-"_s;
+constexpr qsizetype longestTitleBytes = 120;
+constexpr qint64 roomToSpare = 1 << 20;
+
+FileDescriptor lockFolder(const QString &folder)
+{
+    FileDescriptor lock(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (lock.valid() && ::flock(lock.get(), LOCK_EX | LOCK_NB) != 0)
+        lock.reset();
+    return lock;
+}
+
+void removeLeftovers(const QString &library)
+{
+    QDirIterator found(library, {temporaryPrefix + u'*'}, QDir::Dirs | QDir::Hidden);
+    while (found.hasNext()) {
+        const QString folder = found.next();
+        if (const FileDescriptor lock = lockFolder(folder); lock.valid())
+            QDir(folder).removeRecursively();
+    }
+}
+
+QString safeTitle(const QString &title)
+{
+    QString safe;
+    for (const QChar c : title)
+        safe += QStringView(u"/:\\?*\"<>|").contains(c) || c.category() == QChar::Other_Control ? QChar(u'-') : c;
+    safe = safe.simplified();
+    while (safe.toUtf8().size() > longestTitleBytes)
+        safe.chop(safe.back().isLowSurrogate() ? 2 : 1);
+    while (safe.endsWith(u'.') || safe.endsWith(u' '))
+        safe.chop(1);
+    return safe;
+}
+
+} // namespace
+
+NewCallDir::NewCallDir(const QString &library)
+    : m_library(library)
+{
+    makeFolder(library, u"The transcripts folder “"_s + library + u"” could not be made"_s);
+    requireWritable(library);
+    removeLeftovers(library);
+    QByteArray folder = QFile::encodeName(library + u'/' + temporaryPrefix + u"XXXXXX"_s);
+    if (!::mkdtemp(folder.data()))
+        throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
+    m_folder = QFile::decodeName(folder);
+    m_lock = lockFolder(m_folder);
+    ::chmod(folder.constData(), 0755);
+}
+
+NewCallDir::~NewCallDir()
+{
+    if (!m_folder.isEmpty())
+        QDir(m_folder).removeRecursively();
+}
+
+QString NewCallDir::take(const Recording &recording)
+{
+    const qint64 room = roomAt(m_library);
+    if (room >= 0 && room < recording.size + roomToSpare) {
+        throw Failure(u"There is not enough room in “"_s + m_library + u"” for a copy of the recording: it needs "_s
+                      + sizeText(recording.size + roomToSpare) + u" and "_s + sizeText(room)
+                      + u" are free. Make room or choose another folder."_s);
+    }
+    const QString technical = m_folder + u'/' + CallDirNames::technical;
+    makeFolder(technical, u"The transcript's folder could not be made"_s);
+    const QString name = recording.extension.isEmpty() ? u"audio"_s : u"audio."_s + recording.extension;
+    copyRecording(recording, technical + u'/' + name);
+    syncFolder(technical);
+    return CallDirNames::technical + u'/' + name;
+}
+
+QString NewCallDir::place(const QString &name)
+{
+    for (int number = 1;; ++number) {
+        QString folder = m_library + u'/' + name;
+        if (number > 1)
+            folder += u" (%1)"_s.arg(number);
+        const QByteArray target = QFile::encodeName(folder);
+        // An empty folder reserves the name against others, and a rename may take its place.
+        if (::mkdir(target.constData(), 0755) != 0) {
+            if (errno == EEXIST)
+                continue;
+            throw systemFailure(u"The transcript's folder could not be made"_s, errno);
+        }
+        if (std::rename(QFile::encodeName(m_folder).constData(), target.constData()) != 0) {
+            const int error = errno;
+            ::rmdir(target.constData());
+            throw systemFailure(u"The transcript's folder could not be made"_s, error);
+        }
+        m_folder = folder;
+        syncFolder(m_library);
+        return folder;
+    }
+}
+
+QString callDirName(const QDateTime &recordedAt, const QString &title)
+{
+    return (recordedAt.toString(u"yyyy-MM-dd HH.mm "_s) + safeTitle(title)).trimmed();
+}
+
+} // namespace engine

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "core/FileDescriptor.h"
+#include "intake/Recording.h"
+
+#include <QString>
+
+namespace engine {
+
+// Names inside a call dir.
+namespace CallDirNames {
+inline const QString technical = QStringLiteral("Technical files");
+inline const QString summary = QStringLiteral("Summary.md");
+inline const QString transcript = QStringLiteral("Transcript.txt");
+} // namespace CallDirNames
+
+// A call dir in the making: hidden in the library under a temporary name until it is complete, removed again
+// unless it was kept. One that a killed program left behind is removed by the next one.
+class NewCallDir
+{
+public:
+    // Makes the library where it is missing. Throws Failure.
+    explicit NewCallDir(const QString &library);
+    ~NewCallDir();
+    NewCallDir(const NewCallDir &) = delete;
+    NewCallDir &operator=(const NewCallDir &) = delete;
+
+    // Copies the recording in; the path of the copy relative to the call dir. Throws Failure.
+    QString take(const Recording &recording);
+
+    // Gives it its name, unique in the library, and returns the full path. It is still removed unless kept.
+    // Throws Failure.
+    QString place(const QString &name);
+
+    void keep() { m_folder.clear(); }
+
+private:
+    QString m_library;
+    QString m_folder;
+    FileDescriptor m_lock;
+};
+
+// The name for a call dir, without anything that a file system or a person stumbles over:
+// "2025-03-14 10.22 Interview".
+QString callDirName(const QDateTime &recordedAt, const QString &title);
+
+} // namespace engine

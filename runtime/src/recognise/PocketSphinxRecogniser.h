@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/SpeechModel.h"
+#include "recognise/Recogniser.h"
+
+struct ps_decoder_s;
+
+namespace engine {
+
+// US English with PocketSphinx, inside this program.
+class PocketSphinxRecogniser : public Recogniser
+{
+public:
+    explicit PocketSphinxRecogniser(const SpeechModel &model);
+    ~PocketSphinxRecogniser() override;
+
+    QString name() const override;
+    QString contractName() const override { return {}; }
+    QString language() const override;
+    void prepare() override;
+    std::vector<Word> recognise(std::span<const int16_t> samples) override;
+
+private:
+    struct Release
+    {
+        void operator()(ps_decoder_s *decoder) const;
+    };
+
+    SpeechModel m_model;
+    std::unique_ptr<ps_decoder_s, Release> m_decoder;
+};
+
+} // namespace engine

@@ -1,0 +1,154 @@
+#include "store/Database.h"
+
+#include "core/FileDescriptor.h"
+#include "core/Files.h"
+#include "store/Schema.h"
+
+#include <QFile>
+#include <QSqlError>
+
+#include <atomic>
+#include <fcntl.h>
+#include <sys/file.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, CannotOpen = 14, NotADatabase = 26 };
+
+QString nextConnectionName()
+{
+    static std::atomic_int counter = 0;
+    return u"store%1"_s.arg(counter++);
+}
+
+} // namespace
+
+Failure storeFailure(const QSqlError &error, const Paths &paths)
+{
+    const int code = error.nativeErrorCode().toInt() & 0xff;
+    const QString where = u" (“"_s + paths.database + u"”)"_s;
+    switch (code) {
+    case Full:
+        return Failure(u"The list of transcripts could not be written: the disk is full. Make room and try again."_s);
+    case ReadOnly:
+        return Failure(u"The list of transcripts can only be read, not written"_s + where
+                       + u". Check the disk and who may write there."_s);
+    case Corrupt:
+    case NotADatabase:
+        return Failure(u"The list of transcripts is damaged and was left as it is"_s + where
+                       + u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
+    case Busy:
+    case Locked:
+        return Failure(u"The list of transcripts is in use by another program for too long. Try again."_s);
+    case InputOutput:
+        return Failure(u"The disk reported an error at the list of transcripts"_s + where + u"."_s);
+    case CannotOpen:
+        return Failure(u"The list of transcripts could not be opened"_s + where + u"."_s);
+    default:
+        return Failure(u"The list of transcripts could not be used: "_s + error.text());
+    }
+}
+
+Database::Database(const Paths &paths)
+    : m_paths(paths)
+    , m_name(nextConnectionName())
+{
+    makeFolder(paths.store, u"The engine's folder “"_s + paths.store + u"” could not be made"_s);
+    try {
+        open();
+        migrate();
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+Database::~Database()
+{
+    close();
+}
+
+void Database::open()
+{
+    QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_name);
+    database.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=15000"_s);
+    database.setDatabaseName(m_paths.database);
+    if (!database.open())
+        throw storeFailure(database.lastError(), m_paths);
+    run(u"PRAGMA synchronous=FULL"_s);
+    run(u"PRAGMA foreign_keys=ON"_s);
+}
+
+void Database::close()
+{
+    QSqlDatabase::database(m_name, false).close();
+    QSqlDatabase::removeDatabase(m_name);
+}
+
+void Database::migrate()
+{
+    if (value(u"PRAGMA user_version"_s).toInt() == newestSchema())
+        return;
+    // SQLite does not wait when two programs change the journal mode at once, so they queue up here.
+    const QByteArray lockName = QFile::encodeName(m_paths.store + u"/schema.lock"_s);
+    const FileDescriptor lock(::open(lockName.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    if (!lock.valid() || ::flock(lock.get(), LOCK_EX) != 0)
+        throw systemFailure(u"The list of transcripts could not be prepared"_s, errno);
+    value(u"PRAGMA journal_mode=WAL"_s);
+    Transaction transaction(*this);
+    bringToNewest(*this);
+    transaction.commit();
+}
+
+QSqlQuery Database::run(const QString &sql, std::initializer_list<QVariant> values)
+{
+    QSqlQuery query(QSqlDatabase::database(m_name, false));
+    query.setForwardOnly(true);
+    if (!query.prepare(sql))
+        throw storeFailure(query.lastError(), m_paths);
+    for (const QVariant &bound : values)
+        query.addBindValue(bound);
+    if (!query.exec())
+        throw storeFailure(query.lastError(), m_paths);
+    return query;
+}
+
+QVariant Database::value(const QString &sql, std::initializer_list<QVariant> values)
+{
+    QSqlQuery query = run(sql, values);
+    return query.next() ? query.value(0) : QVariant();
+}
+
+QString Database::integrity()
+{
+    return value(u"PRAGMA integrity_check(1)"_s).toString();
+}
+
+Transaction::Transaction(Database &database)
+    : m_database(database)
+{
+    m_database.run(u"BEGIN IMMEDIATE"_s);
+}
+
+Transaction::~Transaction()
+{
+    if (!m_open)
+        return;
+    try {
+        m_database.run(u"ROLLBACK"_s);
+    } catch (const Failure &) {
+        // SQLite has already rolled back by itself after a full disk or an input-output error.
+    }
+}
+
+void Transaction::commit()
+{
+    m_database.run(u"COMMIT"_s);
+    m_open = false;
+}
+
+} // namespace engine

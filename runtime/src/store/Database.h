@@ -1,0 +1,67 @@
+#pragma once
+
+#include "core/Failure.h"
+#include "core/Paths.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <initializer_list>
+
+class QSqlError;
+
+namespace engine {
+
+// The store: one connection, opened with the newest schema. Throws Failure for whatever goes wrong.
+// Not to be touched by a forked child.
+class Database
+{
+public:
+    // Opens the store, makes it when it is missing and brings an older one to the newest schema.
+    explicit Database(const Paths &paths);
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    const Paths &paths() const { return m_paths; }
+
+    // Runs one statement with values bound in order.
+    QSqlQuery run(const QString &sql, std::initializer_list<QVariant> values = {});
+
+    // The first column of the first row, invalid when there is no row.
+    QVariant value(const QString &sql, std::initializer_list<QVariant> values = {});
+
+    // "ok", or what SQLite found wrong. Reads the whole store.
+    QString integrity();
+
+private:
+    void open();
+    void close();
+    void migrate();
+
+    Paths m_paths;
+    QString m_name;
+};
+
+// A write transaction: taken at once, so that what was read inside it still holds when it is written.
+// Rolled back unless committed.
+class Transaction
+{
+public:
+    explicit Transaction(Database &database);
+    ~Transaction();
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    void commit();
+
+private:
+    Database &m_database;
+    bool m_open = true;
+};
+
+// The sentence for an error of the store.
+Failure storeFailure(const QSqlError &error, const Paths &paths);
+
+} // namespace engine

@@ -1,0 +1,160 @@
+#include "store/Jobs.h"
+
+#include <QFile>
+
+#include <chrono>
+#include <cstdio>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+const QString columns = u"seq, id, status, paused, hidden, title, call_dir, audio, error, recorded_at, duration_seconds, "
+                        "engine, recogniser, engine_choice, language_choice, language, speakers, clean, analyze, "
+                        "progress, planned, attempts, attempts_at, created_at, completed_at"_s;
+
+Job jobFrom(const QSqlQuery &row)
+{
+    int column = 0;
+    const auto next = [&] { return row.value(column++); };
+    Job job;
+    job.seq = next().toLongLong();
+    job.id = next().toString();
+    job.status = next().toString();
+    job.paused = next().toBool();
+    job.hidden = next().toBool();
+    job.title = next().toString();
+    job.callDir = next().toString();
+    job.audio = next().toString();
+    job.error = next().toString();
+    job.recordedAt = next().toString();
+    if (const QVariant duration = next(); !duration.isNull())
+        job.durationSeconds = duration.toDouble();
+    job.engine = next().toString();
+    job.recogniser = next().toString();
+    job.engineChoice = next().toString();
+    job.languageChoice = next().toString();
+    job.language = next().toString();
+    job.speakers = next().toBool();
+    job.clean = next().toBool();
+    job.analyze = next().toBool();
+    job.progress = next().toString();
+    job.planned = next().toBool();
+    job.attempts = next().toInt();
+    job.attemptsAt = next().toInt();
+    job.createdAt = next().toString();
+    job.completedAt = next().toString();
+    return job;
+}
+
+std::optional<Job> oneJob(Database &database, const QString &where, std::initializer_list<QVariant> values = {})
+{
+    const QString sql = u"SELECT "_s + columns + u" FROM jobs "_s + where + u" LIMIT 1"_s;
+    QSqlQuery query = database.run(sql, values);
+    if (!query.next())
+        return std::nullopt;
+    return jobFrom(query);
+}
+
+QVariant orNull(const QString &text)
+{
+    return text.isEmpty() ? QVariant() : QVariant(text);
+}
+
+QVariant orNull(const std::optional<double> &number)
+{
+    return number ? QVariant(*number) : QVariant();
+}
+
+const QString unfinished = u"status IN ('queued', 'transcribing', 'cleaning', 'analyzing')"_s;
+
+} // namespace
+
+void insertJob(Database &database, Job &job)
+{
+    QSqlQuery query = database.run(
+        uR"(INSERT INTO jobs (id, status, title, call_dir, audio, recorded_at, engine_choice, language_choice,
+            language, speakers, clean, analyze, created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))"_s,
+        {job.id, job.status, job.title, job.callDir, job.audio, job.recordedAt, job.engineChoice,
+         job.languageChoice, job.language, int(job.speakers), int(job.clean), int(job.analyze), job.createdAt});
+    job.seq = query.lastInsertId().toLongLong();
+    updateJob(database, job);
+}
+
+void updateJob(Database &database, const Job &job)
+{
+    database.run(
+        uR"(UPDATE jobs SET status = ?, paused = ?, hidden = ?, title = ?, call_dir = ?, audio = ?, error = ?,
+            recorded_at = ?, duration_seconds = ?, engine = ?, recogniser = ?, language = ?, progress = ?,
+            planned = ?, attempts = ?, attempts_at = ?, completed_at = ? WHERE seq = ?)"_s,
+        {job.status, int(job.paused), int(job.hidden), job.title, job.callDir, job.audio, orNull(job.error),
+         job.recordedAt, orNull(job.durationSeconds), orNull(job.engine), orNull(job.recogniser), job.language,
+         orNull(job.progress), int(job.planned), job.attempts, job.attemptsAt, orNull(job.completedAt), job.seq});
+    // The newest entry is most of what changes; replacing only what differs spares the journal.
+    database.run(u"INSERT INTO entries (seq, entry) VALUES (?, ?) "
+                 "ON CONFLICT (seq) DO UPDATE SET entry = excluded.entry WHERE entry <> excluded.entry"_s,
+                 {job.seq, historyEntry(job)});
+}
+
+std::optional<Job> jobById(Database &database, const QString &id)
+{
+    return oneJob(database, u"WHERE id = ?"_s, {id});
+}
+
+std::optional<Job> jobBySeq(Database &database, qint64 seq)
+{
+    return oneJob(database, u"WHERE seq = ?"_s, {seq});
+}
+
+std::optional<Job> nextJob(Database &database)
+{
+    return oneJob(database, u"WHERE "_s + unfinished + u" AND paused = 0 ORDER BY seq"_s);
+}
+
+std::optional<Job> latestJob(Database &database)
+{
+    const QString order = u" ORDER BY paused, status = 'queued', seq"_s;
+    if (std::optional<Job> job = oneJob(database, u"WHERE "_s + unfinished + order))
+        return job;
+    return oneJob(database, u"ORDER BY seq DESC"_s);
+}
+
+void forEachEntry(Database &database, const std::function<void(const QByteArray &)> &take)
+{
+    QSqlQuery query = database.run(u"SELECT entry FROM entries ORDER BY seq DESC"_s);
+    while (query.next())
+        take(query.value(0).toByteArray());
+}
+
+Job changeJob(Database &database, const QString &id, const std::function<void(Job &)> &change)
+{
+    Transaction transaction(database);
+    std::optional<Job> job = jobById(database, id);
+    if (!job)
+        throw Failure(u"There is no transcription with the number “"_s + id + u"”."_s);
+    change(*job);
+    updateJob(database, *job);
+    transaction.commit();
+    announceChange(database.paths());
+    return *job;
+}
+
+void announceChange(const Paths &paths)
+{
+    const QByteArray part = QFile::encodeName(paths.store + u"/changed.%1"_s.arg(::getpid()));
+    const QByteArray whole = QFile::encodeName(paths.changed);
+    std::FILE *file = std::fopen(part.constData(), "we");
+    if (!file)
+        return;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    std::fprintf(file, "%lld\n", static_cast<long long>(std::chrono::nanoseconds(now).count()));
+    // Renamed also where a full disk had no room for the number: the rename is what a watcher sees.
+    std::fclose(file);
+    if (std::rename(part.constData(), whole.constData()) != 0)
+        std::remove(part.constData());
+}
+
+} // namespace engine

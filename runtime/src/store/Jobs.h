@@ -1,0 +1,37 @@
+#pragma once
+
+#include "store/Database.h"
+#include "store/Job.h"
+
+#include <functional>
+#include <optional>
+
+namespace engine {
+
+// Reading and writing jobs. What writes, writes the job's history entry too, and belongs inside a Transaction
+// together with the reading that it rests on. All throw Failure.
+
+// Adds the job and fills in its seq.
+void insertJob(Database &database, Job &job);
+void updateJob(Database &database, const Job &job);
+
+std::optional<Job> jobById(Database &database, const QString &id);
+std::optional<Job> jobBySeq(Database &database, qint64 seq);
+
+// The job that a worker should take next: the oldest unfinished one that is not paused.
+std::optional<Job> nextJob(Database &database);
+
+// The job that `status` tells of: the one being worked on, else the oldest unfinished, else the newest.
+std::optional<Job> latestJob(Database &database);
+
+// Every job's history entry, newest first, one at a time.
+void forEachEntry(Database &database, const std::function<void(const QByteArray &)> &take);
+
+// Reads the job, lets `change` alter it and writes it, in one transaction; then tells the watchers.
+// Throws Failure when there is no such job, and whatever `change` throws, with nothing written.
+Job changeJob(Database &database, const QString &id, const std::function<void(Job &)> &change);
+
+// Tells watchers of the engine's folder that a query would now answer differently. Best effort.
+void announceChange(const Paths &paths);
+
+} // namespace engine

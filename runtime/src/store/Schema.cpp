@@ -1,0 +1,78 @@
+#include "store/Schema.h"
+
+#include "store/Database.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+// Entries stand apart from jobs so that the history reads nothing but what it prints.
+void createFirstSchema(Database &database)
+{
+    database.run(uR"(CREATE TABLE jobs (
+        seq INTEGER PRIMARY KEY AUTOINCREMENT,
+        id TEXT NOT NULL UNIQUE,
+        status TEXT NOT NULL CHECK (status IN
+            ('queued', 'transcribing', 'cleaning', 'analyzing', 'cancelled', 'failed', 'ready')),
+        paused INTEGER NOT NULL DEFAULT 0,
+        hidden INTEGER NOT NULL DEFAULT 0,
+        title TEXT NOT NULL,
+        call_dir TEXT NOT NULL,
+        audio TEXT NOT NULL,
+        error TEXT,
+        recorded_at TEXT NOT NULL,
+        duration_seconds REAL,
+        engine TEXT,
+        recogniser TEXT,
+        engine_choice TEXT NOT NULL,
+        language_choice TEXT NOT NULL,
+        language TEXT NOT NULL,
+        speakers INTEGER NOT NULL,
+        clean INTEGER NOT NULL,
+        analyze INTEGER NOT NULL,
+        progress TEXT,
+        planned INTEGER NOT NULL DEFAULT 0,
+        attempts INTEGER NOT NULL DEFAULT 0,
+        attempts_at INTEGER NOT NULL DEFAULT 0,
+        created_at TEXT NOT NULL,
+        completed_at TEXT))"_s);
+    database.run(uR"(CREATE INDEX unfinished ON jobs (seq)
+        WHERE status IN ('queued', 'transcribing', 'cleaning', 'analyzing'))"_s);
+    database.run(uR"(CREATE TABLE entries (
+        seq INTEGER PRIMARY KEY REFERENCES jobs (seq) ON DELETE CASCADE,
+        entry BLOB NOT NULL))"_s);
+    database.run(uR"(CREATE TABLE segments (
+        job INTEGER NOT NULL REFERENCES jobs (seq) ON DELETE CASCADE,
+        number INTEGER NOT NULL,
+        start_ms INTEGER NOT NULL,
+        end_ms INTEGER NOT NULL,
+        words BLOB,
+        PRIMARY KEY (job, number)) WITHOUT ROWID)"_s);
+    database.run(u"CREATE TABLE settings (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"_s);
+}
+
+// Step n leads from version n to version n + 1. A step that was ever released is never edited.
+constexpr std::array migrations = {&createFirstSchema};
+
+} // namespace
+
+int newestSchema()
+{
+    return int(migrations.size());
+}
+
+void bringToNewest(Database &database)
+{
+    const int found = database.value(u"PRAGMA user_version"_s).toInt();
+    if (found > newestSchema())
+        throw Failure(u"The list of transcripts was written by a newer version of this program. Update it to go on."_s);
+    for (int version = found; version < newestSchema(); ++version)
+        migrations[size_t(version)](database);
+    database.run(u"PRAGMA user_version = %1"_s.arg(newestSchema()));
+}
+
+} // namespace engine

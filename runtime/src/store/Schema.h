@@ -1,0 +1,14 @@
+#pragma once
+
+namespace engine {
+
+class Database;
+
+// The version of the store that this program writes.
+int newestSchema();
+
+// Applies, inside the caller's transaction, every migration that the store has not seen.
+// Throws Failure for a store that a newer program wrote.
+void bringToNewest(Database &database);
+
+} // namespace engine

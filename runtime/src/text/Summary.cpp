@@ -1,0 +1,104 @@
+#include "text/Summary.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+constexpr size_t sentencesPerPick = 6;
+constexpr size_t mostPicks = 7;
+constexpr qsizetype mostTasks = 20;
+constexpr qsizetype fewestWords = 4; // of a sentence that says something on its own
+
+const QSet<QString> &commonWords()
+{
+    static const QSet<QString> words = [] {
+        const QString list = u"a about after all also an and any are as at be because been but by can could did do does "
+                             "for from get go going got had has have he her here him his how i i'm if in into is it it's "
+                             "its just know like me more most my no not now of oh on one only or our out really right said "
+                             "say see she should so some than that that's the their them then there these they thing "
+                             "things think this those to too uh um up us very was we well were what when where which who "
+                             "why will with would yeah yes you your"_s;
+        const QStringList split = list.split(u' ');
+        return QSet<QString>(split.begin(), split.end());
+    }();
+    return words;
+}
+
+QStringList wordsOf(const Sentence &sentence)
+{
+    static const QRegularExpression notWord(u"[^\\w']+"_s, QRegularExpression::UseUnicodePropertiesOption);
+    return sentence.text.toLower().split(notWord, Qt::SkipEmptyParts);
+}
+
+QSet<QString> tellingWords(const Sentence &sentence)
+{
+    QSet<QString> telling;
+    for (const QString &word : wordsOf(sentence)) {
+        if (word.size() > 2 && !commonWords().contains(word))
+            telling.insert(word);
+    }
+    return telling;
+}
+
+// How much a sentence shares with all the others, regardless of its length.
+std::vector<double> scores(const std::vector<Sentence> &sentences)
+{
+    std::vector<QSet<QString>> telling;
+    QHash<QString, int> spread;
+    for (const Sentence &sentence : sentences) {
+        telling.push_back(tellingWords(sentence));
+        for (const QString &word : telling.back())
+            ++spread[word];
+    }
+    std::vector<double> found;
+    for (size_t i = 0; i < sentences.size(); ++i) {
+        double sum = 0;
+        for (const QString &word : telling[i])
+            sum += spread.value(word);
+        const bool tooShort = wordsOf(sentences[i]).size() < fewestWords;
+        found.push_back(tooShort ? 0 : sum / std::sqrt(double(telling[i].size()) + 1));
+    }
+    return found;
+}
+
+bool speaksOfDuty(const Sentence &sentence)
+{
+    static const QRegularExpression duty(
+        u"\\b(need(s)? to|have to|has to|must|should|ought to|i will|i'll|we will|we'll|you will|going to|please|"
+        "remember to|don't forget|make sure|let's|by (monday|tuesday|wednesday|thursday|friday|saturday|sunday))\\b"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return wordsOf(sentence).size() >= fewestWords && duty.match(sentence.text).hasMatch();
+}
+
+} // namespace
+
+Summary extractSummary(const std::vector<Sentence> &sentences)
+{
+    const std::vector<double> score = scores(sentences);
+    std::vector<size_t> order(sentences.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::ranges::stable_sort(order, [&](size_t a, size_t b) { return score[a] > score[b]; });
+    order.resize(std::min({order.size(), mostPicks, sentences.size() / sentencesPerPick + 1}));
+    std::ranges::sort(order);
+
+    Summary summary;
+    for (const size_t index : order)
+        summary.sentences.append(sentences[index].text);
+    for (const Sentence &sentence : sentences) {
+        if (summary.tasks.size() < mostTasks && speaksOfDuty(sentence))
+            summary.tasks.append(sentence.text);
+    }
+    return summary;
+}
+
+} // namespace engine

@@ -1,0 +1,71 @@
+#include "worker/JobControl.h"
+
+namespace engine {
+
+namespace {
+
+constexpr qint64 checkEveryMs = 200;
+constexpr qint64 announceEveryMs = 500;
+
+} // namespace
+
+JobControl::JobControl(Database &database, const Job &job)
+    : m_database(database)
+    , m_job(job)
+{
+    m_sinceCheck.start();
+    m_sinceAnnounced.start();
+}
+
+Job JobControl::wanted()
+{
+    std::optional<Job> job = jobBySeq(m_database, m_job.seq);
+    if (!job || !job->unfinished() || job->paused)
+        throw JobDropped();
+    return *std::move(job);
+}
+
+void JobControl::check()
+{
+    if (m_unannounced && m_sinceAnnounced.hasExpired(announceEveryMs))
+        announce();
+    if (!m_sinceCheck.hasExpired(checkEveryMs))
+        return;
+    m_sinceCheck.restart();
+    wanted();
+}
+
+void JobControl::write(const std::function<void(Job &)> &change, const std::function<void()> &within)
+{
+    Transaction transaction(m_database);
+    Job job = wanted();
+    if (within)
+        within();
+    change(job);
+    updateJob(m_database, job);
+    transaction.commit();
+    m_job = job;
+}
+
+void JobControl::change(const std::function<void(Job &)> &change, const std::function<void()> &within)
+{
+    write(change, within);
+    announce();
+}
+
+void JobControl::progress(const std::function<void(Job &)> &change, const std::function<void()> &within)
+{
+    write(change, within);
+    m_unannounced = true;
+    if (m_sinceAnnounced.hasExpired(announceEveryMs))
+        announce();
+}
+
+void JobControl::announce()
+{
+    announceChange(m_database.paths());
+    m_sinceAnnounced.restart();
+    m_unannounced = false;
+}
+
+} // namespace engine

@@ -1,0 +1,170 @@
+#include "worker/JobRun.h"
+
+#include "core/Failure.h"
+#include "media/Segmenter.h"
+#include "output/CallDirWriter.h"
+#include "worker/SegmentProcess.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+constexpr int waitMs = 100;
+constexpr int mostDeaths = 10; // of the recogniser in one segment
+constexpr size_t blockSamples = 16384;
+
+std::vector<Segment> numbered(const std::vector<Span> &spans)
+{
+    std::vector<Segment> segments;
+    for (const Span &span : spans)
+        segments.push_back({int(segments.size()), span.startMs, span.endMs, std::nullopt});
+    return segments;
+}
+
+QString progressText(int kept, int total)
+{
+    return u"%1/%2"_s.arg(kept).arg(total);
+}
+
+} // namespace
+
+JobRun::JobRun(Database &database, WorkerLock &lock, const Job &job, RecogniserSource recognisers)
+    : m_database(database)
+    , m_lock(lock)
+    , m_control(database, job)
+    , m_recognisers(std::move(recognisers))
+{
+}
+
+QString JobRun::audioPath() const
+{
+    return m_control.job().callDir + u'/' + m_control.job().audio;
+}
+
+void JobRun::enter(QStringView stage)
+{
+    if (m_control.job().status != stage)
+        m_control.change([stage](Job &job) { job.status = stage.toString(); });
+}
+
+void JobRun::run()
+{
+    m_recogniser = &m_recognisers(m_control.job());
+    if (!m_control.job().planned)
+        plan();
+    recogniseMissing();
+    finish();
+}
+
+// Reads the whole recording once to know its length and where speech is.
+void JobRun::plan()
+{
+    AudioReader reader(audioPath());
+    m_control.change([&](Job &job) {
+        job.status = Status::transcribing.toString();
+        job.durationSeconds = reader.durationSeconds();
+        if (const auto time = reader.recordedAt())
+            job.recordedAt = contractTime(*time);
+        job.recogniser = m_recogniser->name();
+        job.engine = m_recogniser->contractName();
+        job.language = m_recogniser->language();
+    });
+    Segmenter segmenter;
+    std::vector<int16_t> block(blockSamples);
+    while (const size_t count = reader.read(block)) {
+        segmenter.add(std::span(block).first(count));
+        m_control.check();
+    }
+    if (reader.position() == 0)
+        throw Failure(u"The file is not a recording that can be read: there is no sound in it."_s);
+    segmenter.finish();
+    const std::vector<Segment> segments = numbered(segmenter.take());
+    m_control.change(
+        [&](Job &job) {
+            job.planned = true;
+            job.durationSeconds = double(reader.position()) / sampleRate;
+            job.progress = segments.empty() ? QString() : progressText(0, int(segments.size()));
+        },
+        [&] { planSegments(m_database, m_control.job().seq, segments); });
+}
+
+void JobRun::recogniseMissing()
+{
+    const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
+    if (segments.empty())
+        throw Failure(silenceError.toString());
+    auto kept = int(std::ranges::count_if(segments, &Segment::kept));
+    if (kept == int(segments.size()))
+        return;
+    enter(Status::transcribing);
+    m_recogniser->prepare();
+    AudioReader reader(audioPath());
+    for (const Segment &segment : segments) {
+        if (segment.kept())
+            continue;
+        const std::vector<Word> words = recogniseSegment(reader, segment);
+        ++kept;
+        m_control.progress([&](Job &job) { job.progress = progressText(kept, int(segments.size())); },
+                           [&] { keepSegment(m_database, m_control.job().seq, segment.number, words); });
+    }
+}
+
+std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &segment)
+{
+    constexpr int64_t samplesPerMs = sampleRate / 1000;
+    while (reader.position() < segment.startMs * samplesPerMs) {
+        const int64_t before = reader.position();
+        reader.skip(std::min<int64_t>(segment.startMs * samplesPerMs - before, int64_t(blockSamples)));
+        m_control.check();
+        if (reader.position() == before)
+            throw Failure(u"The recording has become shorter since it was taken."_s);
+    }
+    std::vector<int16_t> samples(size_t((segment.endMs - segment.startMs) * samplesPerMs));
+    samples.resize(reader.read(samples));
+    for (int deaths = 0; deaths < mostDeaths; ++deaths) {
+        SegmentProcess process(*m_recogniser, samples, [this] { m_lock.abandonInChild(); });
+        SegmentProcess::State state = SegmentProcess::State::Running;
+        while (state == SegmentProcess::State::Running) {
+            state = process.wait(waitMs);
+            m_control.check();
+        }
+        if (state == SegmentProcess::State::Died)
+            continue;
+        std::vector<Word> words = process.words();
+        for (Word &word : words) {
+            word.startMs += segment.startMs;
+            word.endMs += segment.startMs;
+        }
+        return words;
+    }
+    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(segment.startMs / 1000));
+}
+
+void JobRun::finish()
+{
+    const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
+    if (std::ranges::all_of(segments, [](const Segment &segment) { return segment.text().isEmpty(); }))
+        throw Failure(silenceError.toString());
+    const Job &job = m_control.job();
+    QString text = plainText(segments);
+    if (job.clean) {
+        enter(Status::cleaning);
+        text = paragraphs(cleanSentences(segments));
+    }
+    std::optional<Summary> summary;
+    if (job.analyze) {
+        enter(Status::analyzing);
+        summary = extractSummary(cleanSentences(segments));
+    }
+    writeCallDir(job, segments, text, summary);
+    m_control.change([](Job &ready) {
+        ready.status = Status::ready.toString();
+        ready.completedAt = contractNow();
+    });
+}
+
+} // namespace engine

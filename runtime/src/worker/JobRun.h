@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/WorkerLock.h"
+#include "media/AudioReader.h"
+#include "recognise/Recogniser.h"
+#include "worker/JobControl.h"
+
+#include <functional>
+
+namespace engine {
+
+// What the application compares word for word; no other text may stand around it.
+inline constexpr QStringView silenceError = u"Запис містить тишу";
+
+// Gives the recogniser for a job, loaded or not; it stays the giver's.
+using RecogniserSource = std::function<Recogniser &(const Job &)>;
+
+// Takes one job from wherever it stands to "ready". Every finished step is in the store before the next begins,
+// so that a run cut off at any point is gone on with by the next.
+class JobRun
+{
+public:
+    JobRun(Database &database, WorkerLock &lock, const Job &job, RecogniserSource recognisers);
+
+    // Throws Failure when the job has failed, JobDropped when it is no longer wanted.
+    void run();
+
+private:
+    void plan();
+    void recogniseMissing();
+    std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
+    void finish();
+    void enter(QStringView stage);
+    QString audioPath() const;
+
+    Database &m_database;
+    WorkerLock &m_lock;
+    JobControl m_control;
+    RecogniserSource m_recognisers;
+    Recogniser *m_recogniser = nullptr;
+};
+
+} // namespace engine
