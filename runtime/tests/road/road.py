@@ -134,7 +134,7 @@ class Engine:
         self.environment["TUPPI_ROAD_HOME"] = self.home
         try:
             subprocess.run([os.path.join(SOURCE, "runtime", "install-engine"), self.build], env=self.environment,
-                           stdin=subprocess.DEVNULL, check=True)
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
         except BaseException:
             self.close()
             raise
