@@ -6,6 +6,7 @@
 #include "ui/Labels.h"
 #include "ui/Metrics.h"
 #include "ui/PillButton.h"
+#include "ui/Symbols.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -50,6 +51,11 @@ Sheet::Sheet(QWidget *window, const SheetText &text)
     column->setContentsMargins(28, 24, 28, 22);
     column->setSpacing(10);
     column->setSizeConstraint(QLayout::SetFixedSize);
+    if (m_text.isWarning) {
+        auto *sign = new QLabel(this);
+        sign->setPixmap(SymbolPixmap(u"exclamationmark.triangle.fill"_s, Colours::attention, 36, devicePixelRatio()));
+        column->addWidget(sign);
+    }
     column->addWidget(textLabel(m_text.message, System(15, QFont::Bold), Colours::navy, this));
     column->addWidget(textLabel(m_text.detail, System(13), Colours::slate, this));
     m_accessoryPlace = new QWidget(this);

@@ -19,6 +19,7 @@ struct SheetText
     int defaultButton = 0;     ///< answers Return
     int escapeButton = -1;     ///< answers Escape; -1 for the default one
     int destructiveButton = -1;
+    bool isWarning = false;    ///< marked with the warning sign
 };
 
 /// A question or a message over a window: window-modal, answered later, never waited for.
