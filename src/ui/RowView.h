@@ -2,7 +2,6 @@
 
 #include "list/RowLook.h"
 #include "ui/CardRowView.h"
-#include "ui/MascotView.h"
 #include "ui/RowLayout.h"
 
 #include <QPointer>
@@ -16,7 +15,7 @@ namespace tuppi {
 class ElidedLabel;
 class IconButton;
 class Mascots;
-
+class MascotView;
 class PillButton;
 class SkyBar;
 class SweepClock;
