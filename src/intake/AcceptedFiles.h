@@ -1,19 +1,19 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 #include <QStringList>
 #include <QUrl>
 
 namespace tuppi {
 
-/// The file name extensions of recordings, lower-case, without the dot.
-const QStringList &acceptedExtensions();
+/// The file name extensions of recordings, lower case, without the dot.
+const QStringList &AcceptedExtensions();
 
-/// True for a file of this computer whose name ends in an accepted extension, in any case. Decided by the
-/// name alone: nothing is opened or looked up, so that a drag over a slow disk does not stall the window.
-bool isAcceptedAudioFile(const QUrl &url);
+/// True when the file's extension, in any case, is an accepted one. The file itself is not looked at.
+bool IsAcceptedFile(const QString &path);
 
-/// The accepted ones, in their order; duplicates stay.
-QList<QUrl> acceptedAudioFiles(const QList<QUrl> &urls);
+/// The accepted local files among `urls`, in order.
+QList<QUrl> AcceptedFiles(const QList<QUrl> &urls);
 
 } // namespace tuppi

@@ -1,5 +1,6 @@
 #include "list/RowLook.h"
 
+#include "engine/Stages.h"
 #include "settings/Val.h"
 
 namespace tuppi {
@@ -17,15 +18,9 @@ QString text(const QJsonObject &row, QLatin1String key)
     return Val(row.value(key)).toString();
 }
 
-bool isWorking(const QString &status)
-{
-    return status == QLatin1String("queued") || status == QLatin1String("transcribing") ||
-           status == QLatin1String("analyzing") || status == QLatin1String("cleaning");
-}
-
 bool isPaused(const QJsonObject &row, const QString &status)
 {
-    return isWorking(status) && Val(row.value(QLatin1String("paused"))).toVariant().toBool();
+    return IsActiveStage(status) && Val(row.value(QLatin1String("paused"))).toVariant().toBool();
 }
 
 PoseAndKind poseFor(const QString &status, bool paused)
@@ -42,7 +37,7 @@ PoseAndKind poseFor(const QString &status, bool paused)
         return {u"waiting"_qs, true};
     if (status == QLatin1String("analyzing") || status == QLatin1String("cleaning"))
         return {u"writing"_qs, true};
-    return {u"listening"_qs, isWorking(status)};
+    return {u"listening"_qs, IsActiveStage(status)};
 }
 
 RowButton pill(const QString &action, const QString &title, int style = 1)
@@ -67,7 +62,7 @@ QList<RowButton> buttonsFor(const QString &status, bool paused)
         return {pill(u"retryRow"_qs, u"Try Again"_qs), trash};
     if (status == QLatin1String("cancelled"))
         return {pill(u"retryRow"_qs, u"Start Again"_qs), trash};
-    if (isWorking(status))
+    if (IsActiveStage(status))
         return {paused ? pill(u"resumeRow"_qs, u"Resume"_qs) : pill(u"pauseRow"_qs, u"Pause"_qs),
                 pill(u"cancelRow"_qs, u"Cancel"_qs, 2)};
     if (status == QLatin1String("waiting"))
@@ -128,7 +123,7 @@ RowLook RowLookFor(const QJsonObject &row, const QString &key, const QString &de
     look.animated = mascot.animated;
     look.mascotKey = mascot.animated ? MascotKey(row, mascot.pose) : QString();
     look.buttons = localised(buttonsFor(status, paused), title, localise);
-    look.activeCard = isWorking(status);
+    look.activeCard = IsActiveStage(status);
     look.accessibleName = title + u". "_qs + detail;
     return look;
 }

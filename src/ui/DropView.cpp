@@ -18,7 +18,7 @@ QList<QUrl> offered(const QDropEvent &event)
 {
     if (!event.possibleActions().testFlag(Qt::CopyAction) || !event.mimeData())
         return {};
-    return acceptedAudioFiles(event.mimeData()->urls());
+    return AcceptedFiles(event.mimeData()->urls());
 }
 
 void answer(QDropEvent *event, bool accepted)

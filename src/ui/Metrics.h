@@ -56,6 +56,27 @@ inline constexpr double dropStroke = 3;
 inline constexpr double dropDashOn = 10;
 inline constexpr double dropDashOff = 7;
 
+// Main window
+inline constexpr int windowWidth = 780;
+inline constexpr int windowHeight = 500;
+inline constexpr int windowMinimumWidth = 720;
+inline constexpr int windowMinimumHeight = 360;
+inline constexpr int titleStripHeight = 40;
+inline constexpr int wordMarkWidth = 70;
+inline constexpr int wordMarkHeight = 14;
+inline constexpr int dropAreaTop = 6;    ///< below the title strip
+inline constexpr int dropAreaBottom = 8; ///< above the footer
+inline constexpr int listInset = 16;
+inline constexpr int footerHeight = 54;
+inline constexpr int footerInset = 18;
+inline constexpr int footerBottom = 16;
+inline constexpr int footerMarginX = 8;
+inline constexpr double footerRadius = 16;
+
+// Sheets
+inline constexpr int sheetTextWidth = 400;
+inline constexpr int sheetButtonHeight = 34;
+
 // Mascot: 160 wide to 140 high
 inline constexpr double mascotWidth = 160;
 inline constexpr double mascotHeight = 140;

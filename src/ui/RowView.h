@@ -2,6 +2,7 @@
 
 #include "list/RowLook.h"
 #include "ui/CardRowView.h"
+#include "ui/MascotView.h"
 #include "ui/RowLayout.h"
 
 #include <QPointer>
@@ -15,7 +16,7 @@ namespace tuppi {
 class ElidedLabel;
 class IconButton;
 class Mascots;
-class MascotView;
+
 class PillButton;
 class SkyBar;
 class SweepClock;
