@@ -98,8 +98,11 @@ void Sheet::setAccessory(QWidget *accessory)
 
 void Sheet::answer(int button)
 {
-    Q_EMIT answered(button);
+    if (m_isAnswered)
+        return;
+    m_isAnswered = true;
     done(button);
+    Q_EMIT answered(button); // last: whoever hears it may do away with the window, and so with the sheet
 }
 
 void Sheet::reject()

@@ -49,6 +49,7 @@ private:
 
     SheetText m_text;
     QWidget *m_accessoryPlace = nullptr;
+    bool m_isAnswered = false;
 };
 
 } // namespace tuppi
