@@ -6,6 +6,7 @@
 #include <QMimeDatabase>
 
 #include <cmath>
+#include <utility>
 
 namespace tuppi {
 namespace {
@@ -14,9 +15,16 @@ using namespace Qt::StringLiterals;
 
 bool isAudioOrVideo(const QMimeType &type)
 {
-    // Playlists and cue sheets are text about recordings.
+    // Lists of recordings are none.
+    static const QStringList lists{u"audio/x-scpls"_s, u"audio/x-ms-asx"_s, u"audio/x-iriver-pla"_s};
     return (type.name().startsWith("audio/"_L1) || type.name().startsWith("video/"_L1))
-        && !type.inherits(u"text/plain"_s);
+        && !type.inherits(u"text/plain"_s) && !lists.contains(type.name());
+}
+
+/// A plain extension, which every desktop's dialog understands.
+bool isExtension(const QString &pattern)
+{
+    return pattern.startsWith("*."_L1) && !pattern.contains(u'[');
 }
 
 } // namespace
@@ -68,14 +76,14 @@ QString AudioFileFilter()
         if (!isAudioOrVideo(type))
             continue;
         for (const QString &pattern : type.globPatterns()) {
-            if (pattern.startsWith("*."_L1))
+            if (isExtension(pattern))
                 patterns.insert(pattern.toLower());
         }
     }
-    // Some desktops match names by case.
     QStringList all(patterns.cbegin(), patterns.cend());
     for (const QString &pattern : std::as_const(patterns))
-        all.append(pattern.toUpper());
+        all.append(pattern.toUpper()); // some desktops match names by case
+    all.removeDuplicates();
     all.sort();
     return L(u"Audio and video"_s) + u" ("_s + all.join(u' ') + u')';
 }
