@@ -69,7 +69,8 @@ void bringToNewest(Database &database)
 {
     const int found = database.value(u"PRAGMA user_version"_s).toInt();
     if (found > newestSchema())
-        throw Failure(u"The list of transcripts was written by a newer version of this program. Update it to go on."_s);
+        throw Failure(
+            u"The list of transcripts was written by a newer version of this program. Update it to go on."_s);
     for (int version = found; version < newestSchema(); ++version)
         migrations[size_t(version)](database);
     database.run(u"PRAGMA user_version = %1"_s.arg(newestSchema()));

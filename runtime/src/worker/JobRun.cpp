@@ -141,7 +141,8 @@ std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &s
         }
         return words;
     }
-    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(segment.startMs / 1000));
+    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(
+        segment.startMs / 1000));
 }
 
 void JobRun::finish()

@@ -15,8 +15,8 @@ inline constexpr QStringView silenceError = u"Запис містить тишу
 // Gives the recogniser for a job, loaded or not; it stays the giver's.
 using RecogniserSource = std::function<Recogniser &(const Job &)>;
 
-// Takes one job from wherever it stands to "ready". Every finished step is in the store before the next begins,
-// so that a run cut off at any point is gone on with by the next.
+// Takes one job from wherever it stands to "ready". Every finished step is in the store before the next
+// begins, so that a run cut off at any point is gone on with by the next.
 class JobRun
 {
 public:
