@@ -276,8 +276,8 @@ std::optional<QDateTime> AudioReader::recordedAt() const
         for (const QString &text : texts) {
             // A year alone, as music files have it, is no time of recording.
             const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
-            const bool plausible = time.isValid() && text.contains(u':') && time.date().year() > 1971
-                && time <= QDateTime::currentDateTime().addDays(1);
+            const bool plausible = time.isValid() && text.contains(u':') && time.date().year() > 1971 &&
+                                   time <= QDateTime::currentDateTime().addDays(1);
             if (plausible)
                 return time;
         }
