@@ -70,7 +70,10 @@ NewCallDir::NewCallDir(const QString &library)
         throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
     m_folder = QFile::decodeName(folder);
     m_lock = lockFolder(m_folder);
-    ::chmod(folder.constData(), 0755);
+    // As open to others as this user's folders are, and no more.
+    const mode_t mask = ::umask(077);
+    ::umask(mask);
+    ::chmod(folder.constData(), 0777 & ~mask);
 }
 
 NewCallDir::~NewCallDir()

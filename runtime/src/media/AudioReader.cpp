@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
 
 #include <algorithm>
 #include <array>
@@ -265,14 +266,17 @@ std::optional<double> AudioReader::durationSeconds() const
 std::optional<QDateTime> AudioReader::recordedAt() const
 {
     for (const AVDictionary *tags : {m_private->format()->metadata, m_private->stream()->metadata}) {
-        for (const char *name : {"com.apple.quicktime.creationdate", "creation_time", "date"}) {
-            const AVDictionaryEntry *tag = ::av_dict_get(tags, name, nullptr, 0);
-            if (!tag)
-                continue;
+        const auto tag = [tags](const char *name) {
+            const AVDictionaryEntry *entry = ::av_dict_get(tags, name, nullptr, 0);
+            return entry ? QString::fromUtf8(entry->value) : QString();
+        };
+        // Field recorders write the day and the hour apart.
+        const QStringList texts{tag("com.apple.quicktime.creationdate"), tag("creation_time"), tag("date"),
+                                tag("date") + u'T' + tag("creation_time")};
+        for (const QString &text : texts) {
             // A year alone, as music files have it, is no time of recording.
-            const QDateTime time = QDateTime::fromString(QString::fromUtf8(tag->value), Qt::ISODateWithMs);
-            const bool plausible = time.isValid() && std::strchr(tag->value, ':') &&
-                                   time.date().year() > 1971 &&
+            const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
+            const bool plausible = time.isValid() && text.contains(u':') && time.date().year() > 1971 &&
                                    time <= QDateTime::currentDateTime().addDays(1);
             if (plausible)
                 return time;

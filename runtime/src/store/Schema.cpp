@@ -50,6 +50,7 @@ void createFirstSchema(Database &database)
         number INTEGER NOT NULL,
         start_ms INTEGER NOT NULL,
         end_ms INTEGER NOT NULL,
+        attempts INTEGER NOT NULL DEFAULT 0,
         words BLOB,
         PRIMARY KEY (job, number)) WITHOUT ROWID)"_s);
     database.run(u"CREATE TABLE settings (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"_s);

@@ -6,6 +6,9 @@
 #include "worker/JobControl.h"
 
 #include <functional>
+#include <optional>
+#include <span>
+#include <vector>
 
 namespace engine {
 
@@ -29,6 +32,8 @@ private:
     void plan();
     void recogniseMissing();
     std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
+    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
+    std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
     void finish();
     void enter(QStringView stage);
     QString audioPath() const;

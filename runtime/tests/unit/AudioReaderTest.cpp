@@ -190,6 +190,11 @@ TEST(AudioReader, readsTheTimeOfRecordingButNoBogusOne)
               QDateTime(QDate(2025, 3, 14), QTime(10, 22, 33), Qt::UTC));
     EXPECT_FALSE(recordedAt(u"1970-01-01T00:00:00Z"_s));
     EXPECT_FALSE(recordedAt(QDateTime::currentDateTimeUtc().addDays(400).toString(Qt::ISODate)));
+    ffmpeg(tone + QStringList{u"-write_bext"_s, u"1"_s, u"-metadata"_s, u"origination_date=2025-03-14"_s,
+                              u"-metadata"_s, u"origination_time=10:22:33"_s, home.file(u"field.wav"_s)});
+    ASSERT_TRUE(AudioReader(home.file(u"field.wav"_s)).recordedAt());
+    EXPECT_EQ(*AudioReader(home.file(u"field.wav"_s)).recordedAt(),
+              QDateTime(QDate(2025, 3, 14), QTime(10, 22, 33)));
     ffmpeg(tone + QStringList{home.file(u"b.wav"_s)});
     EXPECT_FALSE(AudioReader(home.file(u"b.wav"_s)).recordedAt());
 }

@@ -102,6 +102,13 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     };
     run(second);
     EXPECT_EQ(transcript(second), transcript(m_job));
+    const auto begun = [&](int number) {
+        return m_database
+            .value(u"SELECT attempts FROM segments WHERE job = ? AND number = ?"_s, {second.seq, number})
+            .toInt();
+    };
+    for (int number = 0; number < 6; ++number)
+        EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
 }
 
 TEST_F(JobRunTest, aJobThatIsPausedOrCancelledIsPutDown)
