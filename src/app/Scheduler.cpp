@@ -13,6 +13,11 @@ bool SomethingActive(const JobsState &jobs)
     return jobs.starting || !jobs.history->active.isEmpty();
 }
 
+bool IsWorkUnderWay(const JobsState &jobs)
+{
+    return BusyExcept(jobs, {});
+}
+
 bool BusyExcept(const JobsState &jobs, const QString &id)
 {
     const QList<QJsonObject> &active = jobs.history->active;

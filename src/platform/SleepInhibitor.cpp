@@ -69,10 +69,10 @@ SleepInhibitor::SleepInhibitor(const QDBusConnection &session, const QDBusConnec
         auto *watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
         connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
                 [this](const QString &name, const QString &, const QString &owner) {
-                    if (name == portalService)
-                        portalVanished();
+                    if (name == portalService && m_stage == Stage::HeldByPortal)
+                        portalFailed();
                     if (!owner.isEmpty())
-                        serviceAppeared();
+                        serviceAppeared(name);
                 });
     };
     watch(portalService, m_session);
@@ -118,6 +118,7 @@ void SleepInhibitor::setStage(Stage stage)
 
 void SleepInhibitor::askPortal()
 {
+    m_portalCameLate = false;
     const QString token = u"tuppi_"_s + QUuid::createUuid().toString(QUuid::Id128);
     const QString request = requestPath(m_session, token);
     m_request = request;
@@ -168,16 +169,12 @@ void SleepInhibitor::portalFailed()
     askLogind();
 }
 
-void SleepInhibitor::portalVanished()
-{
-    if (m_stage == Stage::HeldByPortal)
-        portalFailed();
-}
-
-void SleepInhibitor::serviceAppeared()
+void SleepInhibitor::serviceAppeared(const QString &name)
 {
     if (m_stage == Stage::Refused)
         askPortal();
+    else if (m_stage == Stage::AskingLogind && name == portalService)
+        m_portalCameLate = true;
 }
 
 void SleepInhibitor::askLogind()
@@ -197,6 +194,8 @@ void SleepInhibitor::takeLogindReply(const QDBusMessage &reply)
     if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == u"h"_s)
         m_lock = reply.arguments().constFirst().value<QDBusUnixFileDescriptor>();
     setStage(m_lock.isValid() ? Stage::HeldByLogind : Stage::Refused);
+    if (m_stage == Stage::Refused && m_portalCameLate)
+        askPortal();
 }
 
 void SleepInhibitor::release()

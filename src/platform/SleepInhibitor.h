@@ -44,8 +44,7 @@ private:
     void askLogind();
     void takeLogindReply(const QDBusMessage &reply);
     void portalFailed();
-    void portalVanished();
-    void serviceAppeared();
+    void serviceAppeared(const QString &name);
     void release();
     void listen(const QString &request, bool on);
 
@@ -56,6 +55,7 @@ private:
     bool m_wanted = false;
     Stage m_stage = Stage::Idle;
     QString m_request;               ///< object path of the portal's request, asked for or granted
+    bool m_portalCameLate = false;   ///< it appeared while logind was asked in its place
     int m_question = 0;              ///< number of the latest call to logind
     QDBusUnixFileDescriptor m_lock;  ///< logind's lock, which ends when it is closed
 };

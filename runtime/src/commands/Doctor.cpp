@@ -21,7 +21,7 @@ namespace engine::commands {
 
 namespace {
 
-constexpr qint64 roomForWork = qint64(200) << 20;
+constexpr qint64 roomForWork = qint64(100) << 20;
 constexpr int selfTestLimitMs = 30000;
 
 struct Check

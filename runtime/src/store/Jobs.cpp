@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <limits>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -122,11 +123,20 @@ std::optional<Job> latestJob(Database &database)
     return oneJob(database, u"ORDER BY seq DESC"_s);
 }
 
-void forEachEntry(Database &database, const std::function<void(const QByteArray &)> &take)
+void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take)
 {
-    QSqlQuery query = database.run(u"SELECT entry FROM entries ORDER BY seq DESC"_s);
-    while (query.next())
+    // SQLite joins the texts of a block faster than ten thousand rows come up through the layers above it.
+    const QString block = u"SELECT CAST(group_concat(entry, ?) AS BLOB), min(seq) FROM "
+                          "(SELECT seq, entry FROM entries WHERE seq < ? ORDER BY seq DESC LIMIT 256)"_s;
+    database.run(u"BEGIN"_s);
+    for (qint64 before = std::numeric_limits<qint64>::max();;) {
+        QSqlQuery query = database.run(block, {u",\n"_s, before});
+        if (!query.next() || query.isNull(1))
+            break;
         take(query.value(0).toByteArray());
+        before = query.value(1).toLongLong();
+    }
+    database.run(u"COMMIT"_s);
 }
 
 Job changeJob(Database &database, const QString &id, const std::function<void(Job &)> &change)
