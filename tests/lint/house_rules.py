@@ -158,13 +158,14 @@ def bare_waits(tree):
                    lambda match: "waits for a time: " + match[0], engine)
     found += [line for path, text in sorted(code.items()) if path.endswith(".py") for line in _python_sleeps(path, text)]
     found += _found(code, SOURCE, r"(?:\.|->)exec\s*\(\s*\)", lambda match: "runs an event loop of its own",
-                    lambda path: os.path.basename(path) == "main.cpp" or engine(path))
+                    lambda path: "int main(" in tree[path] or engine(path))
     return found
 
 
 def _python_sleeps(path, text):
-    """A function that waits for a condition, until() or wait…(), has to look again after a while."""
-    for match in re.finditer(r"\btime\.sleep\s*\(|\bfrom time import .*\bsleep\b", text):
+    """A function that waits for a condition, until() or wait…(), has to look again after a while. A moment
+    drawn by lot (chance.uniform) is not waited for: it is where a test strikes."""
+    for match in re.finditer(r"\btime\.sleep\s*\((?!chance\.)|\bfrom time import .*\bsleep\b", text):
         within = re.findall(r"^\s*def (\w+)", text[:match.start()], re.MULTILINE)
         if not within or not re.match(r"until|wait", within[-1]):
             yield f"{path}:{_line(text, match.start())}: waits for a time: {match[0]}"

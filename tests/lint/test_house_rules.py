@@ -141,6 +141,8 @@ class TheRules(unittest.TestCase):
 
     def test_waits_that_are_none(self):
         self.assertEqual(rules.bare_waits({"tests/a.py": "def until(condition):\n    while not condition():\n        time" + ".sleep(1)\n"}), [])
+        self.assertEqual(rules.bare_waits({"tests/a.py": "def test():\n    time" + ".sleep(chance.uniform(0, 1))\n"}), [])
+        self.assertEqual(rules.bare_waits({"tests/AProgram.cpp": "int main() { return application.exec(); }"}), [])
         for text in ("QTest::qWaitFor(condition);", "// sleep(1)\n", 'QString text = "sleep(1)";', "process.waitForFinished(1000);"):
             self.assertEqual(rules.bare_waits({"tests/a.cpp": text}), [], text)
         self.assertEqual(rules.bare_waits({"runtime/src/Store.cpp": "query.exec();"}), [])
