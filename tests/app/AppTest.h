@@ -53,7 +53,7 @@ protected:
     void launch()
     {
         create();
-        m_app->applicationDidFinishLaunching();
+        m_app->applicationDidFinishLaunching(AppDelegate::Face::Terminal);
     }
     /// The controller with its stored queue, but without its timer.
     void prepare()

@@ -302,6 +302,7 @@ TEST_F(Scheduling, EngineThatGoesMissingLaterKeepsTheFilesThatWait)
     EXPECT_TRUE(jobs().engineBroken);
     EXPECT_FALSE(jobs().starting);
     EXPECT_EQ(m_failures.size(), 1);
+    EXPECT_EQ(m_app->list().summary, u"Tuppi's engine could not be found — please run the installer again."_s);
     EXPECT_EQ(waitingPaths(), QStringList{m_b});
     EXPECT_EQ(storedPaths(), QStringList{m_b});
     m_engine.install();

@@ -148,14 +148,27 @@ def engine_is_apart(tree):
 # What is waited for
 
 def bare_waits(tree):
-    """Code and tests wait for conditions. The engine may run a statement of its database with exec()."""
+    """Code and tests wait for conditions. The engine's program is outside: it runs statements of its database
+    with exec(), and what it follows there can only be asked for again and again."""
     code = {path: without_comments_and_texts(text) if path.endswith(SOURCE) else text for path, text in tree.items()}
+    def engine(path):
+        return path.startswith("runtime/") and not path.startswith("runtime/tests/")
+
     found = _found(code, SOURCE, r"\bqWait\s*\(|\b(?:u|m|nano)?sleep(?:_for|_until)?\s*\(|waitForFinished\s*\(\s*-1\s*\)",
-                   lambda match: "waits for a time: " + match[0])
-    found += _found(code, (".py",), r"\btime\.sleep\s*\(|\bfrom time import .*\bsleep\b", lambda match: "waits for a time: " + match[0])
+                   lambda match: "waits for a time: " + match[0], engine)
+    found += [line for path, text in sorted(code.items()) if path.endswith(".py") for line in _python_sleeps(path, text)]
     found += _found(code, SOURCE, r"(?:\.|->)exec\s*\(\s*\)", lambda match: "runs an event loop of its own",
-                    lambda path: os.path.basename(path) == "main.cpp" or path.startswith("runtime/"))
+                    lambda path: "int main(" in tree[path] or engine(path))
     return found
+
+
+def _python_sleeps(path, text):
+    """A function that waits for a condition, until() or wait…(), has to look again after a while. A moment
+    drawn by lot (chance.uniform) is not waited for: it is where a test strikes."""
+    for match in re.finditer(r"\btime\.sleep\s*\((?!chance\.)|\bfrom time import .*\bsleep\b", text):
+        within = re.findall(r"^\s*def (\w+)", text[:match.start()], re.MULTILINE)
+        if not within or not re.match(r"until|wait", within[-1]):
+            yield f"{path}:{_line(text, match.start())}: waits for a time: {match[0]}"
 
 
 # How long things are

@@ -137,7 +137,12 @@ class TheRules(unittest.TestCase):
         self.assert_found(rules.bare_waits({"tests/a.py": "time" + ".sleep(1)\n"}), "tests/a.py:1:")
         self.assert_found(rules.bare_waits({"tests/a.py": "from time" + " import sleep\n"}), "tests/a.py:1:")
 
+        self.assert_found(rules.bare_waits({"tests/a.py": "def until(x):\n    pass\n\ndef test():\n    time" + ".sleep(1)\n"}), "tests/a.py:5:")
+
     def test_waits_that_are_none(self):
+        self.assertEqual(rules.bare_waits({"tests/a.py": "def until(condition):\n    while not condition():\n        time" + ".sleep(1)\n"}), [])
+        self.assertEqual(rules.bare_waits({"tests/a.py": "def test():\n    time" + ".sleep(chance.uniform(0, 1))\n"}), [])
+        self.assertEqual(rules.bare_waits({"tests/AProgram.cpp": "int main() { return application.exec(); }"}), [])
         for text in ("QTest::qWaitFor(condition);", "// sleep(1)\n", 'QString text = "sleep(1)";', "process.waitForFinished(1000);"):
             self.assertEqual(rules.bare_waits({"tests/a.cpp": text}), [], text)
         self.assertEqual(rules.bare_waits({"runtime/src/Store.cpp": "query.exec();"}), [])

@@ -26,8 +26,9 @@ QString engineChoice(const Arguments &arguments)
     const QString choice = arguments.value(u"--engine", u"auto"_s);
     const bool custom = choice.startsWith(u"custom:") && choice.size() > 7;
     if (!custom && !known.contains(choice))
-        throw usageFailure(u"“"_s + choice + u"” is not a speech model. Choose auto, parakeet, whisper, "
-                                             "whisper-large or custom:ID."_s);
+        throw usageFailure(u"“"_s + choice +
+                           u"” is not a speech model. Choose auto, parakeet, whisper, "
+                           "whisper-large or custom:ID."_s);
     return choice;
 }
 
@@ -72,7 +73,8 @@ void record(Database &database, const Recording &recording, Job &job)
     announceChange(database.paths());
 }
 
-// Works as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it is.
+// Works as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it
+// is.
 Job waitForEnd(Database &database, const QString &id)
 {
     QString shown;

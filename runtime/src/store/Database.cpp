@@ -20,7 +20,16 @@ namespace engine {
 
 namespace {
 
-enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, CannotOpen = 14, NotADatabase = 26 };
+enum SqliteCode {
+    Busy = 5,
+    Locked = 6,
+    ReadOnly = 8,
+    InputOutput = 10,
+    Corrupt = 11,
+    Full = 13,
+    CannotOpen = 14,
+    NotADatabase = 26
+};
 
 QString nextConnectionName()
 {
@@ -36,14 +45,16 @@ Failure storeFailure(const QSqlError &error, const Paths &paths)
     const QString where = u" (“"_s + paths.database + u"”)"_s;
     switch (code) {
     case Full:
-        return Failure(u"The list of transcripts could not be written: the disk is full. Make room and try again."_s);
+        return Failure(
+            u"The list of transcripts could not be written: the disk is full. Make room and try again."_s);
     case ReadOnly:
-        return Failure(u"The list of transcripts can only be read, not written"_s + where
-                       + u". Check the disk and who may write there."_s);
+        return Failure(u"The list of transcripts can only be read, not written"_s + where +
+                       u". Check the disk and who may write there."_s);
     case Corrupt:
     case NotADatabase:
-        return Failure(u"The list of transcripts is damaged and was left as it is"_s + where
-                       + u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
+        return Failure(
+            u"The list of transcripts is damaged and was left as it is"_s + where +
+            u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
     case Busy:
     case Locked:
         return Failure(u"The list of transcripts is in use by another program for too long. Try again."_s);

@@ -18,8 +18,8 @@ namespace engine {
 class Database
 {
 public:
-    // Opens the store, makes it when it is missing and brings an older one to the newest schema. On a disk that
-    // is full or can only be read, a store that is whole is still read; writing then fails.
+    // Opens the store, makes it when it is missing and brings an older one to the newest schema. On a disk
+    // that is full or can only be read, a store that is whole is still read; writing then fails.
     explicit Database(const Paths &paths);
     ~Database();
     Database(const Database &) = delete;

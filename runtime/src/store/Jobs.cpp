@@ -13,9 +13,10 @@ namespace engine {
 
 namespace {
 
-const QString columns = u"seq, id, status, paused, hidden, title, call_dir, audio, error, recorded_at, duration_seconds, "
-                        "engine, recogniser, engine_choice, language_choice, language, speakers, clean, analyze, "
-                        "progress, planned, attempts, attempts_at, created_at, completed_at"_s;
+const QString columns =
+    u"seq, id, status, paused, hidden, title, call_dir, audio, error, recorded_at, duration_seconds, "
+    "engine, recogniser, engine_choice, language_choice, language, speakers, clean, analyze, "
+    "progress, planned, attempts, attempts_at, created_at, completed_at"_s;
 
 Job jobFrom(const QSqlQuery &row)
 {
@@ -51,7 +52,8 @@ Job jobFrom(const QSqlQuery &row)
     return job;
 }
 
-std::optional<Job> oneJob(Database &database, const QString &where, std::initializer_list<QVariant> values = {})
+std::optional<Job> oneJob(Database &database, const QString &where,
+                          std::initializer_list<QVariant> values = {})
 {
     const QString sql = u"SELECT "_s + columns + u" FROM jobs "_s + where + u" LIMIT 1"_s;
     QSqlQuery query = database.run(sql, values);
@@ -80,7 +82,8 @@ void insertJob(Database &database, Job &job)
         uR"(INSERT INTO jobs (id, status, title, call_dir, audio, recorded_at, engine_choice, language_choice,
             language, speakers, clean, analyze, created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))"_s,
         {job.id, job.status, job.title, job.callDir, job.audio, job.recordedAt, job.engineChoice,
-         job.languageChoice, job.language, int(job.speakers), int(job.clean), int(job.analyze), job.createdAt});
+         job.languageChoice, job.language, int(job.speakers), int(job.clean), int(job.analyze),
+         job.createdAt});
     job.seq = query.lastInsertId().toLongLong();
     updateJob(database, job);
 }
@@ -92,8 +95,9 @@ void updateJob(Database &database, const Job &job)
             recorded_at = ?, duration_seconds = ?, engine = ?, recogniser = ?, language = ?, progress = ?,
             planned = ?, attempts = ?, attempts_at = ?, completed_at = ? WHERE seq = ?)"_s,
         {job.status, int(job.paused), int(job.hidden), job.title, job.callDir, job.audio, orNull(job.error),
-         job.recordedAt, orNull(job.durationSeconds), orNull(job.engine), orNull(job.recogniser), job.language,
-         orNull(job.progress), int(job.planned), job.attempts, job.attemptsAt, orNull(job.completedAt), job.seq});
+         job.recordedAt, orNull(job.durationSeconds), orNull(job.engine), orNull(job.recogniser),
+         job.language, orNull(job.progress), int(job.planned), job.attempts, job.attemptsAt,
+         orNull(job.completedAt), job.seq});
     // The newest entry is most of what changes; replacing only what differs spares the journal.
     database.run(u"INSERT INTO entries (seq, entry) VALUES (?, ?) "
                  "ON CONFLICT (seq) DO UPDATE SET entry = excluded.entry WHERE entry <> excluded.entry"_s,

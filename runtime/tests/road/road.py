@@ -282,17 +282,18 @@ class Engine:
 
     # Files
 
-    @contextlib.contextmanager
-    def database(self):
-        base = sqlite3.connect(f"file:{self.store}?mode=ro", uri=True, timeout=30)
-        try:
-            yield base
-        finally:
-            base.close()
-
     def query(self, statement, *values):
-        with self.database() as base:
-            return base.execute(statement, values).fetchall()
+        def answer(mode):
+            with contextlib.closing(sqlite3.connect(f"file:{self.store}?{mode}", uri=True, timeout=30)) as base:
+                return base.execute(statement, values).fetchall()
+
+        try:
+            return answer("mode=ro")
+        except sqlite3.OperationalError:
+            # Even reading makes files beside a store, unless it is told that nobody writes: a full disk has no room.
+            if os.path.exists(self.store + "-wal") and os.path.getsize(self.store + "-wal") > 0:
+                raise
+            return answer("immutable=1")
 
     def kept(self, job):
         """The segments of the job that are recognised already, as they stand in the store."""

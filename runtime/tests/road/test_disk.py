@@ -64,7 +64,7 @@ class Disk(RoadTest):
         return path
 
     def long(self, engine):
-        return several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:4])
+        return several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])
 
     def test_no_room_for_the_copy(self):
         engine, disk = self.engine_with_library("128k")
@@ -104,7 +104,7 @@ class Disk(RoadTest):
         with open(path, "rb") as original, open(self.audio(entry), "rb") as kept:
             self.assertEqual(original.read(), kept.read())
         kept, attempts = engine.kept(job), engine.attempts(job)
-        self.assertGreater(len(kept), 2)
+        self.assertGreater(len(kept), 1)
         os.remove(filler)
         engine.ask("retry", job)
         entry = engine.wait(job, "ready")

@@ -3,7 +3,7 @@
 
 import os
 
-from road import QUICK, SAMPLE, SENTENCES, RoadTest, main, results, several, steady, transcript, until
+from road import QUICK, SENTENCES, RoadTest, main, results, several, steady, transcript, until
 
 
 class Pause(RoadTest):
@@ -21,12 +21,12 @@ class Pause(RoadTest):
 
     def test_the_whole_way(self):
         engine = self.engine()
-        job = engine.process(SAMPLE)
-        until(lambda: len(engine.kept(job)) >= 2, "two kept segments")
+        job = engine.process(several(os.path.join(engine.scratch, "long.wav"), *SENTENCES))
+        until(lambda: engine.kept(job), "a kept segment")
         engine.ask("pause", job)
         self.paused_and_idle(engine, job)
         first = engine.kept(job)
-        self.assertGreaterEqual(len(first), 2)
+        self.assertGreaterEqual(len(first), 1)
         # The worker of a paused job may already have gone by itself.
         engine.kill_worker()
         engine.ask("resume")
@@ -35,14 +35,14 @@ class Pause(RoadTest):
 
         engine.ask("continue", job)
         self.assertIs(engine.job(job)["paused"], False)
-        until(lambda: len(engine.kept(job)) >= len(first) + 2, "two more segments")
+        until(lambda: len(engine.kept(job)) > len(first), "one more segment")
         self.assertEqual(engine.kept(job)[:len(first)], first)
 
         engine.ask("cancel", job)
         self.assertEqual(engine.job(job)["status"], "cancelled")
         steady(engine.ticks, "processor time after cancel")
         cancelled = engine.kept(job)
-        self.assertGreaterEqual(len(cancelled), len(first) + 2)
+        self.assertGreater(len(cancelled), len(first))
         engine.ask("resume")
         steady(engine.ticks, "processor time after cancel and resume")
         self.assertEqual(engine.job(job)["status"], "cancelled")
@@ -61,7 +61,7 @@ class Pause(RoadTest):
 
     def test_paused_while_it_waits(self):
         engine = self.engine()
-        long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES)
+        long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])
         first = engine.process(long)
         second = engine.process(self.recording(engine))
         engine.ask("pause", second)
