@@ -18,6 +18,8 @@ extern "C" {
 namespace tuppi {
 namespace {
 
+using Status = struct stat;
+
 /// One file while it is read.
 class Source
 {
@@ -38,7 +40,7 @@ public:
     bool open(const QString &path)
     {
         const QByteArray name = QFile::encodeName(path);
-        struct stat before{}, after{};
+        Status before{}, after{};
         if (::stat(name.constData(), &before) != 0 || !S_ISREG(before.st_mode))
             return false;
         // Not to wait even when a pipe has taken the file's place in between.
@@ -63,7 +65,7 @@ public:
     {
         const auto *source = static_cast<const Source *>(opaque);
         if (whence & AVSEEK_SIZE) {
-            struct stat now{};
+            Status now{};
             return ::fstat(source->m_file, &now) == 0 ? int64_t(now.st_size) : AVERROR(errno);
         }
         const off_t at = ::lseek(source->m_file, offset, whence & ~AVSEEK_FORCE);
@@ -100,7 +102,9 @@ Input makeInput(Source &source)
 {
     constexpr int bufferSize = 64 * 1024;
     auto *buffer = static_cast<unsigned char *>(av_malloc(bufferSize));
-    AVIOContext *io = buffer ? avio_alloc_context(buffer, bufferSize, 0, &source, &Source::read, nullptr, &Source::seek) : nullptr;
+    AVIOContext *io =
+        buffer ? avio_alloc_context(buffer, bufferSize, 0, &source, &Source::read, nullptr, &Source::seek)
+               : nullptr;
     if (!io)
         av_free(buffer);
     return Input(io);
@@ -118,7 +122,8 @@ Format openFormat(Source &source, AVIOContext *io, const QByteArray &name)
     format->io_open = &refuse;
     AVDictionary *options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "none", 0);
-    const int failure = avformat_open_input(&format, name.constData(), nullptr, &options); // frees format when it fails
+    // Frees the format when it fails.
+    const int failure = avformat_open_input(&format, name.constData(), nullptr, &options);
     av_dict_free(&options);
     return Format(failure == 0 ? format : nullptr);
 }
@@ -134,7 +139,8 @@ double knownLength(const AVFormatContext *format)
 {
     if (const double length = seconds(format->duration, {1, AV_TIME_BASE}); length > 0)
         return length;
-    const int best = av_find_best_stream(const_cast<AVFormatContext *>(format), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    const int best =
+        av_find_best_stream(const_cast<AVFormatContext *>(format), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (best < 0)
         return 0;
     const AVStream *stream = format->streams[best];
