@@ -41,7 +41,7 @@ def fill(data):
 
 def write(folder, data, html=None):
     folder.mkdir(parents=True, exist_ok=True)
-    if data.get("audio"):
+    if isinstance(data.get("audio"), str):
         write_silence(folder / data["audio"], data["duration"])
     file = folder / "viewer.html"
     file.write_text(html if html is not None else fill(data), encoding="utf-8", newline="")

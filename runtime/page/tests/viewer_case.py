@@ -33,7 +33,7 @@ class ViewerCase(unittest.TestCase):
         script = self.browser.before_scripts((CHANNEL if channel else "") + before)
         self.browser.open(page.write(self.folder, data, html))
         self.browser.forget(script)
-        if data.get("audio"):
+        if isinstance(data.get("audio"), str):
             self.browser.wait("document.getElementById('audio').readyState > 0")
 
     def load_lines(self, *lines, **changes):
