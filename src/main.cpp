@@ -1,11 +1,14 @@
 #include "app/AppDelegate.h"
+#include "platform/ApplicationId.h"
+#include "platform/SingleInstance.h"
 #include "settings/Defaults.h"
 #include "settings/L.h"
 #include "terminal/Interrupts.h"
 #include "terminal/Options.h"
 #include "terminal/TerminalView.h"
+#include "ui/Appearance.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QLocale>
 #include <QTextStream>
 
@@ -16,12 +19,20 @@ namespace {
 
 constexpr int usageError = 2;
 
-void installLanguage(LocalTable &table, const Defaults &defaults)
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(u"tuppi-transcriber"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TUPPI_VERSION));
+}
+
+/// Installs the table of the interface language and gives back its code.
+QString installLanguage(LocalTable &table, const Defaults &defaults)
 {
     const QString chosen = ChosenInterfaceLanguage(defaults.value(u"AppleLanguages"_s));
-    const QString language = InterfaceLanguageInUse(chosen, QLocale().uiLanguages());
+    const QString language = InterfaceLanguageInUse(chosen, QLocale::system().uiLanguages());
     if (table.loadTable(u":/localization/%1.json"_s.arg(language)))
         QCoreApplication::installTranslator(&table);
+    return language;
 }
 
 StartChoices choicesFor(const Options &options, const Defaults &defaults)
@@ -34,7 +45,7 @@ StartChoices choicesFor(const Options &options, const Defaults &defaults)
     return choices;
 }
 
-int transcribe(QCoreApplication &application, Defaults &defaults, const Options &options)
+int transcribe(Defaults &defaults, const Options &options)
 {
     Interrupts interrupts;
     AppDelegate delegate(defaults);
@@ -44,32 +55,87 @@ int transcribe(QCoreApplication &application, Defaults &defaults, const Options 
     QObject::connect(&delegate, &AppDelegate::polled, &view, [&] { view.showPolled(delegate.jobs()); });
     QObject::connect(&delegate, &AppDelegate::startFinished, &view, &TerminalView::showStartFinished);
     QObject::connect(&delegate, &AppDelegate::failureReported, &view, &TerminalView::showFailure);
-    QObject::connect(&view, &TerminalView::finished, &application, [](int status) { QCoreApplication::exit(status); },
+    QObject::connect(&view, &TerminalView::finished, qApp, [](int status) { QCoreApplication::exit(status); },
                      Qt::QueuedConnection);
     QObject::connect(&interrupts, &Interrupts::interrupted, &view, [&] {
         view.showInterrupted(delegate.jobs(), delegate.ownsStoredQueue());
         QCoreApplication::exit(1);
     });
 
-    delegate.applicationDidFinishLaunching();
+    delegate.applicationDidFinishLaunching(AppDelegate::Face::Terminal);
     if (!delegate.ownsStoredQueue())
         view.showNotice(L(u"Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only."_s));
     delegate.enqueue(options.files, choicesFor(options, defaults));
-    return application.exec();
+    return QCoreApplication::exec();
+}
+
+QList<QUrl> urlsOf(const QStringList &paths)
+{
+    QList<QUrl> urls;
+    for (const QString &path : paths)
+        urls.append(QUrl::fromLocalFile(path));
+    return urls;
+}
+
+int openWindow(Defaults &defaults, const Options &options, SingleInstance &instance)
+{
+    AppDelegate delegate(defaults);
+    QObject::connect(&instance, &SingleInstance::activated, &delegate, &AppDelegate::applicationShouldHandleReopen);
+    QObject::connect(&instance, &SingleInstance::openRequested, &delegate,
+                     [&delegate](const QList<QUrl> &urls, const QString &token) {
+                         delegate.applicationShouldHandleReopen(token);
+                         delegate.openUrls(urls);
+                     });
+    delegate.applicationDidFinishLaunching(AppDelegate::Face::Window);
+    delegate.openUrls(urlsOf(options.files));
+    return QCoreApplication::exec();
+}
+
+int runTerminal(int argc, char *argv[], const Options &options)
+{
+    QCoreApplication application(argc, argv);
+    Defaults defaults(Defaults::userPath());
+    LocalTable table;
+    installLanguage(table, defaults);
+    return transcribe(defaults, options);
+}
+
+int runWindow(int argc, char *argv[], const Options &options)
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        QTextStream(stderr) << L(u"There is no display to open a window on; --transcribe works without one."_s) << '\n';
+        return 1;
+    }
+    // Read before the application object takes it out of the environment.
+    const QVariantMap tokens = LaunchTokens();
+    QApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName(applicationId);
+    SingleInstance instance(QDBusConnection::sessionBus());
+    const SingleInstance::Role role = instance.start(urlsOf(options.files), tokens);
+    if (role == SingleInstance::Role::HandedOver)
+        return 0;
+    // Without its window the application goes on, to be brought back by the next start; without the bus
+    // nothing could bring it back.
+    application.setQuitOnLastWindowClosed(role == SingleInstance::Role::Alone);
+    Defaults defaults(Defaults::userPath());
+    LocalTable table;
+    const QLocale locale(installLanguage(table, defaults));
+    QLocale::setDefault(locale);
+    QGuiApplication::setLayoutDirection(locale.textDirection());
+    applyAppearance(application);
+    return openWindow(defaults, options, instance);
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"tuppi-transcriber"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(TUPPI_VERSION));
-    Defaults defaults(Defaults::userPath());
-    LocalTable table;
-    installLanguage(table, defaults);
-
-    const Options options = ParseOptions(QCoreApplication::arguments().sliced(1));
+    nameApplication();
+    QStringList arguments;
+    for (int index = 1; index < argc; ++index)
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    const Options options = ParseOptions(arguments);
     switch (options.mode) {
     case Options::Mode::Help:
         QTextStream(stdout) << options.message;
@@ -80,9 +146,10 @@ int main(int argc, char *argv[])
     case Options::Mode::UsageError:
         QTextStream(stderr) << options.message << '\n';
         return usageError;
-    case Options::Mode::Window:
     case Options::Mode::Transcribe:
-        return transcribe(application, defaults, options);
+        return runTerminal(argc, argv, options);
+    case Options::Mode::Window:
+        return runWindow(argc, argv, options);
     }
     return usageError;
 }

@@ -5,7 +5,11 @@
 #include "engine/EngineCommands.h"
 #include "engine/RunCallTimeout.h"
 
+#include "platform/ActivateWindow.h"
+#include "ui/MainWindow.h"
+
 #include <QDir>
+#include <QWindow>
 
 namespace tuppi {
 
@@ -30,14 +34,22 @@ AppDelegate::AppDelegate(Defaults &defaults, QObject *parent)
 
 AppDelegate::~AppDelegate() = default;
 
-void AppDelegate::applicationDidFinishLaunching()
+void AppDelegate::applicationDidFinishLaunching(Face face)
 {
     restoreWaiting();
+    if (face == Face::Window)
+        buildWindow();
     RunCallTimeout(command::resume(), this, {}, 0);
     refreshCustomModels();
     poll();
     m_timer.start();
     watchEngineState();
+}
+
+void AppDelegate::applicationShouldHandleReopen(const QString &token)
+{
+    m_ui.window->bringForward();
+    ActivateWindow(m_ui.window->windowHandle(), token);
 }
 
 void AppDelegate::tick()

@@ -2,8 +2,11 @@
 
 #include "app/JobsState.h"
 #include "app/QueueStore.h"
+#include "intake/SetupState.h"
 #include "list/ListState.h"
+#include "platform/PlatformState.h"
 #include "settings/ModelsState.h"
+#include "ui/UiState.h"
 
 #include <QFileSystemWatcher>
 #include <QObject>
@@ -17,11 +20,15 @@ class AppDelegate : public QObject
 {
     Q_OBJECT
 public:
+    enum class Face { Window, Terminal };
+
     /// `defaults` is the user's store and outlives the controller.
     explicit AppDelegate(Defaults &defaults, QObject *parent = nullptr);
     ~AppDelegate() override;
 
-    void applicationDidFinishLaunching();
+    void applicationDidFinishLaunching(Face face);
+    /// Shows the window and brings it forward; `token` is the desktop's leave to do so, or empty.
+    void applicationShouldHandleReopen(const QString &token);
 
     const JobsState &jobs() const { return m_jobs; }
     const ListState &list() const { return m_list; }
@@ -42,6 +49,30 @@ public:
     void startNextIfIdle();
     bool somethingActive() const;
     bool busyExcept(const QString &id) const;
+
+    // Main window
+    void buildWindow();
+    /// Runs the command of that name; a name without a command does nothing.
+    void perform(const QString &action);
+    void performOnRow(const QString &rowKey, const QString &action);
+
+    // Adding files
+    /// Files that the desktop asks to open; what is no recording is left out.
+    void openUrls(const QList<QUrl> &urls);
+    /// The one door for files: gathers them in the New Transcription panel.
+    void addFiles(const QList<QUrl> &files);
+    void chooseFiles();
+    void openSetup();
+    void updateSetupList();
+    void startSetup(const StartChoices &choices);
+    void cancelSetup();
+    void closeSetup();
+
+    // Row commands
+    void pauseRow(const QString &rowKey);
+    void resumeRow(const QString &rowKey);
+    void retryRow(const QString &rowKey);
+    void cancelRow(const QString &rowKey);
 
     // List
     void refresh();
@@ -79,11 +110,22 @@ private:
     void startAnswered(const EngineReply &reply);
     bool storeQueue(const QVariant &startInFlight);
     QVariant storedStart() const;
+    void runOnJob(const QStringList &arguments, const QString &title);
+    void followDesktop();
+    MediaLengths &mediaLengths();
+    QString jobIdOf(const QString &rowKey) const;
+    void showRows();
+    void showEmptyState();
+    void restoreFrame();
+    void rememberFrame();
 
     JobsState m_jobs;
     ListState m_list;
     ModelsState m_models;
     QueueStore m_queue;
+    SetupState m_setup;
+    UiState m_ui;
+    PlatformState m_platform;
     QTimer m_timer;
     QTimer m_watchDelay;
     QFileSystemWatcher m_stateWatch;

@@ -88,6 +88,8 @@ void AppDelegate::startNextIfIdle()
         return;
     m_jobs.startingEntry = m_jobs.waiting.takeFirst();
     m_jobs.starting = true;
+    if (m_queue.owned)
+        m_queue.startLock.tryLock(); // a command of an earlier run may have held it until now
     saveWaiting();
     refresh();
     RunCallRead(

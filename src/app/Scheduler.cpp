@@ -13,6 +13,11 @@ bool SomethingActive(const JobsState &jobs)
     return jobs.starting || !jobs.history->active.isEmpty();
 }
 
+bool IsWorkUnderWay(const JobsState &jobs)
+{
+    return BusyExcept(jobs, {});
+}
+
 bool BusyExcept(const JobsState &jobs, const QString &id)
 {
     const QList<QJsonObject> &active = jobs.history->active;
@@ -25,9 +30,12 @@ bool MayStartNext(const JobsState &jobs)
 {
     if (jobs.waiting.isEmpty() || SomethingActive(jobs) || jobs.interruptedStart)
         return false;
+    // A start without an engine would only cost the file its place; the files are better off waiting.
+    if (jobs.engineBroken)
+        return false;
     // Before the first history it is unknown what the engine is busy with, and which job a start brings
-    // about. The poll in flight ends by asking again; without an engine the files are better off waiting.
-    return jobs.loaded || !(jobs.polling || jobs.engineBroken);
+    // about. The poll in flight ends by asking again.
+    return jobs.loaded || !jobs.polling;
 }
 
 QString FailureDetail(const QString &err)

@@ -3,9 +3,10 @@
 #include "settings/Val.h"
 
 #include <QFile>
+#include <QSet>
 #include <QUrl>
 
-#include <algorithm>
+#include <utility>
 
 namespace tuppi {
 namespace {
@@ -36,11 +37,13 @@ QString WaitingPath(const WaitingEntry &entry)
 
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
 {
+    QSet<QString> known;
+    for (const WaitingEntry &entry : std::as_const(queue))
+        known.insert(WaitingPath(entry));
     for (const QString &path : paths) {
-        const bool known = std::any_of(queue.cbegin(), queue.cend(),
-                                       [&](const WaitingEntry &entry) { return WaitingPath(entry) == path; });
-        if (known)
+        if (known.contains(path))
             continue;
+        known.insert(path);
         queue.append({{u"url"_s, QUrl::fromLocalFile(path)},
                       {u"engine"_s, choices.engine},
                       {u"language"_s, choices.language},

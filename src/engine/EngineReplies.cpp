@@ -70,14 +70,13 @@ History ArrangeHistory(const QJsonArray &jobs)
 
 HistoryReply ReadHistory(const RawReply &raw, const HistoryPointer &previous)
 {
-    const QByteArray source = QCryptographicHash::hash(raw.out, QCryptographicHash::Sha1);
-    if (previous && previous->source == source)
+    if (previous && previous->source == raw.out)
         return {raw.status, previous};
     const std::optional<QJsonArray> jobs = ReadArray(raw.out);
     if (!jobs)
         return {raw.status, nullptr};
     auto history = std::make_shared<History>(ArrangeHistory(*jobs));
-    history->source = source;
+    history->source = raw.out;
     return {raw.status, std::move(history)};
 }
 

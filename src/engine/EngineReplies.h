@@ -29,7 +29,7 @@ struct History
     QList<QJsonObject> listed;   ///< the visible ones, those under way first
     RowCounts counts;            ///< of the listed ones
     QByteArray digest;           ///< equal exactly when the listed entries are equal in every field
-    QByteArray source;           ///< digest of the reply it was read from
+    QByteArray source;           ///< the reply it was read from
 };
 
 using HistoryPointer = std::shared_ptr<const History>;

@@ -146,14 +146,6 @@ Description Describe(const QJsonObject &row, const std::optional<QJsonObject> &l
     return {status, -2};
 }
 
-DetailTone ToneOf(const QJsonObject &row)
-{
-    const QString status = textOf(row, "status"_L1);
-    if (status == "failed"_L1)
-        return DetailTone::Attention;
-    return status == "ready"_L1 ? DetailTone::Good : DetailTone::Plain;
-}
-
 QString SummaryLine(const SummaryInput &input)
 {
     if (!input.transientStatus.isEmpty())

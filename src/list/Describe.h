@@ -21,10 +21,6 @@ struct Description
 /// `customModels`: the user's own speech models, each with "id" and "name".
 Description Describe(const QJsonObject &row, const std::optional<QJsonObject> &latestJob, const QJsonArray &customModels);
 
-/// The colour family of a detail line.
-enum class DetailTone { Plain, Good, Attention };
-DetailTone ToneOf(const QJsonObject &row);
-
 /// What the summary line is made of.
 struct SummaryInput
 {

@@ -40,33 +40,43 @@ FollowedFile &Report::fileFor(const QString &path)
     return m_files.last();
 }
 
-void Report::claim(const QJsonObject &job)
+bool Report::claim(const QJsonObject &job, bool anyTitle)
 {
     const QString title = job.value("title"_L1).toString();
     const auto open = [](const FollowedFile &file) { return file.handedOver && file.jobId.isEmpty() && !file.refused; };
     auto file = std::find_if(m_files.begin(), m_files.end(),
                              [&](const FollowedFile &candidate) { return open(candidate) && candidate.title == title; });
-    if (file == m_files.end())
+    if (file == m_files.end() && anyTitle)
         file = std::find_if(m_files.begin(), m_files.end(), open);
-    if (file != m_files.end())
-        file->jobId = idOf(job);
+    if (file == m_files.end())
+        return false;
+    file->jobId = idOf(job);
+    return true;
+}
+
+/// What is under way when the run begins holds the queue up, so it is followed as well. Which jobs a start
+/// before the first history has brought about, only their titles can tell.
+void Report::claimFirstJobs(const History &history)
+{
+    for (const QJsonObject &job : history.listed) {
+        if (claim(job, false) || !IsActiveStage(job.value("status"_L1).toString()))
+            continue;
+        FollowedFile file;
+        file.jobId = idOf(job);
+        file.title = job.value("title"_L1).toString();
+        m_files.append(file);
+    }
 }
 
 void Report::claimJobs(const History &history)
 {
     if (!m_loaded) {
-        // What is under way when the run begins holds the queue up, so it is followed as well.
-        for (const QJsonObject &job : history.active) {
-            FollowedFile file;
-            file.jobId = idOf(job);
-            file.title = job.value("title"_L1).toString();
-            m_files.append(file);
-        }
+        claimFirstJobs(history);
     } else {
         const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
         for (const QJsonObject &job : history.entries) {
             if (!known.contains(idOf(job)))
-                claim(job);
+                claim(job, true);
         }
     }
     m_loaded = true;

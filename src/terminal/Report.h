@@ -57,7 +57,8 @@ public:
 private:
     FollowedFile &fileFor(const QString &path);
     void claimJobs(const History &history);
-    void claim(const QJsonObject &job);
+    void claimFirstJobs(const History &history);
+    bool claim(const QJsonObject &job, bool anyTitle);
     bool report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
                 QList<ReportLine> &lines);
 

@@ -48,7 +48,7 @@ void TerminalView::showState(const JobsState &jobs, const QJsonArray &customMode
     const QList<ReportLine> lines = m_report.update(jobs, customModels);
     for (const ReportLine &line : lines)
         printLine(line);
-    if (jobs.engineBroken && !jobs.loaded) {
+    if (jobs.engineBroken) {
         showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
         m_isOver = true;
         Q_EMIT finished(1);

@@ -1,4 +1,5 @@
 #include "list/Describe.h"
+#include "list/RowLook.h"
 
 #include "support/Support.h"
 
@@ -116,13 +117,12 @@ INSTANTIATE_TEST_SUITE_P(Work, DescribeTable, testing::ValuesIn(workCases), test
 INSTANTIATE_TEST_SUITE_P(End, DescribeTable, testing::ValuesIn(endCases), test::caseName);
 INSTANTIATE_TEST_SUITE_P(Ready, DescribeTable, testing::ValuesIn(readyCases), test::caseName);
 
-TEST(ToneOf, IsAttentionForFailedGoodForReadyPlainForEverythingElse)
+TEST(DetailTone, IsAttentionForFailedGoodForReadySlateForEverythingElse)
 {
-    EXPECT_EQ(ToneOf(test::object(R"({"status":"failed"})")), DetailTone::Attention);
-    EXPECT_EQ(ToneOf(test::object(R"({"status":"ready"})")), DetailTone::Good);
-    for (const QByteArray &row : {QByteArray(R"({"status":"cancelled"})"), QByteArray(R"({"status":"transcribing"})"),
-                                  QByteArray(R"({"status":"waiting"})"), QByteArray("{}"), QByteArray(R"({"status":null})")})
-        EXPECT_EQ(ToneOf(test::object(row)), DetailTone::Plain) << row.toStdString();
+    EXPECT_EQ(DetailToneFor(u"failed"_s), DetailTone::Attention);
+    EXPECT_EQ(DetailToneFor(u"ready"_s), DetailTone::Good);
+    for (const QString &status : {u"cancelled"_s, u"transcribing"_s, u"waiting"_s, QString()})
+        EXPECT_EQ(DetailToneFor(status), DetailTone::Slate) << status.toStdString();
 }
 
 struct SummaryCase

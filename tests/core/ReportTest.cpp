@@ -141,6 +141,25 @@ TEST_F(ReportTest, JobWithAnotherTitleIsTakenForTheFileThatWaitsForOne)
     EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
 }
 
+TEST_F(ReportTest, FileTakenBeforeTheFirstHistoryGetsTheJobOfItsTitle)
+{
+    handOver(u"/x/talk.m4a"_s);
+    load(R"([{"id":"old","title":"talk","status":"ready","call_dir":"/old"},{"id":"other","title":"other","status":"ready"},)"
+         R"({"id":"new","title":"talk","status":"queued"}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Starting…"_s});
+    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    ASSERT_EQ(m_report.files().size(), 1);
+    EXPECT_EQ(m_report.files().first().jobId, u"new"_s);
+}
+
+TEST_F(ReportTest, FileTakenBeforeTheFirstHistoryGetsNoJobOfAnotherTitle)
+{
+    handOver(u"/x/talk.m4a"_s);
+    load(R"([{"id":"old","title":"other","status":"ready"}])");
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList{u"talk"_s});
+}
+
 TEST_F(ReportTest, JobOfSomebodyElseIsNotFollowed)
 {
     load("[]");

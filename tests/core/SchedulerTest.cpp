@@ -120,8 +120,10 @@ TEST(MayStartNext, WithoutAnEngineTheFilesKeepWaiting)
 {
     JobsState jobs = idle();
     jobs.engineBroken = true;
-    jobs.loaded = false;
-    EXPECT_FALSE(MayStartNext(jobs));
+    for (const bool loaded : {false, true}) {
+        jobs.loaded = loaded;
+        EXPECT_FALSE(MayStartNext(jobs)) << loaded;
+    }
 }
 
 TEST(FailureDetail, IsTheLastLineWithoutPrefixesAndBlanks)

@@ -62,6 +62,13 @@ ScriptedEngine::ScriptedEngine()
     answer(u"models"_s, {R"({"custom":[]})"});
 }
 
+ScriptedEngine::~ScriptedEngine()
+{
+    // A script that is still at work may put a file into a folder that is being removed.
+    m_root.setAutoRemove(false);
+    waitFor([this] { return QDir(m_root.path()).removeRecursively(); });
+}
+
 QString ScriptedEngine::path(const QString &relative) const
 {
     return m_root.filePath(relative);

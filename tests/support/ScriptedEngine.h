@@ -33,6 +33,7 @@ class ScriptedEngine
 {
 public:
     ScriptedEngine();
+    ~ScriptedEngine();
     Q_DISABLE_COPY(ScriptedEngine)
 
     QString path(const QString &relative) const;  ///< in the folder that holds the home

@@ -9,7 +9,8 @@
 
 namespace engine {
 
-// One word of the command line. `run` returns the exit status and throws Failure for everything that goes wrong.
+// One word of the command line. `run` returns the exit status and throws Failure for everything that goes
+// wrong.
 struct Command
 {
     QStringView name;

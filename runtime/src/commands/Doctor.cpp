@@ -1,8 +1,8 @@
 #include "commands/Command.h"
 
+#include "core/ChildProgram.h"
 #include "core/Failure.h"
 #include "core/Files.h"
-#include "core/ChildProgram.h"
 #include "store/Settings.h"
 
 #include <QFileInfo>
@@ -21,7 +21,7 @@ namespace engine::commands {
 
 namespace {
 
-constexpr qint64 roomForWork = qint64(200) << 20;
+constexpr qint64 roomForWork = qint64(100) << 20;
 constexpr int selfTestLimitMs = 30000;
 
 struct Check
@@ -51,10 +51,12 @@ Check program(const QString &name, const QString &executable)
 // The worker looks at itself, because only it is linked with what decodes and recognises.
 void appendWorkerChecks(std::vector<Check> &checks)
 {
-    const ProgramResult result = runProgram(executableFolder() + u"/tuppi-engine-worker"_s, {u"--check"_s}, selfTestLimitMs);
+    const ProgramResult result =
+        runProgram(executableFolder() + u"/tuppi-engine-worker"_s, {u"--check"_s}, selfTestLimitMs);
     const QJsonObject found = QJsonDocument::fromJson(result.output).object();
     const auto trouble = [&](QStringView part) {
-        return found.contains(part) ? found[part].toString() : u"The worker program does not run. Install the engine again."_s;
+        return found.contains(part) ? found[part].toString()
+                                    : u"The worker program does not run. Install the engine again."_s;
     };
     checks.push_back({u"Speech recogniser (PocketSphinx, English)"_s, false, trouble(u"recogniser")});
     checks.push_back({u"Decoding of audio and video (FFmpeg)"_s, false, trouble(u"decoding")});
@@ -78,6 +80,7 @@ void appendStoreChecks(std::vector<Check> &checks)
         database.emplace(Paths::ofThisUser());
         if (const QString verdict = database->integrity(); verdict != u"ok")
             throw Failure(u"The list of transcripts is damaged: "_s + verdict);
+        Transaction writing(*database); // the store may be open for reading alone
         library = libraryFolder(*database);
     }));
     checks.push_back(check(u"Transcripts folder can be written"_s, [&] {
@@ -94,7 +97,8 @@ QByteArray asJson(const std::vector<Check> &checks)
 {
     QJsonArray list;
     for (const Check &one : checks) {
-        QJsonObject object{{u"check"_s, one.name}, {u"ok"_s, one.trouble.isEmpty()}, {u"optional"_s, one.optional}};
+        QJsonObject object{
+            {u"check"_s, one.name}, {u"ok"_s, one.trouble.isEmpty()}, {u"optional"_s, one.optional}};
         if (!one.trouble.isEmpty())
             object[u"detail"] = one.trouble;
         list.append(object);

@@ -3,6 +3,7 @@
 #include "store/Jobs.h"
 #include "store/Settings.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -36,16 +37,18 @@ int history(const Arguments &arguments)
 {
     Database database(Paths::ofThisUser());
     if (!arguments.has(u"--json")) {
-        forEachEntry(database, [](const QByteArray &entry) {
-            printLine(lineFor(QJsonDocument::fromJson(entry).object()));
+        forEachEntries(database, [](const QByteArray &entries) {
+            const QJsonArray list = QJsonDocument::fromJson('[' + entries + ']').array();
+            for (const QJsonValue &entry : list)
+                printLine(lineFor(entry.toObject()));
         });
         return 0;
     }
     // Entries go out as the store keeps them: ten thousand of them cost little more than copying the bytes.
     QByteArray separator = "[";
-    forEachEntry(database, [&separator](const QByteArray &entry) {
+    forEachEntries(database, [&separator](const QByteArray &entries) {
         print(separator);
-        print(entry);
+        print(entries);
         separator = ",\n";
     });
     print(separator == "[" ? "[]\n" : "]\n");

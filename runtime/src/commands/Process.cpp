@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -25,8 +26,9 @@ QString engineChoice(const Arguments &arguments)
     const QString choice = arguments.value(u"--engine", u"auto"_s);
     const bool custom = choice.startsWith(u"custom:") && choice.size() > 7;
     if (!custom && !known.contains(choice))
-        throw usageFailure(u"“"_s + choice + u"” is not a speech model. Choose auto, parakeet, whisper, "
-                                             "whisper-large or custom:ID."_s);
+        throw usageFailure(u"“"_s + choice +
+                           u"” is not a speech model. Choose auto, parakeet, whisper, "
+                           "whisper-large or custom:ID."_s);
     return choice;
 }
 
@@ -71,7 +73,8 @@ void record(Database &database, const Recording &recording, Job &job)
     announceChange(database.paths());
 }
 
-// Works as long as the job is unfinished, whoever works on it, and tells how far it is on standard error.
+// Works as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it
+// is.
 Job waitForEnd(Database &database, const QString &id)
 {
     QString shown;
@@ -82,7 +85,8 @@ Job waitForEnd(Database &database, const QString &id)
             return job.value_or(Job());
         if (const QString now = job->status + u' ' + job->progress; now != shown) {
             shown = now;
-            std::fprintf(stderr, "%s\n", now.trimmed().toUtf8().constData());
+            if (::isatty(STDERR_FILENO))
+                std::fprintf(stderr, "%s\n", now.trimmed().toUtf8().constData());
         }
         if (worker > 0 && ::waitpid(worker, nullptr, WNOHANG) != 0)
             worker = -1;

@@ -13,7 +13,11 @@ namespace {
 class Reader
 {
 public:
-    Reader(const Syntax &syntax, const QStringList &given) : m_syntax(syntax), m_given(given) {}
+    Reader(const Syntax &syntax, const QStringList &given)
+        : m_syntax(syntax)
+        , m_given(given)
+    {
+    }
 
     Arguments read()
     {

@@ -78,7 +78,8 @@ void syncFolder(const QString &path)
 qint64 roomAt(const QString &path)
 {
     struct statvfs info
-    {};
+    {
+    };
     if (::statvfs(QFile::encodeName(path).constData(), &info) != 0)
         return -1;
     return qint64(info.f_bavail) * qint64(info.f_frsize);

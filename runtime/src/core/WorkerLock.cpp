@@ -32,7 +32,8 @@ bool WorkerLock::tryTake()
 void WorkerLock::signOwner()
 {
     const QByteArray pid = QByteArray::number(::getpid()) + '\n';
-    if (::ftruncate(m_file.get(), 0) == 0 && ::pwrite(m_file.get(), pid.constData(), size_t(pid.size()), 0) < 0)
+    if (::ftruncate(m_file.get(), 0) == 0 &&
+        ::pwrite(m_file.get(), pid.constData(), size_t(pid.size()), 0) < 0)
         errno = 0; // a full disk is no reason not to work
 }
 

@@ -71,7 +71,8 @@ pid_t launch(bool detached)
         error = EAGAIN;
     }
     if (failed)
-        throw systemFailure(u"The worker “"_s + QFile::decodeName(program) + u"” could not be started"_s, error);
+        throw systemFailure(u"The worker “"_s + QFile::decodeName(program) + u"” could not be started"_s,
+                            error);
     return child;
 }
 
@@ -86,7 +87,8 @@ bool workerIsWorking(const Paths &paths)
 void requireWorker()
 {
     if (::access(QFile::encodeName(workerProgram()).constData(), X_OK) != 0)
-        throw Failure(u"The engine is not complete: “"_s + workerProgram() + u"” is missing. Install it again."_s);
+        throw Failure(u"The engine is not complete: “"_s + workerProgram() +
+                      u"” is missing. Install it again."_s);
 }
 
 void startWorker(const Paths &paths)

@@ -47,7 +47,8 @@ QString safeTitle(const QString &title)
 {
     QString safe;
     for (const QChar c : title)
-        safe += QStringView(u"/:\\?*\"<>|").contains(c) || c.category() == QChar::Other_Control ? QChar(u'-') : c;
+        safe +=
+            QStringView(u"/:\\?*\"<>|").contains(c) || c.category() == QChar::Other_Control ? QChar(u'-') : c;
     safe = safe.simplified();
     while (safe.toUtf8().size() > longestTitleBytes)
         safe.chop(safe.back().isLowSurrogate() ? 2 : 1);
@@ -69,7 +70,10 @@ NewCallDir::NewCallDir(const QString &library)
         throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
     m_folder = QFile::decodeName(folder);
     m_lock = lockFolder(m_folder);
-    ::chmod(folder.constData(), 0755);
+    // As open to others as this user's folders are, and no more.
+    const mode_t mask = ::umask(077);
+    ::umask(mask);
+    ::chmod(folder.constData(), 0777 & ~mask);
 }
 
 NewCallDir::~NewCallDir()
@@ -82,9 +86,9 @@ QString NewCallDir::take(const Recording &recording)
 {
     const qint64 room = roomAt(m_library);
     if (room >= 0 && room < recording.size + roomToSpare) {
-        throw Failure(u"There is not enough room in “"_s + m_library + u"” for a copy of the recording: it needs "_s
-                      + sizeText(recording.size + roomToSpare) + u" and "_s + sizeText(room)
-                      + u" are free. Make room or choose another folder."_s);
+        throw Failure(u"There is not enough room in “"_s + m_library +
+                      u"” for a copy of the recording: it needs "_s + sizeText(recording.size + roomToSpare) +
+                      u" and "_s + sizeText(room) + u" are free. Make room or choose another folder."_s);
     }
     const QString technical = m_folder + u'/' + CallDirNames::technical;
     makeFolder(technical, u"The transcript's folder could not be made"_s);

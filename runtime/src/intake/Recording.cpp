@@ -27,8 +27,8 @@ QString safeExtension(const QString &path)
 {
     const QString suffix = QFileInfo(path).suffix().toLower();
     const bool plain = suffix.size() <= 8 && std::ranges::all_of(suffix, [](QChar c) {
-        return (c >= u'a' && c <= u'z') || (c >= u'0' && c <= u'9');
-    });
+                           return (c >= u'a' && c <= u'z') || (c >= u'0' && c <= u'9');
+                       });
     return plain ? suffix : QString();
 }
 
@@ -60,7 +60,8 @@ void copyBytes(int from, int to, const QString &doing)
     for (;;) {
         const ssize_t count = ::copy_file_range(from, nullptr, to, nullptr, blockSize * 16, 0);
         if (count == 0)
-            return copyByHand(from, to, doing); // some file systems say 0 for files that they make up on reading
+            return copyByHand(from, to,
+                              doing); // some file systems say 0 for files that they make up on reading
         if (count > 0 || errno == EINTR)
             continue;
         if (errno == ENOSPC || errno == EDQUOT || errno == EIO)
@@ -82,7 +83,8 @@ Recording openRecording(const QString &path)
     if (!recording.file.valid() && errno == ENOENT)
         throw Failure(u"The file "_s + named + u" is not there any more."_s);
     struct stat info
-    {};
+    {
+    };
     if (!recording.file.valid() || ::fstat(recording.file.get(), &info) != 0)
         throw systemFailure(u"The file "_s + named + u" could not be read"_s, errno);
     if (S_ISDIR(info.st_mode))

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
 
 #include <algorithm>
 #include <array>
@@ -111,8 +112,8 @@ void AudioReader::Private::openDecoder()
     m_codec.reset(::avcodec_alloc_context3(codec));
     m_codec->pkt_timebase = m_stream->time_base;
     m_codec->thread_count = 1; // the recogniser forks, and a fork copies no threads
-    if (::avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar) < 0
-        || ::avcodec_open2(m_codec.get(), codec, nullptr) < 0)
+    if (::avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar) < 0 ||
+        ::avcodec_open2(m_codec.get(), codec, nullptr) < 0)
         throw unreadable(u"its kind of sound is not known here."_s);
 }
 
@@ -154,8 +155,8 @@ bool AudioReader::Private::nextFrame()
 
 void AudioReader::Private::prepareResampler(AVFrame *frame)
 {
-    const bool same = m_resampler && m_rate == frame->sample_rate && m_sampleFormat == frame->format
-        && ::av_channel_layout_compare(&m_layout.value, &frame->ch_layout) == 0;
+    const bool same = m_resampler && m_rate == frame->sample_rate && m_sampleFormat == frame->format &&
+                      ::av_channel_layout_compare(&m_layout.value, &frame->ch_layout) == 0;
     if (same)
         return;
     AVChannelLayout mono = AV_CHANNEL_LAYOUT_MONO;
@@ -233,7 +234,8 @@ size_t AudioReader::read(std::span<int16_t> samples)
             continue;
         }
         const size_t count = std::min(wanted, m_private->pending.size() - m_private->pendingAt);
-        std::memcpy(samples.data() + filled, m_private->pending.data() + m_private->pendingAt, count * sizeof(int16_t));
+        std::memcpy(samples.data() + filled, m_private->pending.data() + m_private->pendingAt,
+                    count * sizeof(int16_t));
         m_private->pendingAt += count;
         filled += count;
     }
@@ -245,7 +247,8 @@ void AudioReader::skip(int64_t count)
 {
     std::array<int16_t, 8192> dropped;
     while (count > 0) {
-        const size_t got = read(std::span(dropped).first(size_t(std::min<int64_t>(count, int64_t(dropped.size())))));
+        const size_t got =
+            read(std::span(dropped).first(size_t(std::min<int64_t>(count, int64_t(dropped.size())))));
         if (got == 0)
             return;
         count -= int64_t(got);
@@ -263,14 +266,18 @@ std::optional<double> AudioReader::durationSeconds() const
 std::optional<QDateTime> AudioReader::recordedAt() const
 {
     for (const AVDictionary *tags : {m_private->format()->metadata, m_private->stream()->metadata}) {
-        for (const char *name : {"com.apple.quicktime.creationdate", "creation_time", "date"}) {
-            const AVDictionaryEntry *tag = ::av_dict_get(tags, name, nullptr, 0);
-            if (!tag)
-                continue;
+        const auto tag = [tags](const char *name) {
+            const AVDictionaryEntry *entry = ::av_dict_get(tags, name, nullptr, 0);
+            return entry ? QString::fromUtf8(entry->value) : QString();
+        };
+        // Field recorders write the day and the hour apart.
+        const QStringList texts{tag("com.apple.quicktime.creationdate"), tag("creation_time"), tag("date"),
+                                tag("date") + u'T' + tag("creation_time")};
+        for (const QString &text : texts) {
             // A year alone, as music files have it, is no time of recording.
-            const QDateTime time = QDateTime::fromString(QString::fromUtf8(tag->value), Qt::ISODateWithMs);
-            const bool plausible = time.isValid() && std::strchr(tag->value, ':') && time.date().year() > 1971
-                && time <= QDateTime::currentDateTime().addDays(1);
+            const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
+            const bool plausible = time.isValid() && text.contains(u':') && time.date().year() > 1971 &&
+                                   time <= QDateTime::currentDateTime().addDays(1);
             if (plausible)
                 return time;
         }
@@ -280,11 +287,13 @@ std::optional<QDateTime> AudioReader::recordedAt() const
 
 QString decodingTrouble()
 {
-    static constexpr std::array needed{AV_CODEC_ID_AAC, AV_CODEC_ID_MP3, AV_CODEC_ID_FLAC, AV_CODEC_ID_VORBIS,
-                                       AV_CODEC_ID_OPUS, AV_CODEC_ID_ALAC, AV_CODEC_ID_PCM_S16LE, AV_CODEC_ID_PCM_S16BE};
+    static constexpr std::array needed{AV_CODEC_ID_AAC,       AV_CODEC_ID_MP3,      AV_CODEC_ID_FLAC,
+                                       AV_CODEC_ID_VORBIS,    AV_CODEC_ID_OPUS,     AV_CODEC_ID_ALAC,
+                                       AV_CODEC_ID_PCM_S16LE, AV_CODEC_ID_PCM_S16BE};
     for (const AVCodecID id : needed) {
         if (!::avcodec_find_decoder(id))
-            return u"The FFmpeg libraries here cannot decode %1."_s.arg(QString::fromUtf8(::avcodec_get_name(id)));
+            return u"The FFmpeg libraries here cannot decode %1."_s.arg(
+                QString::fromUtf8(::avcodec_get_name(id)));
     }
     return {};
 }

@@ -13,8 +13,8 @@ namespace engine {
 inline constexpr int sampleRate = 16000; // per second; what the recognisers want
 
 // Reads the sound of a recording as 16 kHz mono, 16 bits, in order and in bounded memory, whatever the file's
-// own form. The same file always gives the same samples. Damaged parts are skipped; a file that ends too early
-// simply ends. Nothing but the file itself is read, also when it refers to other files or addresses.
+// own form. The same file always gives the same samples. Damaged parts are skipped; a file that ends too
+// early simply ends. Nothing but the file itself is read, also when it refers to other files or addresses.
 class AudioReader
 {
 public:

@@ -12,7 +12,7 @@ namespace {
 // All counts are frames of 10 ms, all levels decibels above one unit of the sample.
 constexpr int64_t lookAround = 3000;
 constexpr int64_t thresholdEvery = 10;
-constexpr int smallestRange = 9;    // less between quiet and loud is noise without speech
+constexpr int smallestRange = 9; // less between quiet and loud is noise without speech
 constexpr int loudToStart = 3;
 constexpr int64_t padBefore = 15;
 constexpr int64_t padAfter = 20;

@@ -44,9 +44,8 @@ std::vector<Cue> cues(const std::vector<Segment> &segments)
             continue;
         bool open = false;
         for (const Word &word : *segment.words) {
-            const bool full = open
-                && (found.back().text.size() + word.text.size() >= longestCue
-                    || word.endMs - found.back().startMs > longestCueMs);
+            const bool full = open && (found.back().text.size() + word.text.size() >= longestCue ||
+                                       word.endMs - found.back().startMs > longestCueMs);
             if (!open || full) {
                 found.push_back({word.startMs, word.endMs, word.text});
                 open = true;
@@ -92,8 +91,8 @@ QByteArray subRipFile(const std::vector<Segment> &segments)
     QString text;
     int number = 0;
     for (const Cue &cue : cues(segments))
-        text += u"%1\n"_s.arg(++number) + fineClock(cue.startMs, u',') + u" --> "_s + fineClock(cue.endMs, u',')
-            + u'\n' + cue.text + u"\n\n"_s;
+        text += u"%1\n"_s.arg(++number) + fineClock(cue.startMs, u',') + u" --> "_s +
+                fineClock(cue.endMs, u',') + u'\n' + cue.text + u"\n\n"_s;
     return text.toUtf8();
 }
 
@@ -101,8 +100,8 @@ QByteArray webVttFile(const std::vector<Segment> &segments)
 {
     QString text = u"WEBVTT\n\n"_s;
     for (const Cue &cue : cues(segments))
-        text += fineClock(cue.startMs, u'.') + u" --> "_s + fineClock(cue.endMs, u'.') + u'\n'
-            + cue.text.toHtmlEscaped() + u"\n\n"_s;
+        text += fineClock(cue.startMs, u'.') + u" --> "_s + fineClock(cue.endMs, u'.') + u'\n' +
+                cue.text.toHtmlEscaped() + u"\n\n"_s;
     return text.toUtf8();
 }
 
@@ -136,11 +135,13 @@ QByteArray segmentsFile(const Job &job, const std::vector<Segment> &segments)
 QByteArray summaryFile(const Job &job, const Summary &summary, const QString &fullText)
 {
     const auto seconds = qint64(job.durationSeconds.value_or(0));
-    QString text = u"---\ntitle: "_s + quoted(job.title) + u"\ndate: "_s + job.recordedAt + u"\nduration: "_s
-        + quoted(clock(seconds * 1000)) + u"\nlanguage: "_s + job.language + u"\nrecogniser: "_s
-        + quoted(job.recogniser) + u"\nsummary: \"extracted\"\nspeakers: []\n---\n"_s;
+    QString text = u"---\ntitle: "_s + quoted(job.title) + u"\ndate: "_s + job.recordedAt +
+                   u"\nduration: "_s + quoted(clock(seconds * 1000)) + u"\nlanguage: "_s + job.language +
+                   u"\nrecogniser: "_s + quoted(job.recogniser) +
+                   u"\nsummary: \"extracted\"\nspeakers: []\n---\n"_s;
     text += u"# "_s + job.title + u"\n\n## Summary\n\n"_s;
-    text += u"*No text model was used: these sentences were picked from the transcript as they were spoken.*\n\n"_s;
+    text +=
+        u"*No text model was used: these sentences were picked from the transcript as they were spoken.*\n\n"_s;
     text += bulletList(summary.sentences, u"- "_s);
     text += u"\n## Tasks\n\n"_s;
     text += summary.tasks.isEmpty() ? u"None were found.\n"_s : bulletList(summary.tasks, u"- [ ] "_s);

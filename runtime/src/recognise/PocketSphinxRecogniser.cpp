@@ -59,20 +59,22 @@ void PocketSphinxRecogniser::prepare()
     const QByteArray dictionary = QFile::encodeName(m_model.dictionary);
     // Silence stays in, so that the times of words hold; cutting at pauses is done before.
     cmd_ln_t *settings = ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", acoustic.constData(), "-lm",
-                                       words.constData(), "-dict", dictionary.constData(), "-samprate", "16000",
-                                       "-remove_silence", "no", "-logfn", "/dev/null", nullptr);
+                                       words.constData(), "-dict", dictionary.constData(), "-samprate",
+                                       "16000", "-remove_silence", "no", "-logfn", "/dev/null", nullptr);
     m_decoder.reset(settings ? ::ps_init(settings) : nullptr);
     if (settings)
         ::cmd_ln_free_r(settings);
     if (!m_decoder)
-        throw Failure(u"The speech model in “"_s + m_model.acoustic + u"” could not be loaded. Install it again."_s);
+        throw Failure(u"The speech model in “"_s + m_model.acoustic +
+                      u"” could not be loaded. Install it again."_s);
 }
 
 std::vector<Word> PocketSphinxRecogniser::recognise(std::span<const int16_t> samples)
 {
     ps_decoder_t *decoder = m_decoder.get();
-    const bool heard = ::ps_start_stream(decoder) == 0 && ::ps_start_utt(decoder) == 0
-        && ::ps_process_raw(decoder, samples.data(), samples.size(), FALSE, TRUE) >= 0 && ::ps_end_utt(decoder) == 0;
+    const bool heard = ::ps_start_stream(decoder) == 0 && ::ps_start_utt(decoder) == 0 &&
+                       ::ps_process_raw(decoder, samples.data(), samples.size(), FALSE, TRUE) >= 0 &&
+                       ::ps_end_utt(decoder) == 0;
     if (!heard)
         throw Failure(u"The speech recogniser stopped with an error."_s);
     std::vector<Word> words;

@@ -12,8 +12,8 @@
 namespace engine {
 
 // What turns speech into words. One implementation per engine; `recognise` runs in a forked child, so it may
-// crash or be killed without harm, and what it keeps in memory is forgotten afterwards: the words of a segment
-// depend on that segment alone.
+// crash or be killed without harm, and what it keeps in memory is forgotten afterwards: the words of a
+// segment depend on that segment alone.
 class Recogniser
 {
 public:

@@ -5,9 +5,12 @@
 #include "store/Schema.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
+#include <QUrl>
 
 #include <atomic>
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 
@@ -17,7 +20,16 @@ namespace engine {
 
 namespace {
 
-enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, CannotOpen = 14, NotADatabase = 26 };
+enum SqliteCode {
+    Busy = 5,
+    Locked = 6,
+    ReadOnly = 8,
+    InputOutput = 10,
+    Corrupt = 11,
+    Full = 13,
+    CannotOpen = 14,
+    NotADatabase = 26
+};
 
 QString nextConnectionName()
 {
@@ -33,14 +45,16 @@ Failure storeFailure(const QSqlError &error, const Paths &paths)
     const QString where = u" (“"_s + paths.database + u"”)"_s;
     switch (code) {
     case Full:
-        return Failure(u"The list of transcripts could not be written: the disk is full. Make room and try again."_s);
+        return Failure(
+            u"The list of transcripts could not be written: the disk is full. Make room and try again."_s);
     case ReadOnly:
-        return Failure(u"The list of transcripts can only be read, not written"_s + where
-                       + u". Check the disk and who may write there."_s);
+        return Failure(u"The list of transcripts can only be read, not written"_s + where +
+                       u". Check the disk and who may write there."_s);
     case Corrupt:
     case NotADatabase:
-        return Failure(u"The list of transcripts is damaged and was left as it is"_s + where
-                       + u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
+        return Failure(
+            u"The list of transcripts is damaged and was left as it is"_s + where +
+            u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
     case Busy:
     case Locked:
         return Failure(u"The list of transcripts is in use by another program for too long. Try again."_s);
@@ -57,13 +71,15 @@ Database::Database(const Paths &paths)
     : m_paths(paths)
     , m_name(nextConnectionName())
 {
-    makeFolder(paths.store, u"The engine's folder “"_s + paths.store + u"” could not be made"_s);
     try {
-        open();
+        makeFolder(paths.store, u"The engine's folder “"_s + paths.store + u"” could not be made"_s);
+        open(paths.database, u"QSQLITE_BUSY_TIMEOUT=15000"_s);
         migrate();
-    } catch (...) {
+    } catch (const Failure &failure) {
         close();
-        throw;
+        if (!m_unwritable)
+            throw;
+        openForReading(failure);
     }
 }
 
@@ -72,15 +88,35 @@ Database::~Database()
     close();
 }
 
-void Database::open()
+void Database::open(const QString &name, const QString &options)
 {
     QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_name);
-    database.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=15000"_s);
-    database.setDatabaseName(m_paths.database);
+    database.setConnectOptions(options);
+    database.setDatabaseName(name);
     if (!database.open())
-        throw storeFailure(database.lastError(), m_paths);
+        throw failed(database.lastError());
     run(u"PRAGMA synchronous=FULL"_s);
     run(u"PRAGMA foreign_keys=ON"_s);
+}
+
+// Without a journal beside it the store is one file that can be read as it stands, where opening it for
+// writing would need room for a journal.
+void Database::openForReading(const Failure &why)
+{
+    const QFileInfo journal(m_paths.database + u"-wal"_s);
+    if (!QFileInfo::exists(m_paths.database) || (journal.exists() && journal.size() > 0))
+        throw why;
+    try {
+        const QByteArray name = QUrl::toPercentEncoding(m_paths.database, "/");
+        open(u"file:"_s + QString::fromLatin1(name) + u"?immutable=1"_s,
+             u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_s);
+        if (value(u"PRAGMA user_version"_s).toInt() == newestSchema())
+            return;
+    } catch (const Failure &) {
+        // The first reason is the one to tell.
+    }
+    close();
+    throw why;
 }
 
 void Database::close()
@@ -104,16 +140,23 @@ void Database::migrate()
     transaction.commit();
 }
 
+Failure Database::failed(const QSqlError &error)
+{
+    const int code = error.nativeErrorCode().toInt() & 0xff;
+    m_unwritable = code == ReadOnly || code == Full || code == InputOutput || code == CannotOpen;
+    return storeFailure(error, m_paths);
+}
+
 QSqlQuery Database::run(const QString &sql, std::initializer_list<QVariant> values)
 {
     QSqlQuery query(QSqlDatabase::database(m_name, false));
     query.setForwardOnly(true);
     if (!query.prepare(sql))
-        throw storeFailure(query.lastError(), m_paths);
+        throw failed(query.lastError());
     for (const QVariant &bound : values)
         query.addBindValue(bound);
     if (!query.exec())
-        throw storeFailure(query.lastError(), m_paths);
+        throw failed(query.lastError());
     return query;
 }
 

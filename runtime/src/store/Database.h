@@ -18,7 +18,8 @@ namespace engine {
 class Database
 {
 public:
-    // Opens the store, makes it when it is missing and brings an older one to the newest schema.
+    // Opens the store, makes it when it is missing and brings an older one to the newest schema. On a disk
+    // that is full or can only be read, a store that is whole is still read; writing then fails.
     explicit Database(const Paths &paths);
     ~Database();
     Database(const Database &) = delete;
@@ -36,12 +37,15 @@ public:
     QString integrity();
 
 private:
-    void open();
+    void open(const QString &name, const QString &options);
+    void openForReading(const Failure &why);
     void close();
     void migrate();
+    Failure failed(const QSqlError &error);
 
     Paths m_paths;
     QString m_name;
+    bool m_unwritable = false; // the last error came from a disk that cannot be written
 };
 
 // A write transaction: taken at once, so that what was read inside it still holds when it is written.

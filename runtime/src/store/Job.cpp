@@ -19,8 +19,8 @@ QJsonValue textOrNull(const QString &text)
 
 bool Job::unfinished() const
 {
-    return status == Status::queued || status == Status::transcribing || status == Status::cleaning
-        || status == Status::analyzing;
+    return status == Status::queued || status == Status::transcribing || status == Status::cleaning ||
+           status == Status::analyzing;
 }
 
 QByteArray historyEntry(const Job &job)

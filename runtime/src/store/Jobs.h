@@ -24,8 +24,8 @@ std::optional<Job> nextJob(Database &database);
 // The job that `status` tells of: the one being worked on, else the oldest unfinished, else the newest.
 std::optional<Job> latestJob(Database &database);
 
-// Every job's history entry, newest first, one at a time.
-void forEachEntry(Database &database, const std::function<void(const QByteArray &)> &take);
+// Every job's history entry, newest first and as of one moment, some hundreds at a time, joined by ",\n".
+void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take);
 
 // Reads the job, lets `change` alter it and writes it, in one transaction; then tells the watchers.
 // Throws Failure when there is no such job, and whatever `change` throws, with nothing written.

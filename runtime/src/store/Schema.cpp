@@ -50,6 +50,7 @@ void createFirstSchema(Database &database)
         number INTEGER NOT NULL,
         start_ms INTEGER NOT NULL,
         end_ms INTEGER NOT NULL,
+        attempts INTEGER NOT NULL DEFAULT 0,
         words BLOB,
         PRIMARY KEY (job, number)) WITHOUT ROWID)"_s);
     database.run(u"CREATE TABLE settings (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"_s);
@@ -69,7 +70,8 @@ void bringToNewest(Database &database)
 {
     const int found = database.value(u"PRAGMA user_version"_s).toInt();
     if (found > newestSchema())
-        throw Failure(u"The list of transcripts was written by a newer version of this program. Update it to go on."_s);
+        throw Failure(
+            u"The list of transcripts was written by a newer version of this program. Update it to go on."_s);
     for (int version = found; version < newestSchema(); ++version)
         migrations[size_t(version)](database);
     database.run(u"PRAGMA user_version = %1"_s.arg(newestSchema()));

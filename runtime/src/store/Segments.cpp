@@ -28,6 +28,12 @@ void planSegments(Database &database, qint64 job, const std::vector<Segment> &se
                      {job, segment.number, segment.startMs, segment.endMs});
 }
 
+void beginSegment(Database &database, qint64 job, int number)
+{
+    database.run(u"UPDATE segments SET attempts = attempts + 1 WHERE job = ? AND number = ?"_s,
+                 {job, number});
+}
+
 void keepSegment(Database &database, qint64 job, int number, const std::vector<Word> &words)
 {
     database.run(u"UPDATE segments SET words = ? WHERE job = ? AND number = ?"_s,

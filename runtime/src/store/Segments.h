@@ -36,6 +36,10 @@ struct Segment
 // Replaces the plan of a job. Inside the caller's transaction.
 void planSegments(Database &database, qint64 job, const std::vector<Segment> &segments);
 
+// Counts that work on the segment begins: what is recognised again, and how often, can be seen afterwards.
+// Inside the caller's transaction.
+void beginSegment(Database &database, qint64 job, int number);
+
 // Keeps what was recognised. Inside the caller's transaction.
 void keepSegment(Database &database, qint64 job, int number, const std::vector<Word> &words);
 

@@ -24,9 +24,10 @@ QString capitalised(QString word)
 bool alwaysCapital(const QString &word)
 {
     static const QSet<QString> words{
-        u"i"_s, u"i'm"_s, u"i'll"_s, u"i'd"_s, u"i've"_s, u"monday"_s, u"tuesday"_s, u"wednesday"_s, u"thursday"_s,
-        u"friday"_s, u"saturday"_s, u"sunday"_s, u"january"_s, u"february"_s, u"april"_s, u"june"_s, u"july"_s,
-        u"august"_s, u"september"_s, u"october"_s, u"november"_s, u"december"_s};
+        u"i"_s,         u"i'm"_s,       u"i'll"_s,     u"i'd"_s,     u"i've"_s,     u"monday"_s,
+        u"tuesday"_s,   u"wednesday"_s, u"thursday"_s, u"friday"_s,  u"saturday"_s, u"sunday"_s,
+        u"january"_s,   u"february"_s,  u"april"_s,    u"june"_s,    u"july"_s,     u"august"_s,
+        u"september"_s, u"october"_s,   u"november"_s, u"december"_s};
     return words.contains(word);
 }
 

@@ -21,12 +21,13 @@ constexpr qsizetype fewestWords = 4; // of a sentence that says something on its
 const QSet<QString> &commonWords()
 {
     static const QSet<QString> words = [] {
-        const QString list = u"a about after all also an and any are as at be because been but by can could did do does "
-                             "for from get go going got had has have he her here him his how i i'm if in into is it it's "
-                             "its just know like me more most my no not now of oh on one only or our out really right said "
-                             "say see she should so some than that that's the their them then there these they thing "
-                             "things think this those to too uh um up us very was we well were what when where which who "
-                             "why will with would yeah yes you your"_s;
+        const QString list =
+            u"a about after all also an and any are as at be because been but by can could did do does "
+            "for from get go going got had has have he her here him his how i i'm if in into is it it's "
+            "its just know like me more most my no not now of oh on one only or our out really right said "
+            "say see she should so some than that that's the their them then there these they thing "
+            "things think this those to too uh um up us very was we well were what when where which who "
+            "why will with would yeah yes you your"_s;
         const QStringList split = list.split(u' ');
         return QSet<QString>(split.begin(), split.end());
     }();
@@ -49,13 +50,17 @@ QSet<QString> tellingWords(const Sentence &sentence)
     return telling;
 }
 
-// How much a sentence shares with all the others, regardless of its length.
+// How much a sentence shares with all the others, regardless of its length. What is said again word for word
+// counts once: people repeat "yes, of course" more often than what they came to say.
 std::vector<double> scores(const std::vector<Sentence> &sentences)
 {
     std::vector<QSet<QString>> telling;
     QHash<QString, int> spread;
+    QSet<QString> said;
     for (const Sentence &sentence : sentences) {
-        telling.push_back(tellingWords(sentence));
+        const bool again = said.contains(sentence.text);
+        said.insert(sentence.text);
+        telling.push_back(again ? QSet<QString>() : tellingWords(sentence));
         for (const QString &word : telling.back())
             ++spread[word];
     }
@@ -73,7 +78,8 @@ std::vector<double> scores(const std::vector<Sentence> &sentences)
 bool speaksOfDuty(const Sentence &sentence)
 {
     static const QRegularExpression duty(
-        u"\\b(need(s)? to|have to|has to|must|should|ought to|i will|i'll|we will|we'll|you will|going to|please|"
+        u"\\b(need(s)? to|have to|has to|must|should|ought to|i will|i'll|we will|we'll|you will|going "
+        u"to|please|"
         "remember to|don't forget|make sure|let's|by (monday|tuesday|wednesday|thursday|friday|saturday|sunday))\\b"_s,
         QRegularExpression::CaseInsensitiveOption);
     return wordsOf(sentence).size() >= fewestWords && duty.match(sentence.text).hasMatch();

@@ -47,6 +47,14 @@ void JobControl::write(const std::function<void(Job &)> &change, const std::func
     m_job = job;
 }
 
+void JobControl::note(const std::function<void()> &within)
+{
+    Transaction transaction(m_database);
+    wanted();
+    within();
+    transaction.commit();
+}
+
 void JobControl::change(const std::function<void(Job &)> &change, const std::function<void()> &within)
 {
     write(change, within);

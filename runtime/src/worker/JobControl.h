@@ -31,6 +31,10 @@ public:
     void change(const std::function<void(Job &)> &change, const std::function<void()> &within = {});
     void progress(const std::function<void(Job &)> &change, const std::function<void()> &within = {});
 
+    // Writes something that belongs to the job but shows in no query. Throws JobDropped, with nothing
+    // written.
+    void note(const std::function<void()> &within);
+
 private:
     void write(const std::function<void(Job &)> &change, const std::function<void()> &within);
     Job wanted();

@@ -113,7 +113,7 @@ void JobRun::recogniseMissing()
     }
 }
 
-std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &segment)
+std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segment)
 {
     constexpr int64_t samplesPerMs = sampleRate / 1000;
     while (reader.position() < segment.startMs * samplesPerMs) {
@@ -125,23 +125,39 @@ std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &s
     }
     std::vector<int16_t> samples(size_t((segment.endMs - segment.startMs) * samplesPerMs));
     samples.resize(reader.read(samples));
-    for (int deaths = 0; deaths < mostDeaths; ++deaths) {
-        SegmentProcess process(*m_recogniser, samples, [this] { m_lock.abandonInChild(); });
-        SegmentProcess::State state = SegmentProcess::State::Running;
-        while (state == SegmentProcess::State::Running) {
-            state = process.wait(waitMs);
-            m_control.check();
-        }
-        if (state == SegmentProcess::State::Died)
-            continue;
-        std::vector<Word> words = process.words();
-        for (Word &word : words) {
-            word.startMs += segment.startMs;
-            word.endMs += segment.startMs;
-        }
-        return words;
+    return samples;
+}
+
+// Nothing when the child that did it has died.
+std::optional<std::vector<Word>> JobRun::tryRecognising(std::span<const int16_t> samples,
+                                                        const Segment &segment)
+{
+    m_control.note([&] { beginSegment(m_database, m_control.job().seq, segment.number); });
+    SegmentProcess process(*m_recogniser, samples, [this] { m_lock.abandonInChild(); });
+    SegmentProcess::State state = SegmentProcess::State::Running;
+    while (state == SegmentProcess::State::Running) {
+        state = process.wait(waitMs);
+        m_control.check();
     }
-    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(segment.startMs / 1000));
+    if (state == SegmentProcess::State::Died)
+        return std::nullopt;
+    std::vector<Word> words = process.words();
+    for (Word &word : words) {
+        word.startMs += segment.startMs;
+        word.endMs += segment.startMs;
+    }
+    return words;
+}
+
+std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &segment)
+{
+    const std::vector<int16_t> samples = samplesOf(reader, segment);
+    for (int deaths = 0; deaths < mostDeaths; ++deaths) {
+        if (std::optional<std::vector<Word>> words = tryRecognising(samples, segment))
+            return *std::move(words);
+    }
+    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(
+        segment.startMs / 1000));
 }
 
 void JobRun::finish()

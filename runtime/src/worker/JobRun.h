@@ -6,6 +6,9 @@
 #include "worker/JobControl.h"
 
 #include <functional>
+#include <optional>
+#include <span>
+#include <vector>
 
 namespace engine {
 
@@ -15,8 +18,8 @@ inline constexpr QStringView silenceError = u"Запис містить тишу
 // Gives the recogniser for a job, loaded or not; it stays the giver's.
 using RecogniserSource = std::function<Recogniser &(const Job &)>;
 
-// Takes one job from wherever it stands to "ready". Every finished step is in the store before the next begins,
-// so that a run cut off at any point is gone on with by the next.
+// Takes one job from wherever it stands to "ready". Every finished step is in the store before the next
+// begins, so that a run cut off at any point is gone on with by the next.
 class JobRun
 {
 public:
@@ -29,6 +32,8 @@ private:
     void plan();
     void recogniseMissing();
     std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
+    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
+    std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
     void finish();
     void enter(QStringView stage);
     QString audioPath() const;

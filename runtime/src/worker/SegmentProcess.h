@@ -21,7 +21,8 @@ public:
 
     // `inChild` runs first in the child, to let go of what must not outlive the parent. Throws Failure when
     // there can be no child.
-    SegmentProcess(Recogniser &recogniser, std::span<const int16_t> samples, const std::function<void()> &inChild);
+    SegmentProcess(Recogniser &recogniser, std::span<const int16_t> samples,
+                   const std::function<void()> &inChild);
 
     // Kills the child when it still runs.
     ~SegmentProcess();

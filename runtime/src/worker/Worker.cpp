@@ -77,7 +77,9 @@ std::optional<Job> Worker::takeJob()
 void Worker::work(const Job &job)
 {
     try {
-        JobRun(m_database, m_lock, job, [this](const Job &wanted) -> Recogniser & { return recogniserFor(wanted); }).run();
+        JobRun(m_database, m_lock, job, [this](const Job &wanted) -> Recogniser & {
+            return recogniserFor(wanted);
+        }).run();
     } catch (const JobDropped &) {
         putDown(job);
     } catch (const Failure &failure) {

@@ -6,7 +6,8 @@
 
 namespace engine {
 
-// Works off everything unfinished, one job at a time, as the only one of its kind; returns when nothing is left.
+// Works off everything unfinished, one job at a time, as the only one of its kind; returns when nothing is
+// left.
 class Worker
 {
 public:

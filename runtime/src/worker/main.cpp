@@ -26,7 +26,8 @@ QString recogniserTrouble()
 
 int check()
 {
-    const QJsonObject found{{u"recogniser"_s, recogniserTrouble()}, {u"decoding"_s, engine::decodingTrouble()}};
+    const QJsonObject found{{u"recogniser"_s, recogniserTrouble()},
+                            {u"decoding"_s, engine::decodingTrouble()}};
     const QByteArray answer = QJsonDocument(found).toJson(QJsonDocument::Compact) + '\n';
     return std::fwrite(answer.constData(), 1, size_t(answer.size()), stdout) == size_t(answer.size()) ? 0 : 1;
 }

@@ -1,0 +1,262 @@
+#!/usr/bin/env python3
+"""The command line as its callers know it: argument forms, replies, exit statuses."""
+
+import datetime
+import json
+import os
+import re
+
+from road import ACTIVE, ENDED, SENTENCES, RoadTest, main, several, until
+
+DATE = r"\A\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\Z"
+# Compared with a moment of the reader's: it must tell its zone.
+MOMENT = r"\A\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d+)?(Z|[+-]\d\d:\d\d)\Z"
+
+# Arguments that no caller may use: all exit with 2 and one line.
+WRONG = [
+    (),
+    ("",),
+    ("nonsense",),
+    ("--json",),
+    ("process",),
+    ("process", "--background"),
+    ("process", "{wav}", "{wav}"),
+    ("process", "{wav}", "--nonsense"),
+    ("process", "{wav}", "--background", "--engine"),
+    ("process", "{wav}", "--background", "--language"),
+    ("process", "{wav}", "--background", "--engine", ""),
+    ("process", "{wav}", "--background", "--language", ""),
+    ("process", "{wav}", "--speakers", "--no-speakers"),
+    ("history", "extra"),
+    ("history", "--nonsense"),
+    ("status", "extra"),
+    ("status", "--nonsense"),
+    ("settings", "extra"),
+    ("settings", "--nonsense"),
+    ("doctor", "extra"),
+    ("resume", "extra"),
+    ("pause",),
+    ("pause", "1", "2"),
+    ("continue",),
+    ("cancel",),
+    ("retry",),
+    ("retry", "--nonsense"),
+]
+
+
+class Contract(RoadTest):
+    def assert_entry(self, entry):
+        for key in ("id", "status", "title", "call_dir", "engine_choice", "language", "recorded_at"):
+            self.assertIsInstance(entry[key], str, key)
+            self.assertTrue(entry[key], key)
+        for key in ("paused", "hidden"):
+            self.assertIsInstance(entry[key], bool, key)
+        self.assertIn(entry["status"], (*ACTIVE, *ENDED, "paused"))
+        self.assertTrue(os.path.isabs(entry["call_dir"]))
+        self.assertRegex(entry["recorded_at"], DATE)
+        for key in ("error", "engine", "completed_at"):
+            self.assertIsInstance(entry.get(key), (str, type(None)), key)
+        self.assertEqual(entry["status"] == "failed", bool(entry.get("error")))
+        if entry["status"] in ("ready", "failed"):
+            self.assertRegex(entry["completed_at"], MOMENT)
+        if entry["status"] in ACTIVE:
+            self.assertIsNone(entry.get("completed_at"))
+        if entry.get("duration_seconds") is not None:
+            self.assertIsInstance(entry["duration_seconds"], (int, float))
+            self.assertNotIsInstance(entry["duration_seconds"], bool)
+            self.assertGreater(entry["duration_seconds"], 0)
+        self.assertNotRegex(entry.get("engine") or "", re.compile("parakeet|whisper", re.I))
+
+    def assert_status(self, status, jobs):
+        self.assertIsInstance(status, dict)
+        self.assertTrue(os.path.isabs(status["library"]))
+        if not jobs:
+            self.assertIsNone(status["latest_job"])
+            return
+        self.assertIn(status["latest_job"]["id"], jobs)
+        progress = status["latest_job"].get("progress")
+        if progress is not None:
+            self.assertRegex(progress, r"\A(\d+%|\d+/\d+)\Z")
+
+    def test_before_anything(self):
+        engine = self.engine()
+        # Nothing is there yet, not even the store.
+        self.assertEqual(engine.history(), [])
+        self.assert_status(engine.status(), [])
+        self.assertEqual(engine.status()["library"], engine.library)
+        self.assertEqual(json.loads(engine.ask("settings", "--json").out)["library"], engine.library)
+        self.assertEqual(engine.ask("resume").out, "")
+        self.assertFalse(engine.workers())
+
+    def test_every_form(self):
+        engine = self.engine()
+        path = self.recording(engine)
+        long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])
+        forms = [
+            ("--no-clean", "--no-analyze", "--speakers"),
+            ("--no-clean", "--no-analyze", "--no-speakers"),
+            ("--speakers",),
+            ("--no-speakers",),
+        ]
+        jobs = [engine.process(path, *form, engine=name, language=language)
+                for form, (name, language) in zip(forms, [("auto", "auto"), ("auto", "en")] * 2)]
+        states = set()
+
+        def ended():
+            history = engine.history()
+            for entry in history:
+                self.assert_entry(entry)
+                states.add(entry["status"])
+            self.assertEqual(sorted(e["id"] for e in history), sorted(jobs))
+            self.assert_status(engine.status(), jobs)
+            return all(e["status"] not in ACTIVE for e in history)
+
+        until(ended, lambda: f"the end of all: {states}")
+        self.assertIn("queued", states)
+        for job, language in zip(jobs, ("auto", "en", "auto", "en")):
+            entry = engine.wait(job, "ready")
+            self.assertEqual(entry["engine_choice"], "auto")
+            self.assertEqual(entry["language"], "en", f"asked for: {language}")
+
+        job = engine.process(long)
+        for command, field in (("pause", True), ("continue", False)):
+            reply = engine.ask(command, job)
+            self.assertIs(engine.job(job)["paused"], field, reply)
+            self.assert_entry(engine.job(job))
+        engine.ask("cancel", job)
+        self.assert_entry(engine.wait(job, "cancelled"))
+        engine.ask("retry", job)
+        self.assert_entry(engine.job(job))
+        engine.ask("resume")
+        self.assert_entry(engine.wait(job, "ready"))
+
+    def test_dates(self):
+        engine = self.engine()
+        engine.environment["TZ"] = "Asia/Tokyo"
+        path = self.recording(engine)
+        recorded = datetime.datetime(2020, 2, 3, 4, 5, 6, tzinfo=datetime.timezone(datetime.timedelta(hours=9)))
+        os.utime(path, (recorded.timestamp(),) * 2)
+        before = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
+        entry = engine.transcribe(path)
+        after = datetime.datetime.now(datetime.timezone.utc)
+        self.assertEqual(entry["recorded_at"], "2020-02-03T04:05:06")
+        self.assertRegex(entry["completed_at"], MOMENT)
+        completed = datetime.datetime.fromisoformat(entry["completed_at"].replace("Z", "+00:00"))
+        self.assertLessEqual(before, completed)
+        self.assertLessEqual(completed, after)
+
+    def test_settings(self):
+        engine = self.engine()
+        for library in ("records", "Записи  з пробілами", "it's \"quoted\" $HOME"):
+            library = os.path.join(engine.home, library)
+            engine.ask("settings", "--library=" + library, "--json")
+            self.assertEqual(json.loads(engine.ask("settings", "--json").out)["library"], library)
+            self.assertEqual(engine.status()["library"], library)
+        # A file stands in the way; a path that depends on where one stands.
+        kept = engine.status()["library"]
+        for wrong in (engine.path, "records", ""):
+            reply = engine.call("settings", "--library=" + wrong, "--json")
+            self.assertIn(reply.status, (1, 2), reply)
+            self.assert_one_line(reply, reply.status)
+            self.assertEqual(engine.status()["library"], kept)
+
+    def test_doctor(self):
+        engine = self.engine()
+        checks = json.loads(engine.ask("doctor", "--json").out)
+        self.assertIsInstance(checks, list)
+        self.assertTrue(checks)
+        for check in checks:
+            self.assertIsInstance(check["check"], str)
+            self.assertTrue(check["check"])
+            self.assertIsInstance(check["ok"], bool)
+            self.assertIsInstance(check["optional"], bool)
+        self.assertEqual([c for c in checks if not c["ok"] and not c["optional"]], [])
+
+    def test_wrong_arguments(self):
+        engine = self.engine()
+        path = self.recording(engine)
+        for arguments in WRONG:
+            arguments = [a.format(wav=path) for a in arguments]
+            with self.subTest(arguments):
+                self.assert_one_line(engine.call(*arguments), 2)
+        self.assertEqual(engine.history(), [])
+        self.assertEqual(engine.listing(), [])
+
+    def test_unknown_job(self):
+        engine = self.engine()
+        known = engine.transcribe(self.recording(engine))
+        for command in ("pause", "continue", "cancel", "retry"):
+            for job in ("nonsense", "999999", "", "1 OR 1=1", "'; DROP TABLE jobs; --", known["id"] + "0"):
+                with self.subTest(command=command, job=job):
+                    self.assert_one_line(engine.call(command, job), 1)
+        self.assertEqual(engine.history(), [known])
+
+    def test_damaged_store(self):
+        """Said, not mended by throwing it away."""
+        engine = self.engine()
+        path = self.recording(engine)
+        engine.transcribe(path)
+        until(lambda: not engine.processes(), "the end of the worker")
+        listing = engine.listing()
+        for name in os.listdir(os.path.dirname(engine.store)):
+            if name.startswith("jobs.sqlite-"):
+                os.remove(os.path.join(os.path.dirname(engine.store), name))
+        garbage = b"This is no list of transcripts.\n" * 500
+        with open(engine.store, "wb") as file:
+            file.write(garbage)
+        for command in (("history", "--json"), ("status", "--json"), ("resume",), ("pause", "1"),
+                        ("process", path, "--background", "--engine", "auto", "--language", "en", "--no-speakers")):
+            with self.subTest(command):
+                self.assert_one_line(engine.call(*command), 1)
+        with open(engine.store, "rb") as file:
+            self.assertEqual(file.read(), garbage)
+        self.assertEqual(engine.listing(), listing)
+
+    def test_other_locales(self):
+        engine = self.engine()
+        path = self.recording(engine, name="запис 🐈.wav")
+        engine.environment = {k: v for k, v in engine.environment.items()
+                              if k != "LANG" and not k.startswith("LC_")}
+        entry = engine.transcribe(path)
+        self.assertIn("запис 🐈", entry["title"])
+        engine.environment["LC_ALL"] = "C"
+        self.assertEqual(engine.history(), [entry])
+        engine.environment["LC_ALL"] = "C.UTF-8"
+        self.assertEqual(engine.history(), [entry])
+        self.assert_one_line(engine.call("pause", "nonsense"), 1)
+
+    def test_changed_file(self):
+        """Whoever watches the folder sees every change, and none where there was none."""
+        engine = self.engine()
+        path = self.recording(engine)
+        long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])
+        changed = os.path.join(engine.folder, "changed")
+
+        def state():
+            if not os.path.exists(changed):
+                return None
+            found = os.stat(changed)
+            return found.st_ino, found.st_mtime_ns
+
+        def replaced(action, name):
+            before = state()
+            result = action()
+            until(lambda: state() is not None and state() != before, f"a change after {name}")
+            return result
+
+        first = replaced(lambda: engine.process(path), "process")
+        replaced(lambda: engine.wait(first, "ready"), "the work")
+        job = engine.process(long)
+        for command in ("pause", "continue", "cancel", "retry"):
+            replaced(lambda command=command: engine.ask(command, job), command)
+        engine.wait(job, "ready")
+        replaced(lambda: engine.ask("settings", "--library=" + engine.home + "/other", "--json"), "settings")
+        until(lambda: engine.worker() is None, "the end of the worker")
+        before = state()
+        for command in (("history", "--json"), ("status", "--json"), ("settings", "--json"), ("doctor", "--json")):
+            engine.ask(*command)
+            self.assertEqual(state(), before, command)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,219 @@
+#!/usr/bin/env python3
+"""Disks that are full or read-only, at every time; and what happens when there is room again.
+
+Runs in a mount namespace of its own, so that the small disks go with the last process that sees them.
+"""
+
+import contextlib
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from road import ACTIVE, SENTENCES, RoadTest, main, several, steady, transcript, until
+
+MARK = "ROAD_MOUNTS"
+
+
+def enter_namespace():
+    """Runs this script again where it may mount; without that right the tests are skipped and say so."""
+    if MARK in os.environ:
+        return
+    unshare = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--map-root-user", "--mount"]
+    probe = subprocess.run([*unshare, "sh", "-c", "mount -t tmpfs -o size=64k tmpfs /mnt"], capture_output=True,
+                           text=True)
+    os.environ[MARK] = "" if probe.returncode == 0 else probe.stderr.strip() or "unshare failed"
+    if probe.returncode == 0:
+        os.execvp(unshare[0], [*unshare, sys.executable, *sys.argv])
+
+
+class Disk(RoadTest):
+    def setUp(self):
+        if os.environ[MARK]:
+            self.skipTest("no small disk can be mounted here: " + os.environ[MARK])
+
+    def mount(self, path, size):
+        os.makedirs(path, exist_ok=True)
+        subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size}", "tmpfs", path], check=True)
+        # Cleanups run backwards: the engine, made later, is closed before.
+        self.addCleanup(subprocess.run, ["umount", "--lazy", path], check=True)
+        return path
+
+    def engine_with_library(self, size):
+        disk = self.mount(os.path.join(self.folder(), "disk"), size)
+        engine = self.engine()
+        engine.library = os.path.join(disk, "calls")
+        os.mkdir(engine.library)
+        engine.ask("settings", "--library=" + engine.library, "--json")
+        return engine, disk
+
+    def folder(self):
+        holder = tempfile.TemporaryDirectory(prefix="road-disk-")
+        self.addCleanup(holder.cleanup)
+        return os.path.realpath(holder.name)
+
+    def fill(self, disk):
+        """Leaves not a byte; gives back the file that has taken it."""
+        path = os.path.join(disk, "filler")
+        with open(path, "ab", buffering=0) as file:
+            for size in (1 << 16, 4096, 1):
+                with contextlib.suppress(OSError):
+                    while True:
+                        file.write(b"\0" * size)
+        return path
+
+    def long(self, engine):
+        return several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])
+
+    def test_no_room_for_the_copy(self):
+        engine, disk = self.engine_with_library("128k")
+        path = self.long(engine)
+        self.assertGreater(os.path.getsize(path), 128 << 10)
+        self.print(self.refused(engine, path))
+        self.assertEqual(engine.listing(), [])
+        subprocess.run(["mount", "-o", "remount,size=8m", disk], check=True)
+        engine.transcribe(path)
+
+    def test_no_room_at_all(self):
+        engine, disk = self.engine_with_library("4m")
+        filler = self.fill(disk)
+        self.assertEqual(os.statvfs(disk).f_bavail, 0)
+        path = self.recording(engine)
+        self.print(self.refused(engine, path))
+        self.assertEqual(engine.listing(), [])
+        os.remove(filler)
+        engine.transcribe(path)
+
+    def test_full_before_the_results(self):
+        engine, disk = self.engine_with_library("8m")
+        path = self.long(engine)
+        expected = transcript(engine.transcribe(path))
+        job = engine.process(path)
+        engine.ask("pause", job)
+        steady(engine.ticks, "processor time of a paused job")
+        filler = self.fill(disk)
+        self.assertEqual(os.statvfs(disk).f_bavail, 0)
+        listing = engine.listing()
+        engine.ask("continue", job)
+        entry = engine.wait(job, "failed")
+        self.print(entry["error"])
+        self.assertRegex(entry["error"], r"\A[^\n]*\w[^\n]*\Z")
+        # No half file, under no name.
+        self.assertEqual(engine.listing(), listing)
+        with open(path, "rb") as original, open(self.audio(entry), "rb") as kept:
+            self.assertEqual(original.read(), kept.read())
+        kept, attempts = engine.kept(job), engine.attempts(job)
+        self.assertGreater(len(kept), 1)
+        os.remove(filler)
+        engine.ask("retry", job)
+        entry = engine.wait(job, "ready")
+        self.assertEqual(transcript(entry), expected)
+        self.assertEqual((engine.kept(job), engine.attempts(job)), (kept, attempts), "nothing is recognised again")
+
+    def test_full_everywhere(self):
+        """The store too stands on the full disk: the worker cannot even note that it failed."""
+        engine = self.engine(home=self.mount(os.path.join(self.folder(), "home"), "96m"))
+        path = self.long(engine)
+        expected = transcript(engine.transcribe(path))
+        job = engine.process(path)
+        engine.ask("pause", job)
+        steady(engine.ticks, "processor time of a paused job")
+        before = engine.kept(job)
+        # Continued with room, full a moment later: at whatever the worker is just then.
+        engine.ask("continue", job)
+        filler = self.fill(engine.home)
+        # It comes to rest: failed, or stuck without a worker, but never at full load for ever.
+        steady(lambda: (engine.worker(), engine.ticks()), "worker on a full disk", looks=40)
+        self.assertLessEqual(len(engine.workers()), 1)
+        # Looking needs no room, not even what the worker kept back for this.
+        self.fill(engine.home)
+        entry = engine.job(job)
+        self.assertEqual(engine.status()["library"], engine.library)
+        self.print(f"{entry['status']}: {entry['error']}")
+        self.assertNotEqual(entry["status"], "ready")
+        self.assertEqual(engine.kept(job)[:len(before)], before)
+        refused = engine.call("process", path, "--background", "--engine", "auto", "--language", "en")
+        self.assert_one_line(refused, 1)
+        self.assertEqual(len(engine.history()), 2)
+        os.remove(filler)
+        engine.ask("resume")
+        until(lambda: engine.job(job)["status"] not in ACTIVE, "the end of the job")
+        if engine.job(job)["status"] == "failed":
+            engine.ask("retry", job)
+        self.assertEqual(transcript(engine.wait(job, "ready")), expected)
+        engine.transcribe(self.recording(engine, name="next.wav"))
+
+    def test_read_only_library(self):
+        engine, disk = self.engine_with_library("8m")
+        path = self.recording(engine)
+        subprocess.run(["mount", "-o", "remount,ro", disk], check=True)
+        self.print(self.refused(engine, path))
+        self.assertEqual(engine.listing(), [])
+        subprocess.run(["mount", "-o", "remount,rw", disk], check=True)
+        engine.transcribe(path)
+
+    def test_read_only_everywhere(self):
+        engine = self.engine(home=self.mount(os.path.join(self.folder(), "home"), "96m"))
+        path = self.recording(engine)
+        engine.transcribe(path)
+        until(lambda: not engine.processes(), "the end of the worker")
+        history, status = engine.history(), engine.status()
+        subprocess.run(["mount", "-o", "remount,ro", engine.home], check=True)
+        self.assertEqual((engine.history(), engine.status()), (history, status))
+        reply = engine.call("process", path, "--background", "--engine", "auto", "--language", "en", "--no-speakers")
+        self.assert_one_line(reply, 1)
+        self.print(reply.err.strip())
+        self.assert_one_line(engine.call("retry", history[0]["id"]), 1)
+        subprocess.run(["mount", "-o", "remount,rw", engine.home], check=True)
+        self.assertEqual(engine.history(), history)
+        engine.transcribe(path)
+
+    def test_read_only_before_the_results(self):
+        engine, disk = self.engine_with_library("8m")
+        path = self.long(engine)
+        job = engine.process(path)
+        engine.ask("pause", job)
+        steady(engine.ticks, "processor time of a paused job")
+        subprocess.run(["mount", "-o", "remount,ro", disk], check=True)
+        engine.ask("continue", job)
+        self.print(engine.wait(job, "failed")["error"])
+        subprocess.run(["mount", "-o", "remount,rw", disk], check=True)
+        engine.ask("retry", job)
+        engine.wait(job, "ready")
+
+    def test_library_that_went_away(self):
+        engine, disk = self.engine_with_library("8m")
+        path = self.long(engine)
+        job = engine.process(path)
+        engine.ask("pause", job)
+        steady(engine.ticks, "processor time of a paused job")
+        # As when a stick is pulled out: something else (nothing) is seen in its place.
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", disk], check=True)
+        engine.ask("continue", job)
+        self.print(engine.wait(job, "failed")["error"])
+        subprocess.run(["umount", disk], check=True)
+        engine.ask("retry", job)
+        engine.wait(job, "ready")
+
+    def print(self, sentence):
+        print(f"{self._testMethodName}: {sentence}")
+
+
+class Permissions(RoadTest):
+    """The same without a mount, for whoever is not root."""
+
+    @unittest.skipIf(os.geteuid() == 0, "root may write everywhere")
+    def test_read_only_library(self):
+        engine = self.engine()
+        os.makedirs(engine.library)
+        path = self.recording(engine)
+        os.chmod(engine.library, 0o555)
+        print(f"read-only: {self.refused(engine, path)}")
+        os.chmod(engine.library, 0o755)
+        engine.transcribe(path)
+
+
+if __name__ == "__main__":
+    enter_namespace()
+    main()

@@ -1,0 +1,89 @@
+#include "intake/CallDir.h"
+
+#include "Support.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+QStringList everythingIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+Recording recordingIn(const test::Home &home)
+{
+    test::write(home.file(u"a.wav"_s), "sound");
+    return openRecording(home.file(u"a.wav"_s));
+}
+
+} // namespace
+
+TEST(CallDirName, hasDateAndTitleAndNothingThatHurts)
+{
+    const QDateTime time(QDate(2025, 3, 14), QTime(10, 22, 33));
+    EXPECT_EQ(callDirName(time, u"Interview"_s), u"2025-03-14 10.22 Interview"_s);
+    EXPECT_EQ(callDirName(time, u"Q3: plan/budget?"_s), u"2025-03-14 10.22 Q3- plan-budget-"_s);
+    EXPECT_EQ(callDirName(time, u"..."_s), u"2025-03-14 10.22"_s);
+    EXPECT_LT(callDirName(time, QString(500, u'ї')).toUtf8().size(), 200);
+    EXPECT_FALSE(callDirName(time, u"🐈"_s.repeated(200)).back().isHighSurrogate());
+}
+
+TEST(NewCallDir, twoOfTheSameNameStandBesideEachOther)
+{
+    const test::Home home;
+    const QString library = home.file(u"some/library"_s);
+    QStringList placed;
+    for (int i = 0; i < 3; ++i) {
+        NewCallDir folder(library);
+        EXPECT_EQ(folder.take(recordingIn(home)), u"Technical files/audio.wav"_s);
+        placed.append(folder.place(u"Talk"_s));
+        folder.keep();
+    }
+    EXPECT_EQ(placed,
+              (QStringList{library + u"/Talk"_s, library + u"/Talk (2)"_s, library + u"/Talk (3)"_s}));
+    EXPECT_EQ(everythingIn(library).size(), 3);
+    EXPECT_EQ(test::contentOf(placed.last() + u"/Technical files/audio.wav"_s), "sound");
+}
+
+TEST(NewCallDir, leavesNothingUnlessKept)
+{
+    const test::Home home;
+    {
+        NewCallDir unfinished(home.file(u"library"_s));
+        unfinished.take(recordingIn(home));
+    }
+    {
+        NewCallDir placed(home.file(u"library"_s));
+        placed.take(recordingIn(home));
+        placed.place(u"Talk"_s);
+    }
+    EXPECT_TRUE(everythingIn(home.file(u"library"_s)).isEmpty());
+}
+
+TEST(NewCallDir, removesWhatAKilledProgramLeftButNotWhatIsInTheMaking)
+{
+    const test::Home home;
+    const QString library = home.file(u"library"_s);
+    QDir().mkpath(library + u"/.tuppi-incoming-dead00/Technical files"_s);
+    const NewCallDir inTheMaking(library);
+    EXPECT_EQ(everythingIn(library).size(), 1);
+    {
+        const NewCallDir another(library);
+        EXPECT_EQ(everythingIn(library).size(), 2);
+    }
+}
+
+TEST(NewCallDir, aFileInPlaceOfTheLibraryIsToldOf)
+{
+    const test::Home home;
+    test::write(home.file(u"library"_s), "a file");
+    const QString sentence = test::sentenceOf([&] { NewCallDir folder(home.file(u"library"_s)); });
+    EXPECT_TRUE(sentence.contains(u"a file stands where the folder")) << sentence.toStdString();
+}
+
+} // namespace engine

@@ -1,0 +1,190 @@
+#include "worker/JobRun.h"
+
+#include "FakeRecogniser.h"
+#include "Support.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+// A job in a store of its own, on a recording of six stretches of speech.
+class JobRunTest : public testing::Test
+{
+protected:
+    JobRunTest()
+        : m_paths(m_home.paths())
+        , m_database(m_paths)
+        , m_lock(m_paths)
+    {
+        std::vector<int16_t> samples;
+        for (int i = 0; i < 6; ++i) {
+            test::appendNoise(samples, 1.5, 10);
+            test::appendBabble(samples, 1 + 0.5 * i, 5000);
+        }
+        test::appendNoise(samples, 1, 10);
+        m_job = newJob(samples);
+    }
+
+    Job newJob(const std::vector<int16_t> &samples)
+    {
+        Job job = test::sampleJob(u"Job %1"_s.arg(++m_jobs));
+        job.callDir = m_home.file(job.title);
+        job.audio = u"Technical files/audio.wav"_s;
+        QDir().mkpath(job.callDir + u"/Technical files"_s);
+        test::write(job.callDir + u'/' + job.audio, test::wav(samples));
+        return test::addJob(m_database, job);
+    }
+
+    void run(const Job &job)
+    {
+        JobRun(m_database, m_lock, *jobById(m_database, job.id), [this](const Job &) -> Recogniser & {
+            return m_recogniser;
+        }).run();
+    }
+
+    Job stored(const Job &job) { return *jobById(m_database, job.id); }
+    QByteArray transcript(const Job &job) { return test::contentOf(job.callDir + u"/Transcript.txt"_s); }
+
+    test::Home m_home;
+    Paths m_paths;
+    Database m_database;
+    WorkerLock m_lock;
+    test::FakeRecogniser m_recogniser;
+    Job m_job;
+    int m_jobs = 0;
+};
+
+} // namespace
+
+TEST_F(JobRunTest, takesARecordingToReady)
+{
+    run(m_job);
+    const Job done = stored(m_job);
+    EXPECT_EQ(done.status, u"ready"_s);
+    EXPECT_EQ(done.progress, u"6/6"_s);
+    EXPECT_EQ(done.language, u"en"_s);
+    EXPECT_EQ(done.recogniser, u"Fake"_s);
+    EXPECT_TRUE(done.engine.isEmpty());
+    EXPECT_FALSE(done.completedAt.isEmpty());
+    EXPECT_NEAR(done.durationSeconds.value_or(0), 23.5, 0.01);
+    EXPECT_EQ(transcript(m_job).count('\n'), 6);
+    EXPECT_TRUE(QFile::exists(m_job.callDir + u"/Summary.md"_s));
+}
+
+TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
+{
+    run(m_job);
+    const Job second = newJob({});
+    QFile::remove(second.callDir + u'/' + second.audio);
+    QFile::copy(m_job.callDir + u'/' + m_job.audio, second.callDir + u'/' + second.audio);
+
+    // The third segment cannot be recognised, and what was before it is kept.
+    m_recogniser.act = [](std::span<const int16_t> samples) -> std::vector<Word> {
+        if (samples.size() > 2 * 16000)
+            throw Failure(u"Too much."_s);
+        return test::FakeRecogniser().recognise(samples);
+    };
+    EXPECT_EQ(test::sentenceOf([&] { run(second); }), u"Too much."_s);
+    const int kept = keptCount(m_database, second.seq);
+    EXPECT_GT(kept, 0);
+    EXPECT_LT(kept, 6);
+    EXPECT_EQ(stored(second).progress, u"%1/6"_s.arg(kept));
+
+    // Whoever is recognised again now would be given another text.
+    m_recogniser.act = [](std::span<const int16_t> samples) -> std::vector<Word> {
+        if (samples.size() <= 2 * 16000)
+            return {{u"again"_s, 0, 1}};
+        return test::FakeRecogniser().recognise(samples);
+    };
+    run(second);
+    EXPECT_EQ(transcript(second), transcript(m_job));
+    const auto begun = [&](int number) {
+        return m_database
+            .value(u"SELECT attempts FROM segments WHERE job = ? AND number = ?"_s, {second.seq, number})
+            .toInt();
+    };
+    for (int number = 0; number < 6; ++number)
+        EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
+}
+
+TEST_F(JobRunTest, aJobThatIsPausedOrCancelledIsPutDown)
+{
+    for (const bool pausing : {true, false}) {
+        m_recogniser.act = [&, this](std::span<const int16_t>) -> std::vector<Word> {
+            // In the child; a connection of its own, as another program would have.
+            Database database(m_paths);
+            changeJob(database, m_job.id, [pausing](Job &job) {
+                job.paused = pausing;
+                if (!pausing)
+                    job.status = Status::cancelled.toString();
+            });
+            for (;;)
+                ::pause();
+        };
+        EXPECT_THROW(run(m_job), JobDropped);
+        EXPECT_EQ(stored(m_job).paused, pausing);
+        changeJob(m_database, m_job.id, [](Job &job) {
+            job.paused = false;
+            job.status = Status::queued.toString();
+        });
+    }
+    m_recogniser.act = nullptr;
+    run(m_job);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+}
+
+TEST_F(JobRunTest, aRecogniserThatDiesOnceIsTriedAgain)
+{
+    const QString mark = m_home.file(u"died"_s);
+    m_recogniser.act = [mark](std::span<const int16_t> samples) -> std::vector<Word> {
+        if (!QFile::exists(mark)) {
+            test::write(mark, "x");
+            ::_exit(1);
+        }
+        return test::FakeRecogniser().recognise(samples);
+    };
+    run(m_job);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+}
+
+TEST_F(JobRunTest, aRecogniserThatAlwaysDiesEndsTheJob)
+{
+    m_recogniser.act = [](std::span<const int16_t>) -> std::vector<Word> { ::_exit(1); };
+    EXPECT_TRUE(test::sentenceOf([&] {
+                    run(m_job);
+                }).startsWith(u"The speech recogniser stopped again and again at second 1 "));
+}
+
+TEST_F(JobRunTest, silenceIsToldInTheWordsOfTheContract)
+{
+    std::vector<int16_t> silence;
+    test::appendSilence(silence, 3);
+    EXPECT_EQ(test::sentenceOf([&] { run(newJob(silence)); }), u"Запис містить тишу"_s);
+    m_recogniser.act = [](std::span<const int16_t>) { return std::vector<Word>(); };
+    EXPECT_EQ(test::sentenceOf([&] { run(m_job); }), u"Запис містить тишу"_s);
+}
+
+TEST_F(JobRunTest, doesOnlyWhatWasAskedFor)
+{
+    Job plain = test::sampleJob(u"Plain"_s);
+    plain.callDir = m_job.callDir;
+    plain.audio = m_job.audio;
+    plain.clean = plain.analyze = false;
+    plain = test::addJob(m_database, plain);
+    run(plain);
+    EXPECT_FALSE(QFile::exists(plain.callDir + u"/Summary.md"_s));
+    EXPECT_FALSE(test::contentOf(plain.callDir + u"/Technical files/transcript.txt"_s).contains('.'));
+}
+
+TEST_F(JobRunTest, aRecordingThatIsGoneIsToldOf)
+{
+    QFile::remove(m_job.callDir + u'/' + m_job.audio);
+    EXPECT_TRUE(
+        test::sentenceOf([&] { run(m_job); }).startsWith(u"The recording is no longer in its folder"));
+}
+
+} // namespace engine

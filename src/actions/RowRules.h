@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+namespace tuppi {
+
+/// Whether a command of the row menu can be used on a row; an empty row and a local one allow none.
+bool IsRowCommandAllowed(const QJsonObject &row, const QString &action);
+
+} // namespace tuppi

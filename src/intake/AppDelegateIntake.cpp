@@ -1,0 +1,109 @@
+#include "app/AppDelegate.h"
+
+#include "intake/AcceptedFiles.h"
+#include "intake/ChooseFiles.h"
+#include "intake/Languages.h"
+#include "intake/SetupChoices.h"
+#include "intake/SetupFiles.h"
+#include "intake/SetupPanel.h"
+#include "intake/SetupTexts.h"
+#include "platform/MediaLengths.h"
+#include "settings/Models.h"
+#include "ui/MainWindow.h"
+#include "ui/Stage.h"
+
+#include <QFileDialog>
+#include <QLocale>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+void AppDelegate::openUrls(const QList<QUrl> &urls)
+{
+    const QList<QUrl> accepted = AcceptedFiles(urls);
+    if (!accepted.isEmpty())
+        addFiles(accepted);
+}
+
+void AppDelegate::addFiles(const QList<QUrl> &files)
+{
+    m_ui.window->bringForward();
+    if (!m_setup.panel)
+        openSetup();
+    const QStringList unmeasured = AddSetupFiles(m_setup, files);
+    for (const QString &path : unmeasured)
+        mediaLengths().measure(path);
+    updateSetupList();
+}
+
+MediaLengths &AppDelegate::mediaLengths()
+{
+    if (!m_platform.lengths) {
+        m_platform.lengths = std::make_unique<MediaLengths>();
+        connect(m_platform.lengths.get(), &MediaLengths::measured, this, [this](const QString &path, double seconds) {
+            if (SetDuration(m_setup, path, seconds))
+                updateSetupList();
+        });
+    }
+    return *m_platform.lengths;
+}
+
+void AppDelegate::openSetup()
+{
+    const QList<LanguageRow> languages = Languages(QLocale());
+    SetupOpening opening;
+    opening.models = allModels(m_models.custom);
+    opening.languages = languages;
+    opening.choices.engine = m_queue.defaults.text(u"engine"_s);
+    opening.choices.language = PreselectedLanguage(m_queue.defaults.text(u"language"_s), languages);
+    opening.choices.speakers = m_queue.defaults.isOn(u"speakers"_s);
+    opening.choices.quick = m_queue.defaults.isOn(u"quickMode"_s);
+    opening.interfaceLanguage = m_ui.language;
+    auto *panel = new SetupPanel(opening, m_ui.stage->mascots, m_ui.window.get());
+    connect(panel, &SetupPanel::startRequested, this, &AppDelegate::startSetup);
+    connect(panel, &SetupPanel::cancelled, this, &AppDelegate::cancelSetup);
+    connect(panel, &SetupPanel::addMoreRequested, this, &AppDelegate::chooseFiles);
+    connect(panel, &SetupPanel::filesDropped, this, &AppDelegate::addFiles);
+    m_setup.panel = panel;
+    panel->open();
+}
+
+void AppDelegate::updateSetupList()
+{
+    if (m_setup.panel)
+        m_setup.panel->showTexts(TextsOfBatch(m_setup.files, m_setup.seconds));
+}
+
+void AppDelegate::startSetup(const StartChoices &choices)
+{
+    m_queue.defaults.setValues(RememberedChoices(choices));
+    const QStringList files = m_setup.files;
+    closeSetup();
+    enqueue(files, choices);
+}
+
+void AppDelegate::cancelSetup()
+{
+    closeSetup();
+}
+
+void AppDelegate::closeSetup()
+{
+    if (m_setup.panel) {
+        m_setup.panel->done(QDialog::Accepted);
+        m_setup.panel->deleteLater();
+        m_setup.panel.clear();
+    }
+    ClearSetupFiles(m_setup);
+}
+
+void AppDelegate::chooseFiles()
+{
+    QWidget *window = m_setup.panel.data();
+    QFileDialog *dialog = ChooseFilesDialog(window ? window : m_ui.window.get());
+    connect(dialog, &QFileDialog::urlsSelected, this, &AppDelegate::addFiles);
+    dialog->open();
+}
+
+} // namespace tuppi

@@ -1,0 +1,98 @@
+#include "app/AppDelegate.h"
+
+#include "actions/RowRules.h"
+#include "list/ListContent.h"
+#include "settings/L.h"
+#include "ui/MainWindow.h"
+#include "ui/Sheet.h"
+#include "ui/Stage.h"
+#include "ui/TranscriptList.h"
+
+#include <QApplication>
+#include <QHash>
+#include <QLocale>
+#include <QScreen>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+UiState::UiState() = default;
+UiState::~UiState() = default;
+
+void AppDelegate::buildWindow()
+{
+    m_ui.language = InterfaceLanguageInUse(ChosenInterfaceLanguage(m_queue.defaults.value(u"AppleLanguages"_s)),
+                                           QLocale::system().uiLanguages());
+    m_ui.stage = std::make_unique<Stage>();
+    m_ui.window = std::make_unique<MainWindow>(*m_ui.stage);
+    MainWindow *window = m_ui.window.get();
+    window->setRowMenuRule(
+        [this](const QString &key, const QString &action) { return IsRowCommandAllowed(rowWithKey(key), action); });
+    connect(window, &MainWindow::command, this, &AppDelegate::perform);
+    connect(window, &MainWindow::rowCommand, this, &AppDelegate::performOnRow);
+    connect(window, &MainWindow::filesDropped, this, &AppDelegate::addFiles);
+    connect(window, &MainWindow::frameChanged, this, &AppDelegate::rememberFrame);
+    connect(this, &AppDelegate::rowsChanged, window, [this] { showRows(); });
+    connect(this, &AppDelegate::refreshed, window, [this] { showEmptyState(); });
+    connect(this, &AppDelegate::summaryChanged, window, &MainWindow::setSummary);
+    connect(this, &AppDelegate::failureReported, window, [window](const QString &title, const QString &detail) {
+        SheetText text;
+        text.message = title;
+        text.detail = detail;
+        Sheet::open(window, text);
+    });
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::rememberFrame);
+    followDesktop();
+    restoreFrame();
+    refresh();
+    window->bringForward();
+}
+
+void AppDelegate::showRows()
+{
+    m_ui.window->setContent({m_list.snapshot.rows, m_jobs.latestJob, m_models.custom});
+}
+
+void AppDelegate::showEmptyState()
+{
+    m_ui.window->setEmpty(m_list.snapshot.rows.isEmpty() && m_jobs.loaded);
+}
+
+void AppDelegate::restoreFrame()
+{
+    const QByteArray frame = QByteArray::fromBase64(m_queue.defaults.text(u"windowFrame"_s).toLatin1());
+    if (m_ui.window->restoreGeometry(frame))
+        return;
+    const QRect screen = m_ui.window->screen()->availableGeometry();
+    m_ui.window->move(screen.center() - m_ui.window->rect().center());
+}
+
+void AppDelegate::rememberFrame()
+{
+    m_queue.defaults.setValue(u"windowFrame"_s, QString::fromLatin1(m_ui.window->saveGeometry().toBase64()));
+}
+
+void AppDelegate::perform(const QString &action)
+{
+    using Command = void (AppDelegate::*)();
+    static const QHash<QString, Command> commands{
+        {u"chooseFiles"_s, &AppDelegate::chooseFiles},
+    };
+    if (const Command command = commands.value(action))
+        (this->*command)();
+}
+
+void AppDelegate::performOnRow(const QString &rowKey, const QString &action)
+{
+    using Command = void (AppDelegate::*)(const QString &);
+    static const QHash<QString, Command> commands{
+        {u"pauseRow"_s, &AppDelegate::pauseRow},   {u"resumeRow"_s, &AppDelegate::resumeRow},
+        {u"retryRow"_s, &AppDelegate::retryRow},   {u"cancelRow"_s, &AppDelegate::cancelRow},
+        {u"removeWaiting"_s, &AppDelegate::removeWaiting},
+    };
+    if (const Command command = commands.value(action))
+        (this->*command)(rowKey);
+}
+
+} // namespace tuppi

@@ -1,0 +1,35 @@
+#include "ui/Appearance.h"
+
+#include "ui/Colours.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+void applyAppearance(QApplication &application)
+{
+    application.setStyle(QStyleFactory::create(u"Fusion"_s));
+    QPalette palette(Colours::white, Colours::window);
+    palette.setColor(QPalette::WindowText, Colours::navy);
+    palette.setColor(QPalette::Text, Colours::navy);
+    palette.setColor(QPalette::ButtonText, Colours::navy);
+    palette.setColor(QPalette::Base, Colours::white);
+    palette.setColor(QPalette::AlternateBase, Colours::paleCard);
+    palette.setColor(QPalette::Button, Colours::white);
+    palette.setColor(QPalette::Highlight, Colours::accentBlue);
+    palette.setColor(QPalette::HighlightedText, Colours::white);
+    palette.setColor(QPalette::ToolTipBase, Colours::white);
+    palette.setColor(QPalette::ToolTipText, Colours::navy);
+    palette.setColor(QPalette::PlaceholderText, Colours::slate);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, Colours::pillBorder);
+    application.setPalette(palette);
+    application.setWindowIcon(QIcon(u":/icons/tuppi-transcriber.svg"_s));
+}
+
+} // namespace tuppi

@@ -1,0 +1,48 @@
+#include "ui/CardRowView.h"
+
+#include "ui/Colours.h"
+#include "ui/Metrics.h"
+
+#include <QPainter>
+
+namespace tuppi {
+
+void paintCardRow(QPainter &painter, const QRectF &bounds, bool activeCard, bool selected)
+{
+    const QRectF card =
+        bounds.adjusted(Metrics::cardInsetX, Metrics::cardInsetY, -Metrics::cardInsetX, -Metrics::cardInsetY);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Colours::white);
+    if (activeCard)
+        painter.setPen(QPen(Colours::accentBlue, Metrics::cardOutline));
+    else if (selected)
+        painter.setPen(
+            QPen(Colours::withOpacity(Colours::accentBlue, Metrics::selectedOpacity), Metrics::cardOutline));
+    else
+        painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(card, Metrics::cardRadius, Metrics::cardRadius);
+}
+
+void CardRowView::setActiveCard(bool active)
+{
+    if (m_activeCard == active)
+        return;
+    m_activeCard = active;
+    update();
+}
+
+void CardRowView::setSelected(bool selected)
+{
+    if (m_selected == selected)
+        return;
+    m_selected = selected;
+    update();
+}
+
+void CardRowView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    paintCardRow(painter, QRectF(rect()), m_activeCard, m_selected);
+}
+
+} // namespace tuppi

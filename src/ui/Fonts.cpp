@@ -1,0 +1,39 @@
+#include "ui/Fonts.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+
+namespace tuppi {
+
+QFont System(double size, QFont::Weight weight)
+{
+    QFont font = QApplication::font();
+    font.setPixelSize(qMax(1, qRound(size)));
+    font.setWeight(weight);
+    return font;
+}
+
+QFont Rounded(double size, QFont::Weight weight)
+{
+    QFont font = System(size, weight);
+    const QString family = RoundedFamily(QFontDatabase::families());
+    if (!family.isEmpty()) {
+        // The system's families stay behind it, for the scripts that a rounded font seldom holds.
+        font.setFamilies(QStringList(family) + font.families());
+    }
+    return font;
+}
+
+QString RoundedFamily(const QStringList &installed)
+{
+    static const QStringList rounded{u"Nunito"_qs,           u"Quicksand"_qs,
+                                     u"Varela Round"_qs,     u"M PLUS Rounded 1c"_qs,
+                                     u"Rounded Mplus 1c"_qs, u"Comfortaa"_qs};
+    for (const QString &family : rounded) {
+        if (installed.contains(family, Qt::CaseInsensitive))
+            return family;
+    }
+    return {};
+}
+
+} // namespace tuppi

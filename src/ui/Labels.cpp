@@ -1,0 +1,251 @@
+#include "ui/Labels.h"
+
+#include "ui/Colours.h"
+#include "ui/Fonts.h"
+#include "ui/Painting.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QLocale>
+#include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+#include <QTextOption>
+#include <QToolTip>
+
+#include <cmath>
+
+namespace tuppi {
+
+namespace {
+
+constexpr int hintWidth = 400;
+
+// Other scripts may stand taller than the font's own line.
+constexpr int oneLine = Qt::TextSingleLine | Qt::TextDontClip;
+
+/// The alignment for the label's own direction, which the direction of the text must not turn round.
+Qt::Alignment absolute(const QLabel &label)
+{
+    return QStyle::visualAlignment(label.layoutDirection(), label.alignment()) | Qt::AlignAbsolute;
+}
+
+} // namespace
+
+ElidedLabel::ElidedLabel(QWidget *parent)
+    : QLabel(parent)
+    , m_colour(Colours::navy)
+{
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+void ElidedLabel::setColour(const QColor &colour)
+{
+    m_colour = colour;
+    update();
+}
+
+void ElidedLabel::setElideMode(Qt::TextElideMode mode)
+{
+    m_elideMode = mode;
+    update();
+}
+
+QString ElidedLabel::shownText() const
+{
+    return fontMetrics().elidedText(onOneLine(text()), m_elideMode, width());
+}
+
+QSize ElidedLabel::sizeHint() const
+{
+    return {fontMetrics().horizontalAdvance(onOneLine(text())) + 1, fontMetrics().height()};
+}
+
+QSize ElidedLabel::minimumSizeHint() const
+{
+    return {0, fontMetrics().height()};
+}
+
+bool ElidedLabel::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+        if (shownText() != onOneLine(text()))
+            QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
+        else
+            QToolTip::hideText();
+        return true;
+    }
+    return QLabel::event(event);
+}
+
+void ElidedLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    painter.setPen(m_colour);
+    painter.drawText(rect(), int(absolute(*this)) | oneLine, shownText());
+}
+
+/// The lines of a label as they are laid out: plain texts, the last one elided where the rest does not fit.
+struct WrapLabel::Lines
+{
+    QStringList texts;
+    double width = 0;
+};
+
+WrapLabel::WrapLabel(QWidget *parent)
+    : QLabel(parent)
+    , m_colour(Colours::slate)
+{
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignLeading | Qt::AlignTop);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void WrapLabel::setColour(const QColor &colour)
+{
+    m_colour = colour;
+    update();
+}
+
+void WrapLabel::setPreferredWidth(int width)
+{
+    m_preferredWidth = width;
+    updateGeometry();
+}
+
+void WrapLabel::setMaximumLines(int lines)
+{
+    m_maximumLines = lines;
+    updateGeometry();
+    update();
+}
+
+WrapLabel::Lines WrapLabel::breakLines(double width) const
+{
+    Lines lines;
+    const QFontMetricsF metrics(font(), this);
+    QString whole = text();
+    whole.replace(u'\n', QChar::LineSeparator);
+    QTextLayout layout(whole, font(), const_cast<WrapLabel *>(this));
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        const bool last = m_maximumLines > 0 && lines.texts.size() == m_maximumLines - 1;
+        const int end = line.textStart() + line.textLength();
+        if (last && end < whole.size()) {
+            lines.texts.append(
+                metrics.elidedText(onOneLine(whole.mid(line.textStart())), Qt::ElideRight, width));
+            lines.width = width;
+            break;
+        }
+        lines.texts.append(onOneLine(whole.mid(line.textStart(), line.textLength())));
+        lines.width = qMax(lines.width, line.naturalTextWidth());
+    }
+    layout.endLayout();
+    return lines;
+}
+
+QSize WrapLabel::sizeHint() const
+{
+    const Lines lines = breakLines(m_preferredWidth);
+    const int width = qMin(m_preferredWidth, int(std::ceil(lines.width)));
+    return {width, heightForWidth(qMax(width, 1))};
+}
+
+QSize WrapLabel::minimumSizeHint() const
+{
+    return {qMin(sizeHint().width(), fontMetrics().averageCharWidth() * 8), fontMetrics().height()};
+}
+
+int WrapLabel::heightForWidth(int width) const
+{
+    return int(std::ceil(breakLines(width).texts.size() * QFontMetricsF(font(), this).lineSpacing()));
+}
+
+void WrapLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    painter.setPen(Colours::withOpacity(m_colour, isEnabled() ? 1 : 0.5));
+    const double spacing = QFontMetricsF(font(), this).lineSpacing();
+    const Lines lines = breakLines(width());
+    const int across = int(absolute(*this) & ~Qt::AlignVertical_Mask) | Qt::AlignTop | oneLine;
+    const double free = qMax(0.0, height() - double(lines.texts.size()) * spacing);
+    double y = alignment() & Qt::AlignVCenter ? free / 2 : 0;
+    for (const QString &line : lines.texts) {
+        painter.drawText(QRectF(0, y, width(), spacing), across, line);
+        y += spacing;
+    }
+}
+
+BadgeLabel::BadgeLabel(const QString &note, QWidget *parent)
+    : QLabel(note, parent)
+{
+    setTextFormat(Qt::PlainText);
+    setFont(System(11, QFont::ExtraBold));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize BadgeLabel::sizeHint() const
+{
+    return {fontMetrics().horizontalAdvance(u' ' + text() + u' ') + 4, fontMetrics().height() + 1};
+}
+
+void BadgeLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Colours::badge);
+    painter.drawRoundedRect(QRectF(rect()), 6, 6);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    painter.setPen(Colours::navy);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(text(), Qt::ElideRight, width() - 4));
+}
+
+QLabel *SectionLabel(const QString &text, const QString &language, QWidget *parent)
+{
+    auto *label = new QLabel(QLocale().toUpper(text), parent);
+    label->setTextFormat(Qt::PlainText);
+    QFont font = System(12, QFont::ExtraBold);
+    const bool spaced = language != QLatin1String("ar") && language != QLatin1String("hi") &&
+                        language != QLatin1String("zh-Hans");
+    font.setLetterSpacing(QFont::AbsoluteSpacing, spaced ? 0.6 : 0);
+    label->setFont(font);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, Colours::slate);
+    label->setPalette(palette);
+    return label;
+}
+
+WrapLabel *hint(const QString &text, QWidget *parent)
+{
+    auto *label = new WrapLabel(parent);
+    label->setFont(System(11));
+    label->setColour(Colours::hintText);
+    label->setPreferredWidth(hintWidth);
+    label->setText(text);
+    return label;
+}
+
+QWidget *indent(QWidget *view, int by, QWidget *parent)
+{
+    auto *container = new QWidget(parent);
+    auto *layout = new QHBoxLayout(container);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addSpacing(by); // an item and not a margin: items are mirrored
+    layout->addWidget(view);
+    return container;
+}
+
+} // namespace tuppi

@@ -1,0 +1,182 @@
+#include "ui/Mascots.h"
+
+#include "ui/MascotView.h"
+#include "ui/MotionPolicy.h"
+
+#include <QImageReader>
+#include <QMovie>
+
+namespace tuppi {
+
+namespace {
+
+QSize pixelSize(QSize size, double ratio)
+{
+    return (QSizeF(size) * ratio).toSize();
+}
+
+} // namespace
+
+struct Mascots::Pose
+{
+    QString name;
+    QString animation; ///< its file; empty when there is none, or none that can be read
+    std::unique_ptr<QMovie> movie;
+    QSize decoded;                            ///< the size in pixels that the movie is decoded at
+    QHash<QPair<int, QSize>, QPixmap> frames; ///< scaled from the movie for smaller views
+    QHash<QSize, QPixmap> stills;
+    SightList views;
+};
+
+Mascots::Mascots(MotionPolicy &motion, const QString &folder, QObject *parent)
+    : QObject(parent)
+    , m_motion(motion)
+    , m_folder(folder)
+{
+    connect(&motion, &MotionPolicy::reducedMotionChanged, this, [this](bool reduced) {
+        if (reduced)
+            stopAll();
+        Q_EMIT redraw();
+    });
+}
+
+Mascots::~Mascots() = default;
+
+Mascots::Pose &Mascots::poseFor(const QString &name)
+{
+    std::shared_ptr<Pose> &pose = m_poses[name];
+    if (!pose) {
+        pose = std::make_shared<Pose>();
+        pose->name = name;
+        connect(&pose->views, &SightList::cameBack, this, &Mascots::redraw);
+        // Asked of the reader first: on a file without a single good frame a movie never comes back.
+        const QString file = m_folder + u"/tuppi-"_qs + name + u".gif"_qs;
+        if (!QImageReader(file).read().isNull())
+            pose->animation = file;
+    }
+    return *pose;
+}
+
+bool Mascots::animates(const QString &pose)
+{
+    return !m_motion.reducedMotion() && !poseFor(pose).animation.isEmpty();
+}
+
+bool Mascots::isRunning(const QString &pose) const
+{
+    const std::shared_ptr<Pose> known = m_poses.value(pose);
+    return known && known->movie && known->movie->state() == QMovie::Running;
+}
+
+QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
+{
+    Pose &pose = poseFor(name);
+    const QSize pixels = pixelSize(size, devicePixelRatio);
+    QPixmap &picture = pose.stills[pixels];
+    if (picture.isNull()) {
+        // The smallest drawing that need not be enlarged.
+        for (const char16_t *scale : {u"", u"@2x", u"@3x"}) {
+            QImageReader reader(m_folder + u"/tuppi-"_qs + name + QString::fromUtf16(scale) + u".png"_qs);
+            const QSize drawn = reader.size();
+            if (!drawn.isValid())
+                continue;
+            const QImage image = reader.read().scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+            picture = QPixmap::fromImage(image);
+            if (drawn.width() >= pixels.width())
+                break;
+        }
+    }
+    QPixmap sized = picture;
+    sized.setDevicePixelRatio(devicePixelRatio);
+    return sized;
+}
+
+void Mascots::openMovie(Pose &pose, QSize pixels, int frame)
+{
+    pose.movie = std::make_unique<QMovie>(pose.animation, QByteArray(), this);
+    pose.movie->setCacheMode(QMovie::CacheAll);
+    pose.movie->setScaledSize(pixels);
+    pose.decoded = pixels;
+    pose.frames.clear();
+    pose.movie->jumpToFrame(0);
+    while (pose.movie->currentFrameNumber() < frame && pose.movie->jumpToNextFrame()) {
+    }
+    const QString name = pose.name;
+    connect(pose.movie.get(), &QMovie::frameChanged, this, [this, name] { step(name); });
+    // A file that says "play once" is shown endlessly all the same. Queued, and not for a single picture:
+    // that one is finished as soon as it is started.
+    const auto again = [movie = pose.movie.get()] {
+        if (movie->frameCount() > 1)
+            movie->start();
+    };
+    connect(pose.movie.get(), &QMovie::finished, pose.movie.get(), again, Qt::QueuedConnection);
+}
+
+QPixmap Mascots::frame(const QString &name, QSize size, double devicePixelRatio)
+{
+    if (!animates(name))
+        return still(name, size, devicePixelRatio);
+    Pose &pose = poseFor(name);
+    const QSize pixels = pixelSize(size, devicePixelRatio);
+    if (!pose.movie) {
+        openMovie(pose, pixels, 0);
+    } else if (pixels.width() > pose.decoded.width()) {
+        const bool running = pose.movie->state() == QMovie::Running;
+        openMovie(pose, pixels, pose.movie->currentFrameNumber());
+        if (running)
+            pose.movie->start();
+    }
+
+    QPixmap picture = pose.movie->currentPixmap();
+    if (picture.size() != pixels) {
+        QPixmap &smaller = pose.frames[{pose.movie->currentFrameNumber(), pixels}];
+        if (smaller.isNull())
+            smaller = picture.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        picture = smaller;
+    }
+    picture.setDevicePixelRatio(devicePixelRatio);
+    return picture;
+}
+
+void Mascots::painted(MascotView *view)
+{
+    if (!animates(view->pose()) || !isInSight(*view))
+        return;
+    Pose &pose = poseFor(view->pose());
+    if (!pose.movie)
+        return;
+    pose.views.add(view);
+    if (pose.movie->state() == QMovie::Paused)
+        pose.movie->setPaused(false);
+    else if (pose.movie->state() == QMovie::NotRunning)
+        pose.movie->start();
+}
+
+void Mascots::step(const QString &name)
+{
+    Pose &pose = poseFor(name);
+    bool seen = false;
+    for (QWidget *widget : pose.views.look()) {
+        // A view that has changed its pose since belongs to another movie.
+        auto *view = static_cast<MascotView *>(widget);
+        if (view->isAnimated() && view->pose() == name) {
+            seen = true;
+            view->update();
+        }
+    }
+    if (!seen) {
+        pose.views.clear();
+        pose.movie->setPaused(true);
+    }
+}
+
+void Mascots::stopAll()
+{
+    for (const std::shared_ptr<Pose> &pose : std::as_const(m_poses)) {
+        pose->views.clear();
+        if (pose->movie)
+            pose->movie->setPaused(true);
+    }
+}
+
+} // namespace tuppi

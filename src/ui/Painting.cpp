@@ -1,0 +1,62 @@
+#include "ui/Painting.h"
+
+#include "ui/Colours.h"
+#include "ui/Symbols.h"
+
+#include <QTextDocument>
+
+#include <cmath>
+
+namespace tuppi {
+
+double deviceScale(const QPainter &painter)
+{
+    const QTransform &device = painter.deviceTransform();
+    const double scale = std::sqrt(std::abs(device.determinant()));
+    return scale > 0 ? scale : 1;
+}
+
+void drawSharp(QPainter &painter, QPointF topLeft, const QPixmap &pixmap)
+{
+    const QTransform &device = painter.deviceTransform();
+    const QPointF corner = device.map(topLeft);
+    const QPointF whole(std::round(corner.x()), std::round(corner.y()));
+    painter.drawPixmap(device.inverted().map(whole), pixmap);
+}
+
+void drawSymbol(QPainter &painter, const QString &name, const QColor &colour, double size, const QRectF &rect)
+{
+    const QPixmap symbol = SymbolPixmap(name, colour, size, deviceScale(painter));
+    if (symbol.isNull())
+        return;
+    const QSizeF drawn = symbol.deviceIndependentSize();
+    drawSharp(painter, rect.center() - QPointF(drawn.width() / 2, drawn.height() / 2), symbol);
+}
+
+void drawFocusRing(QPainter &painter, const QRectF &bounds, double radius)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Colours::focusRing, 2));
+    painter.drawRoundedRect(bounds.adjusted(1, 1, -1, -1), radius - 1, radius - 1);
+    painter.restore();
+}
+
+QString plainToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? u"<qt>"_qs + text.toHtmlEscaped() + u"</qt>"_qs : text;
+}
+
+QString onOneLine(const QString &text)
+{
+    QString line = text;
+    for (QChar &c : line) {
+        if (c == u'\n' || c == u'\r' || c == u'\t' || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
+    return line;
+}
+
+} // namespace tuppi

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QColor>
+#include <QPainter>
+#include <QPixmap>
+
+namespace tuppi {
+
+/// Device pixels per logical pixel of what the painter draws on, a scaled grab included.
+double deviceScale(const QPainter &painter);
+
+/// Draws a pixmap that was rendered for the painter's device scale with its corner on a whole device pixel,
+/// so that it is copied and not resampled.
+void drawSharp(QPainter &painter, QPointF topLeft, const QPixmap &pixmap);
+
+/// Draws a symbol centred in a rectangle; draws nothing when there is no such symbol.
+void drawSymbol(QPainter &painter, const QString &name, const QColor &colour, double size,
+                const QRectF &rect);
+
+/// The ring of a focused control, along the inside of its bounds. The control draws itself within focusInset
+/// of them meanwhile, so that the ring stands clear of any fill and border.
+void drawFocusRing(QPainter &painter, const QRectF &bounds, double radius);
+inline constexpr double focusInset = 3.5;
+
+/// A text as a tool tip that shows it as it stands: a file name may look like markup.
+QString plainToolTip(const QString &text);
+
+/// The text on one line: line breaks, which a file name may hold, become blanks.
+QString onOneLine(const QString &text);
+
+} // namespace tuppi

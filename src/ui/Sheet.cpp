@@ -1,0 +1,122 @@
+#include "ui/Sheet.h"
+
+#include "settings/L.h"
+#include "ui/Colours.h"
+#include "ui/Fonts.h"
+#include "ui/Labels.h"
+#include "ui/Metrics.h"
+#include "ui/PillButton.h"
+#include "ui/Symbols.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace tuppi {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+WrapLabel *textLabel(const QString &text, const QFont &font, const QColor &colour, QWidget *parent)
+{
+    auto *label = new WrapLabel(parent);
+    label->setText(text);
+    label->setFont(font);
+    label->setColour(colour);
+    label->setPreferredWidth(Metrics::sheetTextWidth);
+    label->setVisible(!text.isEmpty());
+    return label;
+}
+
+} // namespace
+
+Sheet::Sheet(QWidget *window, const SheetText &text)
+    : QDialog(window, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint)
+    , m_text(text)
+{
+    if (m_text.buttons.isEmpty())
+        m_text.buttons = {L(u"OK"_s)};
+    if (m_text.escapeButton < 0)
+        m_text.escapeButton = m_text.defaultButton;
+    setObjectName(u"sheet"_s);
+    setWindowTitle(L(u"Tuppi Transcriber"_s));
+    setAccessibleName(m_text.message);
+    setAccessibleDescription(m_text.detail);
+    setWindowModality(Qt::WindowModal);
+    setAttribute(Qt::WA_DeleteOnClose);
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, Colours::white);
+    setPalette(ground);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(28, 24, 28, 22);
+    column->setSpacing(10);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    if (m_text.isWarning) {
+        auto *sign = new QLabel(this);
+        sign->setPixmap(SymbolPixmap(u"exclamationmark.triangle.fill"_s, Colours::attention, 36, devicePixelRatio()));
+        column->addWidget(sign);
+    }
+    column->addWidget(textLabel(m_text.message, System(15, QFont::Bold), Colours::navy, this));
+    column->addWidget(textLabel(m_text.detail, System(13), Colours::slate, this));
+    m_accessoryPlace = new QWidget(this);
+    m_accessoryPlace->setLayout(new QVBoxLayout);
+    m_accessoryPlace->layout()->setContentsMargins(0, 0, 0, 0);
+    m_accessoryPlace->hide();
+    column->addWidget(m_accessoryPlace);
+    column->addSpacing(8);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(10);
+    buttons->addStretch();
+    for (int index = 0; index < m_text.buttons.size(); ++index)
+        buttons->addWidget(addButton(index, m_text.buttons.at(index)));
+    column->addLayout(buttons);
+}
+
+PillButton *Sheet::addButton(int index, const QString &title)
+{
+    int style = 1;
+    if (index == m_text.defaultButton)
+        style = 0;
+    else if (index == m_text.destructiveButton)
+        style = 2;
+    PillButton *button = Pill(title, style, Metrics::sheetButtonHeight, this);
+    button->setObjectName(u"sheetButton%1"_s.arg(index));
+    button->setAutoDefault(true);
+    button->setDefault(index == m_text.defaultButton);
+    if (index == m_text.defaultButton)
+        button->setFocus();
+    connect(button, &QAbstractButton::clicked, this, [this, index] { answer(index); });
+    return button;
+}
+
+void Sheet::setAccessory(QWidget *accessory)
+{
+    m_accessoryPlace->layout()->addWidget(accessory);
+    m_accessoryPlace->show();
+    accessory->setFocus();
+}
+
+void Sheet::answer(int button)
+{
+    if (m_isAnswered)
+        return;
+    m_isAnswered = true;
+    done(button);
+    Q_EMIT answered(button); // last: whoever hears it may do away with the window, and so with the sheet
+}
+
+void Sheet::reject()
+{
+    answer(m_text.escapeButton);
+}
+
+Sheet *Sheet::open(QWidget *window, const SheetText &text, std::function<void(int)> answered)
+{
+    auto *sheet = new Sheet(window, text);
+    if (answered)
+        connect(sheet, &Sheet::answered, window, std::move(answered));
+    sheet->QDialog::open();
+    return sheet;
+}
+
+} // namespace tuppi

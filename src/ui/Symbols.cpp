@@ -1,0 +1,121 @@
+#include "ui/Symbols.h"
+
+#include "ui/Colours.h"
+#include "ui/Metrics.h"
+
+#include <QFile>
+#include <QIconEngine>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QSvgRenderer>
+
+namespace tuppi {
+
+namespace {
+
+Q_LOGGING_CATEGORY(logSymbols, "tuppi.ui.symbols")
+
+QString pathOf(const QString &name)
+{
+    return u":/symbols/"_qs + name + u".svg"_qs;
+}
+
+/// The symbol's shape is its alpha; whatever colours the drawing holds are replaced.
+QPixmap rendered(const QString &name, const QColor &colour, int pixels)
+{
+    QSvgRenderer drawing(pathOf(name));
+    if (!drawing.isValid() || pixels <= 0)
+        return {};
+    drawing.setAspectRatioMode(Qt::KeepAspectRatio);
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawing.render(&painter, QRectF(0, 0, pixels, pixels));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), colour);
+    painter.end();
+    return QPixmap::fromImage(image);
+}
+
+QPixmap cached(const QString &name, const QColor &colour, int pixels)
+{
+    const QString key =
+        u"tuppi/"_qs + name + u'/' + colour.name(QColor::HexArgb) + u'/' + QString::number(pixels);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        pixmap = rendered(name, colour, pixels);
+        if (pixmap.isNull())
+            qCWarning(logSymbols) << "no symbol named" << name;
+        else
+            QPixmapCache::insert(key, pixmap);
+    }
+    return pixmap;
+}
+
+class SymbolEngine : public QIconEngine
+{
+public:
+    SymbolEngine(const QString &name, const QColor &colour, QSize size)
+        : m_name(name)
+        , m_colour(colour)
+        , m_size(size)
+    {
+    }
+
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
+    {
+        const double ratio = painter->device()->devicePixelRatioF();
+        const QPixmap picture = scaledPixmap(rect.size() * ratio, mode, state, ratio);
+        if (!picture.isNull())
+            painter->drawPixmap(rect, picture);
+    }
+
+    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    {
+        return scaledPixmap(size, mode, state, 1);
+    }
+
+    /// The size is in device pixels here.
+    QPixmap scaledPixmap(const QSize &size, QIcon::Mode mode, QIcon::State, qreal) override
+    {
+        const double opacity = mode == QIcon::Disabled ? Metrics::disabledOpacity : 1;
+        return cached(m_name, Colours::withOpacity(m_colour, opacity), qMin(size.width(), size.height()));
+    }
+
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override { return {m_size}; }
+    QSize actualSize(const QSize &size, QIcon::Mode, QIcon::State) override
+    {
+        const int side = qMin(size.width(), size.height());
+        return {side, side};
+    }
+    QString key() const override { return u"tuppi-symbol"_qs; }
+    QIconEngine *clone() const override { return new SymbolEngine(*this); }
+
+private:
+    QString m_name;
+    QColor m_colour;
+    QSize m_size;
+};
+
+} // namespace
+
+QPixmap SymbolPixmap(const QString &name, const QColor &colour, double size, double devicePixelRatio)
+{
+    QPixmap pixmap = cached(name, colour, qRound(size * devicePixelRatio));
+    if (!pixmap.isNull())
+        pixmap.setDevicePixelRatio(devicePixelRatio);
+    return pixmap;
+}
+
+QIcon SymbolIcon(const QString &name, const QColor &colour, double size)
+{
+    if (!QFile::exists(pathOf(name))) {
+        qCWarning(logSymbols) << "no symbol named" << name;
+        return {};
+    }
+    return QIcon(new SymbolEngine(name, colour, QSize(qRound(size), qRound(size))));
+}
+
+} // namespace tuppi

@@ -1,0 +1,284 @@
+#include "ui/TranscriptList.h"
+
+#include "settings/L.h"
+#include "ui/Metrics.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
+    : QAbstractScrollArea(parent)
+    , m_makeRow(std::move(makeRow))
+{
+    setObjectName(u"table"_s);
+    setAccessibleName(L(u"Transcripts"_s));
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::StrongFocus);
+    // What lies behind, the drop area, shows between the cards and takes the drops.
+    viewport()->setAutoFillBackground(false);
+    setAttribute(Qt::WA_NoSystemBackground);
+    verticalScrollBar()->setSingleStep(Metrics::rowHeight / 2);
+}
+
+void TranscriptList::setContent(const ListContent &content)
+{
+    QHash<QString, RowView *> byKey;
+    for (auto shown = m_shown.begin(); shown != m_shown.end(); ++shown)
+        byKey.insert(shown.value()->look().key, shown.value());
+    m_content = content;
+    m_selected = m_selectedKey.isEmpty() ? -1 : IndexOfKey(m_content, m_selectedKey);
+    if (m_selected < 0)
+        m_selectedKey.clear();
+    updateScrollRange();
+
+    // A row that is still in sight keeps its view, so that focus, hover and mascot go on undisturbed.
+    m_shown.clear();
+    const auto [first, last] = rowsInSight();
+    for (int index = first; index <= last; ++index) {
+        if (RowView *view = byKey.take(m_content.keyAt(index)))
+            m_shown.insert(index, view);
+    }
+    for (RowView *view : std::as_const(byKey))
+        retire(view);
+    showRowsInSight();
+}
+
+void TranscriptList::updateScrollRange()
+{
+    const int contentHeight = int(m_content.size()) * Metrics::rowHeight;
+    verticalScrollBar()->setRange(0, qMax(0, contentHeight - viewport()->height()));
+    verticalScrollBar()->setPageStep(viewport()->height());
+}
+
+std::pair<int, int> TranscriptList::rowsInSight() const
+{
+    const int top = verticalScrollBar()->value();
+    const int last = (top + viewport()->height() - 1) / Metrics::rowHeight;
+    return {top / Metrics::rowHeight, qMin(last, int(m_content.size()) - 1)};
+}
+
+void TranscriptList::showRowsInSight()
+{
+    const auto [first, last] = rowsInSight();
+    for (auto shown = m_shown.begin(); shown != m_shown.end();) {
+        if (shown.key() >= first && shown.key() <= last) {
+            ++shown;
+            continue;
+        }
+        retire(shown.value());
+        shown = m_shown.erase(shown);
+    }
+    for (int index = first; index <= last; ++index) {
+        RowView *&view = m_shown[index];
+        if (!view)
+            view = takeView();
+        place(index, view);
+    }
+}
+
+void TranscriptList::place(int index, RowView *view)
+{
+    RowLook look = m_content.lookAt(index);
+    look.selected = index == m_selected;
+    view->setLook(look);
+    view->setGeometry(0, index * Metrics::rowHeight - verticalScrollBar()->value(), viewport()->width(),
+                      Metrics::rowHeight);
+    view->show();
+}
+
+RowView *TranscriptList::takeView()
+{
+    if (!m_pool.isEmpty())
+        return m_pool.takeLast();
+    RowView *view = m_makeRow(viewport());
+    connect(view, &RowView::action, this, &TranscriptList::rowAction);
+    view->installEventFilter(this);
+    return view;
+}
+
+void TranscriptList::retire(RowView *view)
+{
+    // The keyboard stays in the list when the button that has it scrolls away.
+    if (view->isAncestorOf(QApplication::focusWidget()))
+        setFocus(Qt::OtherFocusReason);
+    view->hide();
+    view->clearLook();
+    m_pool.append(view);
+}
+
+void TranscriptList::selectRow(int index)
+{
+    if (index == m_selected)
+        return;
+    const int before = m_selected;
+    m_selected = index >= 0 && index < m_content.size() ? index : -1;
+    m_selectedKey = m_selected < 0 ? QString() : m_content.keyAt(m_selected);
+    for (const int changed : {before, m_selected}) {
+        if (RowView *view = m_shown.value(changed))
+            place(changed, view);
+    }
+    Q_EMIT selectionChanged();
+}
+
+int TranscriptList::rowAt(const QPoint &viewportPosition) const
+{
+    const int index = (viewportPosition.y() + verticalScrollBar()->value()) / Metrics::rowHeight;
+    return viewportPosition.y() >= 0 && index < m_content.size() ? index : -1;
+}
+
+void TranscriptList::scrollTo(int index)
+{
+    const int top = index * Metrics::rowHeight;
+    QScrollBar *bar = verticalScrollBar();
+    if (top < bar->value())
+        bar->setValue(top);
+    else if (top + Metrics::rowHeight > bar->value() + viewport()->height())
+        bar->setValue(top + Metrics::rowHeight - viewport()->height());
+}
+
+void TranscriptList::pressed(const QPoint &viewportPosition, Qt::MouseButton button)
+{
+    const int index = rowAt(viewportPosition);
+    setFocus(Qt::MouseFocusReason);
+    if (index >= 0 || button == Qt::LeftButton)
+        selectRow(index);
+}
+
+bool TranscriptList::viewportEvent(QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress) {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        pressed(mouse->position().toPoint(), mouse->button());
+        return true;
+    }
+    if (event->type() == QEvent::ContextMenu) {
+        const auto *menu = static_cast<QContextMenuEvent *>(event);
+        const bool byKeyboard = menu->reason() == QContextMenuEvent::Keyboard;
+        const int index = byKeyboard ? m_selected : rowAt(menu->pos());
+        Q_EMIT menuRequested(index < 0 ? QString() : m_content.keyAt(index), menu->globalPos());
+        return true;
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+bool TranscriptList::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *view = qobject_cast<RowView *>(watched);
+    if (!view)
+        return QAbstractScrollArea::eventFilter(watched, event);
+    if (event->type() == QEvent::MouseButtonPress) {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        pressed(view->mapTo(viewport(), mouse->position().toPoint()), mouse->button());
+    } else if (event->type() == QEvent::MouseButtonDblClick) {
+        if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton)
+            Q_EMIT openRequested(view->look().key);
+    } else if (event->type() == QEvent::ContextMenu) {
+        const auto *menu = static_cast<QContextMenuEvent *>(event);
+        Q_EMIT menuRequested(view->look().key, menu->globalPos());
+        return true;
+    }
+    return false;
+}
+
+void TranscriptList::resizeEvent(QResizeEvent *event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    updateScrollRange();
+    showRowsInSight();
+}
+
+void TranscriptList::scrollContentsBy(int, int)
+{
+    showRowsInSight();
+}
+
+bool TranscriptList::moveSelection(QKeyEvent *event)
+{
+    const int count = int(m_content.size());
+    const int page = qMax(1, viewport()->height() / Metrics::rowHeight);
+    int target = m_selected;
+    switch (event->key()) {
+    case Qt::Key_Up:
+        target = m_selected < 0 ? count - 1 : m_selected - 1;
+        break;
+    case Qt::Key_Down:
+        target = m_selected + 1;
+        break;
+    case Qt::Key_PageUp:
+        target = m_selected - page;
+        break;
+    case Qt::Key_PageDown:
+        target = m_selected + page;
+        break;
+    case Qt::Key_Home:
+        target = 0;
+        break;
+    case Qt::Key_End:
+        target = count - 1;
+        break;
+    default:
+        return false;
+    }
+    if (count > 0) {
+        target = qBound(0, target, count - 1);
+        selectRow(target);
+        scrollTo(target);
+    }
+    return true;
+}
+
+void TranscriptList::typeSelect(const QString &text)
+{
+    if (!m_lastTyped.isValid() || m_lastTyped.hasExpired(QApplication::keyboardInputInterval()))
+        m_typed.clear();
+    m_lastTyped.start();
+    m_typed += text;
+    // The first letter moves on from the selected row; a longer word may still be that row's own.
+    const int from = qMax(0, m_selected) + (m_typed.size() == 1 && m_selected >= 0 ? 1 : 0);
+    const int index = IndexOfTitle(m_content, m_typed, from);
+    if (index >= 0) {
+        selectRow(index);
+        scrollTo(index);
+    }
+}
+
+void TranscriptList::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    if (m_selected >= 0 && (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)) {
+        Q_EMIT removeRequested(m_selectedKey);
+    } else if (m_selected >= 0 && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        Q_EMIT openRequested(m_selectedKey);
+    } else if (!moveSelection(event)) {
+        if (plain && !event->text().isEmpty() && event->text().at(0).isPrint())
+            typeSelect(event->text());
+        else
+            QAbstractScrollArea::keyPressEvent(event);
+    }
+}
+
+void TranscriptList::focusInEvent(QFocusEvent *event)
+{
+    // Arriving by Tab there is something to see and to act on.
+    if (m_selected < 0 && m_content.size() > 0
+        && (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason))
+        selectRow(rowsInSight().first);
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
+}
+
+void TranscriptList::focusOutEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    viewport()->update();
+}
+
+} // namespace tuppi

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "list/ListContent.h"
+#include "ui/RowView.h"
+
+#include <QAbstractScrollArea>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QList>
+
+#include <functional>
+
+namespace tuppi {
+
+/// The transcript list: one card per row, all of one height. Widgets exist only for the rows in sight and are
+/// taken from a pool; the others are data. A new content keeps selection, scroll place, keyboard focus and
+/// running animations wherever a row with the same key is still there.
+class TranscriptList : public QAbstractScrollArea
+{
+    Q_OBJECT
+public:
+    using RowFactory = std::function<RowView *(QWidget *parent)>;
+
+    /// `makeRow` makes a row view owned by the given parent.
+    explicit TranscriptList(RowFactory makeRow, QWidget *parent = nullptr);
+
+    void setContent(const ListContent &content);
+    const ListContent &content() const { return m_content; }
+
+    /// Key of the selected row, empty for none.
+    QString selectedKey() const { return m_selectedKey; }
+    void selectRow(int index);
+    int selectedIndex() const { return m_selected; }
+
+    /// The view of a row in sight, null otherwise. Owned by the list.
+    RowView *viewAt(int index) const { return m_shown.value(index); }
+    int viewCount() const { return int(m_shown.size()); }
+    /// Rows that fit the viewport, the last one perhaps in part.
+    std::pair<int, int> rowsInSight() const;
+
+Q_SIGNALS:
+    void rowAction(const QString &key, const QString &action);
+    void openRequested(const QString &key);
+    void removeRequested(const QString &key);
+    /// `key` is empty where the click was on no row.
+    void menuRequested(const QString &key, const QPoint &globalPosition);
+    void selectionChanged();
+
+protected:
+    bool viewportEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    int rowAt(const QPoint &viewportPosition) const;
+    void updateScrollRange();
+    void showRowsInSight();
+    void place(int index, RowView *view);
+    RowView *takeView();
+    void retire(RowView *view);
+    void scrollTo(int index);
+    bool moveSelection(QKeyEvent *event);
+    void typeSelect(const QString &text);
+    bool isRowChild(const QObject *object) const;
+    void pressed(const QPoint &viewportPosition, Qt::MouseButton button);
+
+    RowFactory m_makeRow;
+    ListContent m_content;
+    QHash<int, RowView *> m_shown;
+    QList<RowView *> m_pool;
+    int m_selected = -1;
+    QString m_selectedKey;
+    QString m_typed;
+    QElapsedTimer m_lastTyped;
+};
+
+} // namespace tuppi
