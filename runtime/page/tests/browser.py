@@ -5,12 +5,13 @@ import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import tempfile
 import urllib.error
 import urllib.request
 
-ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
+ANSWER_LIMIT = 90  # seconds; for what hangs
 KEYS = {
     "Backspace": "\ue003", "Tab": "\ue004", "Enter": "\ue007", "Shift": "\ue008", "Control": "\ue009",
     "Alt": "\ue00a", "Escape": "\ue00c", "Space": " ", "End": "\ue010", "Home": "\ue011", "Left": "\ue012",
@@ -37,12 +38,12 @@ class Browser:
     def __init__(self, size=(900, 720), scale=1, arguments=()):
         self.profile = tempfile.mkdtemp(prefix="page-test-")
         self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE,
-                                       stderr=subprocess.DEVNULL, text=True)
+                                       stderr=subprocess.DEVNULL, text=True, start_new_session=True)
         self.session = None
         try:
             self.base = f"http://127.0.0.1:{self._port()}"
             self.session = self._start(size, scale, arguments)
-            self.call("timeouts", {"script": 20000})
+            self.call("timeouts", {"script": 60000})
         except BaseException:
             self.close()
             raise
@@ -69,8 +70,10 @@ class Browser:
         try:
             if self.session:
                 self._send("DELETE", f"/session/{self.session}")
+        except BrowserError:
+            pass  # it ends all the same
         finally:
-            self.driver.terminate()
+            os.killpg(self.driver.pid, signal.SIGKILL)
             self.driver.wait()
             self.driver.stdout.close()
             shutil.rmtree(self.profile, ignore_errors=True)
@@ -79,11 +82,13 @@ class Browser:
         data = None if body is None else json.dumps(body).encode("utf-8")
         request = urllib.request.Request(self.base + path, data, {"Content-Type": "application/json"}, method=method)
         try:
-            with urllib.request.urlopen(request) as reply:
+            with urllib.request.urlopen(request, timeout=ANSWER_LIMIT) as reply:
                 return json.load(reply)["value"]
         except urllib.error.HTTPError as error:
             value = json.load(error)["value"]
             raise BrowserError(f"{value['error']}: {value['message']}") from None
+        except OSError as error:
+            raise BrowserError(f"no answer: {error}") from None
 
     def call(self, path, body=None, method="POST"):
         return self._send(method, f"/session/{self.session}/{path}", body)

@@ -17,10 +17,18 @@ window.webkit = {messageHandlers: {tuppi: {postMessage(body) { window.posted.pus
 
 
 class ViewerCase(unittest.TestCase):
+    browser = None  # one for all tests of a program, which ends with it
+
     @classmethod
     def setUpClass(cls):
-        cls.browser = browser.Browser()
-        cls.addClassCleanup(cls.browser.close)
+        if ViewerCase.browser is None:
+            ViewerCase.browser = browser.Browser()
+            unittest.addModuleCleanup(ViewerCase.end_browser)
+
+    @staticmethod
+    def end_browser():
+        ViewerCase.browser.close()
+        ViewerCase.browser = None
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="page-test-"))
