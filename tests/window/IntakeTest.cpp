@@ -127,6 +127,25 @@ TEST_F(Intake, AnOpenRequestWithoutARecordingDoesNothing)
     EXPECT_NE(panel(), nullptr);
 }
 
+TEST_F(Intake, TheFileDialogTakesWhatADropRefuses)
+{
+    openWindow();
+    const QString song = other(u"song.m4v"_s);
+    EXPECT_FALSE(drop({song}, dropArea()));
+    m_app->chooseFiles();
+    QPointer<QFileDialog> dialog = window()->findChild<QFileDialog *>(u"chooseFiles"_s);
+    ASSERT_TRUE(dialog);
+    ASSERT_TRUE(waitFor([&] { return dialog->isActiveWindow(); }));
+    auto *name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
+    ASSERT_NE(name, nullptr);
+    name->setFocus();
+    name->setText(song);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return !dialog; }));
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(panelFiles(), QStringList{u"song.m4v"_s});
+}
+
 TEST_F(Intake, ADismissedFileDialogAddsNothing)
 {
     openWindow();
