@@ -127,6 +127,38 @@ TEST_F(MenuBar, FooterButtonsHandOnTheirCommands)
     EXPECT_EQ(window()->findChild<QWidget *>(u"addButton"_s)->toolTip(), u"Add audio file"_s);
 }
 
+TEST_F(MenuBar, EditItemsReachTheEditorWithTheKeyboard)
+{
+    openWindow();
+    QLineEdit editor(window());
+    editor.show();
+    editor.setFocus();
+    editor.setText(u"Tuppi"_s);
+    action(u"selectAll"_s)->trigger();
+    EXPECT_EQ(editor.selectedText(), u"Tuppi"_s);
+    action(u"cut"_s)->trigger();
+    EXPECT_EQ(editor.text(), QString());
+    EXPECT_EQ(QApplication::clipboard()->text(), u"Tuppi"_s);
+    action(u"undo"_s)->trigger();
+    EXPECT_EQ(editor.text(), u"Tuppi"_s);
+    action(u"redo"_s)->trigger();
+    EXPECT_EQ(editor.text(), QString());
+    action(u"paste"_s)->trigger();
+    action(u"paste"_s)->trigger();
+    EXPECT_EQ(editor.text(), u"TuppiTuppi"_s);
+    editor.setSelection(0, 2);
+    action(u"copy"_s)->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), u"Tu"_s);
+    action(u"delete"_s)->trigger();
+    EXPECT_EQ(editor.text(), u"ppiTuppi"_s);
+
+    list()->setFocus(); // knows none of them
+    for (const QString &name :
+         {u"undo"_s, u"redo"_s, u"cut"_s, u"copy"_s, u"paste"_s, u"delete"_s, u"selectAll"_s})
+        action(name)->trigger();
+    EXPECT_EQ(editor.text(), u"ppiTuppi"_s);
+}
+
 TEST_F(MenuBar, WindowItemsByTheirKeys)
 {
     openWindow();
