@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QScrollBar>
 
 namespace tuppi {
@@ -81,6 +82,24 @@ void TranscriptList::showRowsInSight()
         if (!view)
             view = takeView();
         place(index, view);
+    }
+    orderTabs();
+}
+
+/// A view may come to serve any row: Tab follows the rows all the same.
+void TranscriptList::orderTabs()
+{
+    QList<QPushButton *> order;
+    const auto [first, last] = rowsInSight();
+    for (int index = first; index <= last; ++index)
+        order += m_shown.value(index)->buttons();
+    if (order == m_tabOrder)
+        return;
+    m_tabOrder = order;
+    QWidget *before = this;
+    for (QPushButton *button : std::as_const(order)) {
+        setTabOrder(before, button);
+        before = button;
     }
 }
 
@@ -263,6 +282,16 @@ void TranscriptList::keyPressEvent(QKeyEvent *event)
         else
             QAbstractScrollArea::keyPressEvent(event);
     }
+}
+
+bool TranscriptList::focusNextPrevChild(bool next)
+{
+    // From the list into the row that is selected, and not through all those above it. Buttons ask here too.
+    const RowView *view = next && hasFocus() ? viewAt(m_selected) : nullptr;
+    if (!view || view->buttons().isEmpty())
+        return QAbstractScrollArea::focusNextPrevChild(next);
+    view->buttons().constFirst()->setFocus(Qt::TabFocusReason);
+    return true;
 }
 
 void TranscriptList::focusInEvent(QFocusEvent *event)

@@ -54,12 +54,14 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     int rowAt(const QPoint &viewportPosition) const;
     void updateScrollRange();
     void showRowsInSight();
     void place(int index, RowView *view);
+    void orderTabs();
     RowView *takeView();
     void retire(RowView *view);
     void scrollTo(int index);
@@ -72,6 +74,7 @@ private:
     ListContent m_content;
     QHash<int, RowView *> m_shown;
     QList<RowView *> m_pool;
+    QList<QPushButton *> m_tabOrder; ///< the buttons in sight, as Tab visits them
     int m_selected = -1;
     QString m_selectedKey;
     QString m_typed;

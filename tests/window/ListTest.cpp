@@ -60,6 +60,7 @@ protected:
             EXPECT_EQ(view->width(), list()->viewport()->width());
         }
     }
+    QStringList rowsThatTabVisits();
 
     QStringList m_opened;
     QStringList m_removed;
@@ -300,6 +301,60 @@ TEST_F(List, AClickOnAButtonLeavesSelectionAndKeyboardAlone)
     expectSelected(1);
     EXPECT_EQ(focusName(), u"table"_s);
     ASSERT_TRUE(waitFor([this] { return m_engine.count(u"pause"_s) == 1; }));
+}
+
+QStringList List::rowsThatTabVisits()
+{
+    QStringList visited;
+    const int buttons = 5 * (page() + 2);
+    for (int step = 0; step < buttons; ++step) {
+        press(Qt::Key_Tab);
+        const QWidget *focus = QApplication::focusWidget();
+        if (!list()->viewport()->isAncestorOf(focus))
+            break;
+        visited.append(qobject_cast<RowView *>(focus->parentWidget())->look().key + u'.' +
+                       focus->objectName());
+    }
+    return visited;
+}
+
+TEST_F(List, TabVisitsTheButtonsInReadingOrder)
+{
+    openWith(readyJobs(200));
+    const auto inReadingOrder = [this] {
+        QStringList order;
+        const auto [first, last] = list()->rowsInSight();
+        for (int index = first; index <= last; ++index) {
+            for (const QPushButton *button : list()->viewAt(index)->buttons())
+                order.append(list()->viewAt(index)->look().key + u'.' + button->objectName());
+        }
+        return order;
+    };
+    tabTo(u"table"_s);
+    list()->selectRow(-1);
+    EXPECT_EQ(rowsThatTabVisits(), inReadingOrder());
+    // Scrolled by a row, the view of the first serves the last.
+    for (int scroll = 1; scroll <= 3; ++scroll) {
+        list()->setFocus();
+        bar()->setValue(scroll * Metrics::rowHeight);
+        EXPECT_EQ(rowsThatTabVisits(), inReadingOrder());
+    }
+    QList<QJsonObject> jobs = readyJobs(200);
+    jobs.insert(4, job(u"new"_s, u"New"_s, u"failed"_s));
+    show(jobs);
+    list()->setFocus();
+    EXPECT_EQ(rowsThatTabVisits(), inReadingOrder());
+}
+
+TEST_F(List, TabGoesFromTheSelectedRowToItsButtons)
+{
+    openWith(readyJobs(50));
+    tabTo(u"table"_s);
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    const QString key = list()->selectedKey();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), rowButton(key, u"openRowViewer"_s));
 }
 
 class RightToLeft : public List
