@@ -107,7 +107,11 @@ void TranscriptList::place(int index, RowView *view)
 {
     RowLook look = m_content.lookAt(index);
     look.selected = index == m_selected;
+    const bool hadFocus = view->isAncestorOf(QApplication::focusWidget());
     view->setLook(look);
+    // A button that vanishes under the keyboard would hand it to the next one, of whatever row that is.
+    if (hadFocus && !view->isAncestorOf(QApplication::focusWidget()))
+        setFocus(Qt::OtherFocusReason);
     view->setGeometry(0, index * Metrics::rowHeight - verticalScrollBar()->value(), viewport()->width(),
                       Metrics::rowHeight);
     view->show();

@@ -155,6 +155,14 @@ TEST_F(List, KeyboardStaysInTheListWhenItsRowScrollsAway)
     EXPECT_EQ(focusName(), u"table"_s);
 }
 
+TEST_F(List, ButtonsThatVanishUnderTheKeyboardHandItToNoOther)
+{
+    openWith({job(u"a"_s, u"A"_s, u"cleaning"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
+    rowButton(u"a"_s, u"cancelRow"_s)->setFocus(Qt::TabFocusReason);
+    show({job(u"a"_s, u"A"_s, u"failed"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
+    EXPECT_EQ(focusName(), u"table"_s);
+}
+
 TEST_F(List, ReloadKeepsTheScrollPlace)
 {
     QList<QJsonObject> jobs = readyJobs(500);
