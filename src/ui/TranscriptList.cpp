@@ -184,8 +184,7 @@ bool TranscriptList::viewportEvent(QEvent *event)
     }
     if (event->type() == QEvent::ContextMenu) {
         const auto *menu = static_cast<QContextMenuEvent *>(event);
-        const bool byKeyboard = menu->reason() == QContextMenuEvent::Keyboard;
-        const int index = byKeyboard ? m_selected : rowAt(menu->pos());
+        const int index = rowAt(menu->pos());
         Q_EMIT menuRequested(index < 0 ? QString() : m_content.keyAt(index), menu->globalPos());
         return true;
     }
@@ -286,6 +285,16 @@ void TranscriptList::keyPressEvent(QKeyEvent *event)
         else
             QAbstractScrollArea::keyPressEvent(event);
     }
+}
+
+/// Of the menu key alone: a click is the viewport's.
+void TranscriptList::contextMenuEvent(QContextMenuEvent *)
+{
+    if (m_selected >= 0)
+        scrollTo(m_selected);
+    const RowView *view = viewAt(m_selected);
+    const QWidget *place = view ? view : viewport();
+    Q_EMIT menuRequested(m_selectedKey, place->mapToGlobal(place->rect().center()));
 }
 
 bool TranscriptList::focusNextPrevChild(bool next)

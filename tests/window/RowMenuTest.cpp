@@ -163,6 +163,19 @@ TEST_F(OnTheRowMenu, EveryItemSpeaksForItself)
     EXPECT_EQ(expected.size(), onReady.size());
 }
 
+TEST_F(OnTheRowMenu, TheMenuKeyOpensItForTheSelectedRow)
+{
+    openWith({job(u"a"_s, u"A"_s, u"transcribing"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
+    test::tabTo(u"table"_s);
+    list()->selectRow(1);
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
+    QCoreApplication::sendEvent(window()->windowHandle(), &key);
+    ASSERT_NE(menu(), nullptr);
+    const QRect selected(row(u"b"_s)->mapToGlobal(QPoint()), row(u"b"_s)->size());
+    EXPECT_TRUE(selected.contains(menu()->pos())) << "it opens at the row";
+    EXPECT_EQ(usable(), onReady);
+}
+
 TEST_F(OnTheRowMenu, TheMenuKeyOnAButtonOpensTheMenuOfItsRow)
 {
     openWith({job(u"a"_s, u"A"_s, u"transcribing"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
