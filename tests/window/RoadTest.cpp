@@ -3,14 +3,22 @@
 #include "window/WindowTest.h"
 
 #include "ui/Colours.h"
+#include "ui/ModelCard.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
 
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 using test::Answer;
 using test::click;
 using test::Drag;
+using test::focusName;
 using test::job;
+using test::press;
 using test::Shown;
+using test::tabTo;
 using test::waitFor;
 
 namespace {
@@ -58,6 +66,10 @@ protected:
     void dropAndStart();
     void waitInLineAndBeTaken();
     void pauseAndResumeByMouse();
+    void chooseByKeyboard();
+    void startByKeyboard();
+    void pauseAndResumeByKeyboard();
+    void cancelByKeyboard();
 
     QString m_file;
 };
@@ -201,6 +213,106 @@ TEST_F(Road, WaitingFileIsRemovedByMouse)
     EXPECT_EQ(row(u"wait:"_s + m_file), nullptr);
     EXPECT_EQ(summary(), u"Working on 1 file"_s);
     EXPECT_EQ(storedPaths(), QStringList());
+}
+
+void Road::chooseByKeyboard()
+{
+    press(Qt::Key_O, Qt::ControlModifier);
+    QPointer<QFileDialog> dialog = window()->findChild<QFileDialog *>(u"chooseFiles"_s);
+    ASSERT_TRUE(dialog);
+    ASSERT_TRUE(waitFor([&] { return dialog->isActiveWindow(); }));
+    ASSERT_TRUE(tabTo(u"fileNameEdit"_s));
+    // At once, and not key by key: the dialog's own suggestions are no part of the road.
+    qobject_cast<QLineEdit *>(QApplication::focusWidget())->setText(m_file);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return !dialog; }));
+    ASSERT_NE(panel(), nullptr);
+}
+
+void Road::startByKeyboard()
+{
+    panel()->activateWindow();
+    ASSERT_TRUE(waitFor([this] { return panel()->isActiveWindow(); }));
+    EXPECT_EQ(focusName(), u"startButton"_s);
+    ASSERT_TRUE(tabTo(u"model.whisper"_s));
+    press(Qt::Key_Space);
+    ASSERT_TRUE(tabTo(u"quick"_s));
+    press(Qt::Key_Space);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(panelCloses());
+    ASSERT_TRUE(rowSays(u"job-1"_s, u"Starting…"_s));
+    EXPECT_EQ(m_engine.calls(u"process"_s),
+              QList<QStringList>(
+                  {{u"process"_s, m_file, u"--background"_s, u"--engine"_s, u"whisper"_s, u"--language"_s,
+                    u"en"_s, u"--no-clean"_s, u"--no-analyze"_s, u"--speakers"_s}}));
+    activate();
+}
+
+void Road::pauseAndResumeByKeyboard()
+{
+    ASSERT_TRUE(tabTo(u"table"_s));
+    press(Qt::Key_Down);
+    EXPECT_EQ(list()->selectedKey(), u"job-1"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), u"pauseRow"_s);
+    obey(u"pause"_s, interview(u"transcribing"_s, true));
+    press(Qt::Key_Space);
+    ASSERT_TRUE(rowSays(u"job-1"_s, u"Paused — Listening and writing down…"_s));
+    // The keyboard is where it was: the same button now resumes.
+    EXPECT_EQ(focusName(), u"resumeRow"_s);
+    obey(u"continue"_s, interview(u"transcribing"_s));
+    press(Qt::Key_Space);
+    ASSERT_TRUE(rowSays(u"job-1"_s, u"Listening and writing down…"_s));
+    EXPECT_EQ(focusName(), u"pauseRow"_s);
+}
+
+void Road::cancelByKeyboard()
+{
+    obey(u"cancel"_s, interview(u"cancelled"_s));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), u"cancelRow"_s);
+    press(Qt::Key_Space);
+    ASSERT_NE(sheet(), nullptr);
+    ASSERT_TRUE(waitFor([this] { return sheet()->isActiveWindow(); }));
+    press(Qt::Key_Return);
+    ASSERT_TRUE(sheetCloses());
+    settle();
+    EXPECT_EQ(m_engine.count(u"cancel"_s), 0) << "Return keeps going";
+
+    activate();
+    EXPECT_EQ(focusName(), u"cancelRow"_s);
+    press(Qt::Key_Return);
+    ASSERT_NE(sheet(), nullptr);
+    ASSERT_TRUE(waitFor([this] { return sheet()->isActiveWindow(); }));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(sheetCloses());
+    settle();
+    EXPECT_EQ(m_engine.count(u"cancel"_s), 0) << "Escape keeps going";
+
+    activate();
+    press(Qt::Key_Space);
+    ASSERT_TRUE(waitFor([this] { return sheet() && sheet()->isActiveWindow(); }));
+    ASSERT_TRUE(tabTo(u"sheetButton1"_s));
+    press(Qt::Key_Space);
+    ASSERT_TRUE(rowSays(u"job-1"_s, u"Cancelled — press Start Again to continue where it stopped"_s));
+    activate();
+}
+
+TEST_F(Road, ByKeyboardAlone)
+{
+    openWindow();
+    ASSERT_NO_FATAL_FAILURE(chooseByKeyboard());
+    ASSERT_NO_FATAL_FAILURE(startByKeyboard());
+    become(u"transcribing"_s);
+    ASSERT_NO_FATAL_FAILURE(pauseAndResumeByKeyboard());
+    ASSERT_NO_FATAL_FAILURE(cancelByKeyboard());
+    ASSERT_TRUE(tabTo(u"retryRow"_s));
+    obey(u"retry"_s, interview(u"transcribing"_s));
+    press(Qt::Key_Space);
+    ASSERT_TRUE(rowSays(u"job-1"_s, u"Listening and writing down…"_s));
+    become(u"ready"_s);
+    EXPECT_EQ(shown(u"job-1"_s), (Shown{u"Interview"_s, done, u"done"_s, false, -2, readyButtons, false}));
+    ASSERT_TRUE(tabTo(u"openRowViewer"_s));
 }
 
 } // namespace
