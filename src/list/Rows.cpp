@@ -4,7 +4,6 @@
 #include "settings/L.h"
 
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QJsonDocument>
 
 namespace tuppi {
@@ -17,9 +16,8 @@ QJsonObject startingRow()
     return {{u"local"_s, true}, {u"title"_s, L(u"Preparing…"_s)}, {u"status"_s, u"starting"_s}};
 }
 
-QJsonObject waitingRow(const WaitingEntry &entry, qsizetype index)
+QJsonObject waitingRow(const QString &path, qsizetype index)
 {
-    const QString path = WaitingPath(entry);
     return {{u"local"_s, true},
             {u"waitIndex"_s, qint64(index)},
             {u"waitPath"_s, path},
@@ -27,13 +25,14 @@ QJsonObject waitingRow(const WaitingEntry &entry, qsizetype index)
             {u"title"_s, QFileInfo(path).completeBaseName()}};
 }
 
-/// The engine's rows enter by their digest, which was made when the reply was read: rendering ten thousand
-/// of them at every refresh is what the signature is there to avoid.
-QString signatureOf(const QJsonArray &localRows, const JobsState &jobs)
+/// The rows enter by what they are made of, the local ones by their keys and the engine's by the digest made
+/// when the reply was read: rendering ten thousand of them at every refresh is what the signature is there to
+/// avoid.
+QString signatureOf(const QString &localKeys, const JobsState &jobs)
 {
-    const QByteArray rows = QJsonDocument(localRows).toJson(QJsonDocument::Compact) + jobs.history->digest.toHex();
+    const QString rows = localKeys + QString::fromLatin1(jobs.history->digest.toHex());
     const QByteArray latest = jobs.latestJob ? QJsonDocument(*jobs.latestJob).toJson(QJsonDocument::Compact) : QByteArray();
-    return Fill(u"%@|%@|%@"_s, {QString::fromUtf8(rows), QString::fromUtf8(latest), jobs.waiting.size()});
+    return Fill(u"%@|%@|%@"_s, {rows, QString::fromUtf8(latest), jobs.waiting.size()});
 }
 
 } // namespace
@@ -49,20 +48,23 @@ QString RowKey(const QJsonObject &row)
 
 RowList BuildRows(const JobsState &jobs)
 {
+    constexpr QChar end = QChar::Null; // no path holds it
     RowList list;
-    QJsonArray local;
+    QString localKeys;
     list.counts = jobs.history->counts;
+    list.rows.reserve(jobs.waiting.size() + 1 + jobs.history->listed.size());
     if (jobs.starting) {
-        local.append(startingRow());
+        list.rows.append(startingRow());
+        localKeys += u"starting"_s + end;
         ++list.counts.active;
     }
-    for (qsizetype index = 0; index < jobs.waiting.size(); ++index)
-        local.append(waitingRow(jobs.waiting.at(index), index));
-    list.rows.reserve(local.size() + jobs.history->listed.size());
-    for (const QJsonValue &row : local)
-        list.rows.append(row.toObject());
+    for (qsizetype index = 0; index < jobs.waiting.size(); ++index) {
+        const QString path = WaitingPath(jobs.waiting.at(index));
+        list.rows.append(waitingRow(path, index));
+        localKeys += u"wait:"_s + path + end;
+    }
     list.rows += jobs.history->listed;
-    list.signature = signatureOf(local, jobs);
+    list.signature = signatureOf(localKeys, jobs);
     return list;
 }
 
