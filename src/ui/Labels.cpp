@@ -146,7 +146,11 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
             lines.width = width;
             break;
         }
-        lines.texts.append(onOneLine(whole.mid(line.textStart(), line.textLength())));
+        QString shown = onOneLine(whole.mid(line.textStart(), line.textLength()));
+        // The blank that the line was broken at would stand at the edge of a mirrored one.
+        while (shown.endsWith(u' '))
+            shown.chop(1);
+        lines.texts.append(shown);
         lines.width = qMax(lines.width, line.naturalTextWidth());
     }
     layout.endLayout();
