@@ -1,5 +1,7 @@
 #include "ui/TranscriptList.h"
 
+#include "ui/Accessibility.h"
+
 #include "settings/L.h"
 #include "ui/Metrics.h"
 
@@ -18,6 +20,7 @@ TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
     , m_makeRow(std::move(makeRow))
 {
     setObjectName(u"table"_s);
+    installControlAccessibility(); // before the name: with it the toolkit makes the interface that it keeps
     setAccessibleName(L(u"Transcripts"_s));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
