@@ -1,8 +1,7 @@
 #include "ui/TranscriptList.h"
 
-#include "ui/Accessibility.h"
-
 #include "settings/L.h"
+#include "ui/Accessibility.h"
 #include "ui/Metrics.h"
 
 #include <QAccessible>
