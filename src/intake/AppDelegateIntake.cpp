@@ -102,7 +102,8 @@ void AppDelegate::chooseFiles()
 {
     QWidget *window = m_setup.panel.data();
     QFileDialog *dialog = ChooseFilesDialog(window ? window : m_ui.window.get());
-    connect(dialog, &QFileDialog::urlsSelected, this, &AppDelegate::addFiles);
+    // Of urlsSelected() a dialog drawn by Qt itself, where the desktop has none of its own, knows nothing.
+    connect(dialog, &QDialog::accepted, this, [this, dialog] { addFiles(dialog->selectedUrls()); });
     dialog->open();
 }
 

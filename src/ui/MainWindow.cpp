@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStackedLayout>
@@ -25,10 +26,18 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The names under which Qt's own editors know the editing commands.
-QByteArray slotFor(const QString &action)
+/// Runs an editing command on whatever has the keyboard, if that knows it.
+void edit(QWidget *focus, const QString &action)
 {
-    return action == "delete"_L1 ? QByteArray("del") : action.toLatin1();
+    if (action == "delete"_L1) {
+        // The editors have no slot for it, only a key, which means other things elsewhere.
+        if (!focus->testAttribute(Qt::WA_InputMethodEnabled))
+            return;
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
+        QCoreApplication::sendEvent(focus, &press);
+    } else if (focus->metaObject()->indexOfMethod((action.toLatin1() + "()").constData()) >= 0) {
+        QMetaObject::invokeMethod(focus, action.toLatin1().constData());
+    }
 }
 
 } // namespace
@@ -82,9 +91,8 @@ void MainWindow::performForFocus(const QString &action)
         window->close();
     else if (action == "hide"_L1 || action == "performMiniaturize"_L1)
         window->showMinimized();
-    else if (QWidget *focus = QApplication::focusWidget();
-             focus && focus->metaObject()->indexOfMethod((slotFor(action) + QByteArray("()")).constData()) >= 0)
-        QMetaObject::invokeMethod(focus, slotFor(action).constData());
+    else if (QWidget *focus = QApplication::focusWidget())
+        edit(focus, action);
 }
 
 QWidget *MainWindow::buildEmptyState(Stage &stage)

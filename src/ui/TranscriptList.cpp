@@ -3,11 +3,13 @@
 #include "settings/L.h"
 #include "ui/Accessibility.h"
 #include "ui/Metrics.h"
+#include "ui/SlimScrollBar.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QScrollBar>
 
 namespace tuppi {
@@ -23,6 +25,7 @@ TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
     setAccessibleName(L(u"Transcripts"_s));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new SlimScrollBar(Qt::Vertical));
     setFocusPolicy(Qt::StrongFocus);
     // What lies behind, the drop area, shows between the cards and takes the drops.
     viewport()->setAutoFillBackground(false);
@@ -84,13 +87,35 @@ void TranscriptList::showRowsInSight()
             view = takeView();
         place(index, view);
     }
+    orderTabs();
+}
+
+/// A view may come to serve any row: Tab follows the rows all the same.
+void TranscriptList::orderTabs()
+{
+    QList<QPushButton *> order;
+    const auto [first, last] = rowsInSight();
+    for (int index = first; index <= last; ++index)
+        order += m_shown.value(index)->buttons();
+    if (order == m_tabOrder)
+        return;
+    m_tabOrder = order;
+    QWidget *before = this;
+    for (QPushButton *button : std::as_const(order)) {
+        setTabOrder(before, button);
+        before = button;
+    }
 }
 
 void TranscriptList::place(int index, RowView *view)
 {
     RowLook look = m_content.lookAt(index);
     look.selected = index == m_selected;
+    const bool hadFocus = view->isAncestorOf(QApplication::focusWidget());
     view->setLook(look);
+    // A button that vanishes under the keyboard would hand it to the next one, of whatever row that is.
+    if (hadFocus && !view->isAncestorOf(QApplication::focusWidget()))
+        setFocus(Qt::OtherFocusReason);
     view->setGeometry(0, index * Metrics::rowHeight - verticalScrollBar()->value(), viewport()->width(),
                       Metrics::rowHeight);
     view->show();
@@ -163,8 +188,7 @@ bool TranscriptList::viewportEvent(QEvent *event)
     }
     if (event->type() == QEvent::ContextMenu) {
         const auto *menu = static_cast<QContextMenuEvent *>(event);
-        const bool byKeyboard = menu->reason() == QContextMenuEvent::Keyboard;
-        const int index = byKeyboard ? m_selected : rowAt(menu->pos());
+        const int index = rowAt(menu->pos());
         Q_EMIT menuRequested(index < 0 ? QString() : m_content.keyAt(index), menu->globalPos());
         return true;
     }
@@ -265,6 +289,26 @@ void TranscriptList::keyPressEvent(QKeyEvent *event)
         else
             QAbstractScrollArea::keyPressEvent(event);
     }
+}
+
+/// Of the menu key alone: a click is the viewport's.
+void TranscriptList::contextMenuEvent(QContextMenuEvent *)
+{
+    if (m_selected >= 0)
+        scrollTo(m_selected);
+    const RowView *view = viewAt(m_selected);
+    const QWidget *place = view ? view : viewport();
+    Q_EMIT menuRequested(m_selectedKey, place->mapToGlobal(place->rect().center()));
+}
+
+bool TranscriptList::focusNextPrevChild(bool next)
+{
+    // From the list into the row that is selected, and not through all those above it. Buttons ask here too.
+    const RowView *view = next && hasFocus() ? viewAt(m_selected) : nullptr;
+    if (!view || view->buttons().isEmpty())
+        return QAbstractScrollArea::focusNextPrevChild(next);
+    view->buttons().constFirst()->setFocus(Qt::TabFocusReason);
+    return true;
 }
 
 void TranscriptList::focusInEvent(QFocusEvent *event)

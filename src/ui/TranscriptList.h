@@ -52,14 +52,17 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     int rowAt(const QPoint &viewportPosition) const;
     void updateScrollRange();
     void showRowsInSight();
     void place(int index, RowView *view);
+    void orderTabs();
     RowView *takeView();
     void retire(RowView *view);
     void scrollTo(int index);
@@ -72,6 +75,7 @@ private:
     ListContent m_content;
     QHash<int, RowView *> m_shown;
     QList<RowView *> m_pool;
+    QList<QPushButton *> m_tabOrder; ///< the buttons in sight, as Tab visits them
     int m_selected = -1;
     QString m_selectedKey;
     QString m_typed;

@@ -1,0 +1,268 @@
+// Prints how long the main thread is held at the longest while the window shows many transcripts.
+
+#include "app/AppDelegate.h"
+#include "settings/Defaults.h"
+#include "support/ScriptedEngine.h"
+#include "ui/Appearance.h"
+#include "ui/MainWindow.h"
+#include "ui/Metrics.h"
+#include "ui/TranscriptList.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QScrollBar>
+#include <QTest>
+#include <QTimer>
+
+#include <cstdio>
+#include <ctime>
+
+using namespace Qt::StringLiterals;
+using namespace tuppi;
+
+namespace {
+
+qint64 threadNanoseconds()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+}
+
+/// Asks the event loop for its turn again and again and keeps the longest time that it took to get it: by the
+/// clock, which on a busy machine holds other programs' turns too, and in processor time of the main thread.
+class Probe
+{
+public:
+    Probe()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { turn(); });
+        restart();
+        m_timer.start(0);
+    }
+    void restart()
+    {
+        m_longestClock = m_longestProcessor = 0;
+        begin();
+    }
+    void turn()
+    {
+        m_longestClock = qMax(m_longestClock, m_clock.nsecsElapsed());
+        m_longestProcessor = qMax(m_longestProcessor, threadNanoseconds() - m_processor);
+        begin();
+    }
+    void print(const char *what)
+    {
+        turn();
+        printf("  %-44s longest stall %8.2f ms, of it at work %8.2f ms\n", what, double(m_longestClock) / 1e6,
+               double(m_longestProcessor) / 1e6);
+        fflush(stdout);
+    }
+
+private:
+    void begin()
+    {
+        m_clock.start();
+        m_processor = threadNanoseconds();
+    }
+
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    qint64 m_processor = 0;
+    qint64 m_longestClock = 0;
+    qint64 m_longestProcessor = 0;
+};
+
+void turnUntil(const std::function<bool()> &condition)
+{
+    while (!condition())
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+}
+
+QJsonArray someJobs(int count)
+{
+    const QStringList resting{u"ready"_s, u"ready"_s, u"ready"_s, u"failed"_s, u"cancelled"_s};
+    QJsonArray jobs;
+    for (int i = 0; i < count; ++i) {
+        jobs.append(QJsonObject{
+            {u"id"_s, u"20250314-102233-%1"_s.arg(i, 6, 10, '0'_L1)},
+            {u"status"_s, i == 0 ? u"transcribing"_s : resting.at(i % resting.size())},
+            {u"paused"_s, false},
+            {u"hidden"_s, false},
+            {u"title"_s, u"Interview with the director of the school, part %1"_s.arg(i)},
+            {u"call_dir"_s, u"/home/somebody/Documents/CallsRawFiles/2025-03-14 10-22 %1"_s.arg(i)},
+            {u"recorded_at"_s, u"2025-03-14T10:22:33"_s},
+            {u"duration_seconds"_s, 60 + i % 5000},
+            {u"engine"_s, i % 2 == 0 ? u"whisper"_s : u"parakeet"_s},
+            {u"engine_choice"_s, u"auto"_s},
+            {u"language"_s, i % 3 == 0 ? u"uk"_s : u"en"_s},
+            {u"completed_at"_s, u"2025-03-14T10:52:33"_s}});
+    }
+    return jobs;
+}
+
+class Measurement
+{
+public:
+    explicit Measurement(int jobs)
+        : m_jobs(someJobs(jobs))
+        , m_defaults(Defaults::userPath())
+        , m_app(m_defaults)
+    {
+        answerHistory();
+    }
+
+    void run()
+    {
+        printf("%lld jobs\n", qlonglong(m_jobs.size()));
+        open();
+        scroll();
+        change();
+        useKeyboard();
+        addFiles();
+    }
+
+private:
+    void open()
+    {
+        m_probe.restart();
+        m_app.applicationDidFinishLaunching(AppDelegate::Face::Window);
+        m_probe.print("building and showing the window");
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *window = qobject_cast<MainWindow *>(widget))
+                m_window = window;
+        }
+        measure("the first history",
+                [this] { turnUntil([this] { return m_app.jobs().loaded && !m_app.jobs().polling; }); });
+        measure("painting it", [this] { turns(); });
+        measure("the loop alone", [this] { turns(); });
+    }
+
+    void scroll()
+    {
+        QScrollBar *bar = m_window->list()->verticalScrollBar();
+        const auto to = [this, bar](int value) {
+            bar->setValue(value);
+            QCoreApplication::processEvents();
+        };
+        measure("scrolling by 40 pixels, 500 times", [&] {
+            for (int i = 0; i < 500; ++i)
+                to(40 * i);
+        });
+        measure("scrolling through in 300 steps", [&] {
+            for (int i = 0; i <= 300; ++i)
+                to(int(qint64(bar->maximum()) * i / 300));
+        });
+        measure("from the end to the top", [&] { to(0); });
+    }
+
+    void change()
+    {
+        measure("a poll that changes nothing", [this] { poll(); });
+        setTitle(2, u"A row in sight"_s);
+        measure("a poll that changes a row in sight", [this] { poll(); });
+        setTitle(9000, u"A row out of sight"_s);
+        measure("a poll that changes a row out of sight", [this] { poll(); });
+        m_engine.answerStatus(R"({"latest_job":{"id":"20250314-102233-000000","progress":"46%"}})");
+        measure("a poll with progress", [this] { poll(); });
+        m_window->list()->selectRow(int(m_jobs.size()) - 1);
+        setTitle(2, u"Changed again"_s);
+        measure("the same with the last row selected", [this] { poll(); });
+        m_jobs.removeAt(1);
+        answerHistory();
+        measure("a poll without a row", [this] { poll(); });
+    }
+
+    void useKeyboard()
+    {
+        const auto press = [this](const char *what, Qt::Key key) {
+            measure(what, [this, key] {
+                QTest::keyClick(m_window->list(), key);
+                turns();
+            });
+        };
+        press("Home", Qt::Key_Home);
+        press("End", Qt::Key_End);
+        press("Page Up", Qt::Key_PageUp);
+        press("a letter that begins no title", Qt::Key_Q);
+        measure("a new width", [this] {
+            for (int width = 800; width < 1000; width += 10) {
+                m_window->resize(width, m_window->height());
+                QCoreApplication::processEvents();
+            }
+        });
+    }
+
+    void addFiles()
+    {
+        QList<QUrl> files;
+        QStringList paths;
+        for (int i = 0; i < 5000; ++i) {
+            paths.append(m_engine.home() + u"/part %1.m4a"_s.arg(i));
+            files.append(QUrl::fromLocalFile(paths.last()));
+        }
+        measure("5,000 files into the panel", [&] {
+            m_app.addFiles(files);
+            turns();
+        });
+        measure("closing the panel", [this] {
+            m_app.cancelSetup();
+            turns();
+        });
+        measure("5,000 files queued", [&] {
+            m_app.enqueue(paths, {});
+            turns();
+        });
+        measure("a poll that changes nothing", [this] { poll(); });
+    }
+
+    template <typename Work> void measure(const char *what, Work work)
+    {
+        m_probe.restart();
+        work();
+        m_probe.print(what);
+    }
+    static void turns()
+    {
+        for (int turn = 0; turn < 200; ++turn)
+            QCoreApplication::processEvents();
+    }
+    void poll()
+    {
+        turnUntil([this] { return !m_app.jobs().polling; });
+        m_app.poll();
+        turnUntil([this] { return !m_app.jobs().polling; });
+        turns();
+    }
+    void setTitle(int index, const QString &title)
+    {
+        QJsonObject changed = m_jobs.at(index).toObject();
+        changed[u"title"_s] = title;
+        m_jobs[index] = changed;
+        answerHistory();
+    }
+    void answerHistory() { m_engine.answerHistory(QJsonDocument(m_jobs).toJson(QJsonDocument::Compact)); }
+
+    QJsonArray m_jobs;
+    test::ScriptedEngine m_engine;
+    Defaults m_defaults;
+    AppDelegate m_app;
+    MainWindow *m_window = nullptr;
+    Probe m_probe;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    applyAppearance(application);
+    for (const int jobs : {100, 10'000})
+        Measurement(jobs).run();
+    return 0;
+}
