@@ -111,6 +111,7 @@ private:
     bool storeQueue(const QVariant &startInFlight);
     QVariant storedStart() const;
     void runOnJob(const QStringList &arguments, const QString &title);
+    void resetEngineThatIsGone();
     void followDesktop();
     MediaLengths &mediaLengths();
     QString jobIdOf(const QString &rowKey) const;

@@ -70,7 +70,7 @@ History ArrangeHistory(const QJsonArray &jobs)
 
 HistoryReply ReadHistory(const RawReply &raw, const HistoryPointer &previous)
 {
-    if (previous && previous->source == raw.out)
+    if (previous && !previous->source.isEmpty() && previous->source == raw.out)
         return {raw.status, previous};
     const std::optional<QJsonArray> jobs = ReadArray(raw.out);
     if (!jobs)

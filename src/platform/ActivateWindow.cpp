@@ -31,8 +31,8 @@ public:
     /// Lets the window manager tie the window to the launch that the token belongs to.
     void setStartupId(xcb_window_t window, const QByteArray &id)
     {
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_STARTUP_ID"), atom("UTF8_STRING"), 8,
-                            uint32_t(id.size()), id.constData());
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_STARTUP_ID"),
+                            atom("UTF8_STRING"), 8, uint32_t(id.size()), id.constData());
     }
 
     /// Ends the busy pointer of the launch: nothing else does when the launched process has no window.
@@ -43,11 +43,13 @@ public:
         QByteArray text = "remove: ID=\"" + escaped + '"';
         text.append('\0');
         const xcb_window_t sender = xcb_generate_id(m_connection);
-        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, sender, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                          XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, sender, m_root, -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         for (qsizetype at = 0; at < text.size(); at += 20) {
-            xcb_client_message_event_t event = message(sender, at == 0 ? "_NET_STARTUP_INFO_BEGIN" : "_NET_STARTUP_INFO", 8);
-            std::memcpy(event.data.data8, text.constData() + at, size_t(qMin<qsizetype>(20, text.size() - at)));
+            xcb_client_message_event_t event =
+                message(sender, at == 0 ? "_NET_STARTUP_INFO_BEGIN" : "_NET_STARTUP_INFO", 8);
+            std::memcpy(event.data.data8, text.constData() + at,
+                        size_t(qMin<qsizetype>(20, text.size() - at)));
             send(event, XCB_EVENT_MASK_PROPERTY_CHANGE);
         }
         xcb_destroy_window(m_connection, sender);
@@ -135,11 +137,9 @@ void ActivateWindow(QWindow *window, const QString &token)
         window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     window->raise();
     auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (token.isEmpty())
-        window->requestActivate();
-    else if (x11)
+    if (x11 && !token.isEmpty())
         activateOnX11(x11->connection(), window, token);
-    else if (QGuiApplication::platformName().startsWith(u"wayland"_s))
+    else if (!token.isEmpty() && QGuiApplication::platformName().startsWith(u"wayland"_s))
         activateOnWayland(window, token);
     else
         window->requestActivate();

@@ -13,9 +13,9 @@ namespace tuppi {
 inline constexpr int serviceLimit = 5000;
 
 /// Sends a method call and returns at once. The reply, or the error message that stands for it (no bus, no
-/// such service, no answer within `limit` milliseconds), goes to `then` on `context`'s thread; not at all when
-/// `context` is gone by then.
-void CallLater(QDBusConnection bus, const QDBusMessage &call, int limit, QObject *context,
+/// such service, no answer within `limit` milliseconds), goes to `then` on `context`'s thread; not at all
+/// when `context` is gone by then.
+void CallLater(const QDBusConnection &bus, const QDBusMessage &call, int limit, QObject *context,
                std::function<void(const QDBusMessage &)> then);
 
 } // namespace tuppi

@@ -44,7 +44,9 @@ struct MediaLengths::Work
     void deliver(const QString &path, double seconds)
     {
         if (owner)
-            QMetaObject::invokeMethod(owner, [to = owner, path, seconds] { Q_EMIT to->measured(path, seconds); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                owner, [to = owner, path, seconds] { Q_EMIT to->measured(path, seconds); },
+                Qt::QueuedConnection);
     }
 };
 

@@ -61,7 +61,8 @@ std::optional<double> AnimationDurationFactor(const QByteArray &kdeglobals)
     return factor;
 }
 
-ReducedMotion::ReducedMotion(const QDBusConnection &session, const QString &kdeglobals, int limit, QObject *parent)
+ReducedMotion::ReducedMotion(const QDBusConnection &session, const QString &kdeglobals, int limit,
+                             QObject *parent)
     : QObject(parent)
     , m_bus(session)
     , m_kdeglobals(kdeglobals)
@@ -74,7 +75,8 @@ ReducedMotion::ReducedMotion(const QDBusConnection &session, const QString &kdeg
     // Without a sender in the rule: naming one makes Qt ask the bus for its owner and wait for the answer.
     m_bus.connect(QString(), portalPath, portalInterface, u"SettingChanged"_s, this,
                   SLOT(settingChanged(QDBusMessage)));
-    auto *watcher = new QDBusServiceWatcher(portalService, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
+    auto *watcher =
+        new QDBusServiceWatcher(portalService, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &ReducedMotion::askPortal);
     askPortal();
 }
@@ -103,7 +105,8 @@ void ReducedMotion::askPortal()
     m_asking = true;
     m_askAgain = false;
     // Both groups in one call, the only one that every version of the portal has.
-    QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
     call << QStringList{appearance, gnomeInterface};
     CallLater(m_bus, call, m_limit, this, [this](const QDBusMessage &reply) { readPortal(reply); });
 }
@@ -141,7 +144,8 @@ void ReducedMotion::watchKdeglobals()
     }
     // The file for writes in place, its folder for a file that is replaced or appears.
     for (const QString &path : {m_kdeglobals, QFileInfo(m_kdeglobals).path()}) {
-        if (QFileInfo::exists(path) && !m_watcher->files().contains(path) && !m_watcher->directories().contains(path))
+        if (QFileInfo::exists(path) && !m_watcher->files().contains(path) &&
+            !m_watcher->directories().contains(path))
             m_watcher->addPath(path);
     }
 }

@@ -109,7 +109,8 @@ SingleInstance::~SingleInstance()
 SingleInstance::Role SingleInstance::start(const QList<QUrl> &urls, const QVariantMap &tokens, int limit)
 {
     // Before the name, so that nobody who finds the name misses the object.
-    if (!m_bus.isConnected() || !m_bus.registerObject(applicationObjectPath, this, QDBusConnection::ExportAdaptors))
+    if (!m_bus.isConnected() ||
+        !m_bus.registerObject(applicationObjectPath, this, QDBusConnection::ExportAdaptors))
         return Role::Alone;
     const QDeadlineTimer deadline(limit);
     // Again when the owner has gone while it was asked.
@@ -152,7 +153,8 @@ void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap &platfo
     Q_EMIT m_instance->openRequested(urls, tokenOf(platformData));
 }
 
-void ApplicationAdaptor::ActivateAction(const QString &, const QVariantList &, const QVariantMap &platformData)
+void ApplicationAdaptor::ActivateAction(const QString &, const QVariantList &,
+                                        const QVariantMap &platformData)
 {
     Q_EMIT m_instance->activated(tokenOf(platformData));
 }

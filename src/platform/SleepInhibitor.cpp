@@ -55,8 +55,8 @@ void giveBack(const QDBusConnection &bus, const QString &asked, const QDBusMessa
 
 } // namespace
 
-SleepInhibitor::SleepInhibitor(const QDBusConnection &session, const QDBusConnection &system, const QString &reason,
-                               int limit, QObject *parent)
+SleepInhibitor::SleepInhibitor(const QDBusConnection &session, const QDBusConnection &system,
+                               const QString &reason, int limit, QObject *parent)
     : QObject(parent)
     , m_session(session)
     , m_system(system)
@@ -125,7 +125,8 @@ void SleepInhibitor::askPortal()
     listen(request, true);
     setStage(Stage::AskingPortal);
 
-    QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"Inhibit"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"Inhibit"_s);
     call << QString() << suspendFlag << QVariantMap{{u"handle_token"_s, token}, {u"reason"_s, m_reason}};
     // The reply is awaited beyond this object's life, so that a grant is never left behind.
     QPointer<SleepInhibitor> self(this);
@@ -156,7 +157,8 @@ void SleepInhibitor::takePortalReply(const QDBusMessage &reply)
 
 void SleepInhibitor::portalResponded(const QDBusMessage &signal)
 {
-    const bool ours = signal.path() == m_request && (m_stage == Stage::AskingPortal || m_stage == Stage::HeldByPortal);
+    const bool ours =
+        signal.path() == m_request && (m_stage == Stage::AskingPortal || m_stage == Stage::HeldByPortal);
     const bool granted = signal.signature().startsWith(u'u') && signal.arguments().constFirst().toUInt() == 0;
     if (ours && !granted)
         portalFailed();
@@ -180,7 +182,8 @@ void SleepInhibitor::serviceAppeared(const QString &name)
 void SleepInhibitor::askLogind()
 {
     setStage(Stage::AskingLogind);
-    QDBusMessage call = QDBusMessage::createMethodCall(logindService, logindPath, logindInterface, u"Inhibit"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(logindService, logindPath, logindInterface, u"Inhibit"_s);
     call << u"sleep"_s << u"Tuppi Transcriber"_s << m_reason << u"block"_s;
     // A reply that nobody waits for any more closes its descriptor, and with it the lock.
     CallLater(m_system, call, m_limit, this, [this, question = ++m_question](const QDBusMessage &reply) {
@@ -216,9 +219,11 @@ void SleepInhibitor::listen(const QString &request, bool on)
     // Without a sender in the rule: naming one makes Qt ask the bus for its owner and wait for the answer.
     const QString name = u"Response"_s;
     if (on)
-        m_session.connect(QString(), request, requestInterface, name, this, SLOT(portalResponded(QDBusMessage)));
+        m_session.connect(QString(), request, requestInterface, name, this,
+                          SLOT(portalResponded(QDBusMessage)));
     else
-        m_session.disconnect(QString(), request, requestInterface, name, this, SLOT(portalResponded(QDBusMessage)));
+        m_session.disconnect(QString(), request, requestInterface, name, this,
+                             SLOT(portalResponded(QDBusMessage)));
 }
 
 } // namespace tuppi

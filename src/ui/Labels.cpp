@@ -25,6 +25,14 @@ constexpr int hintWidth = 400;
 // Other scripts may stand taller than the font's own line.
 constexpr int oneLine = Qt::TextSingleLine | Qt::TextDontClip;
 
+/// The blank that a line breaks at is no part of it: at the trailing edge it would push the line outwards.
+QString withoutTrailingBlanks(QString line)
+{
+    while (line.endsWith(u' '))
+        line.chop(1);
+    return line;
+}
+
 /// The alignment for the label's own direction, which the direction of the text must not turn round.
 Qt::Alignment absolute(const QLabel &label)
 {
@@ -146,7 +154,7 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
             lines.width = width;
             break;
         }
-        lines.texts.append(onOneLine(whole.mid(line.textStart(), line.textLength())));
+        lines.texts.append(withoutTrailingBlanks(onOneLine(whole.mid(line.textStart(), line.textLength()))));
         lines.width = qMax(lines.width, line.naturalTextWidth());
     }
     layout.endLayout();
@@ -224,6 +232,8 @@ QLabel *SectionLabel(const QString &text, const QString &language, QWidget *pare
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Colours::slate);
     label->setPalette(palette);
+    // By the interface's direction: left to itself, a text in another script stands at the wrong side.
+    label->setAlignment(absolute(*label));
     return label;
 }
 

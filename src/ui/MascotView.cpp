@@ -42,14 +42,13 @@ void MascotView::setPose(const QString &pose)
 void MascotView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const double scale = deviceScale(painter);
     const QPixmap picture =
         m_animated ? m_mascots.frame(m_pose, size(), scale) : m_mascots.still(m_pose, size(), scale);
     if (picture.isNull())
         return;
     const QSizeF drawn = picture.deviceIndependentSize();
-    drawSharp(painter, {(width() - drawn.width()) / 2, (height() - drawn.height()) / 2}, picture);
+    painter.drawPixmap(QPointF((width() - drawn.width()) / 2, (height() - drawn.height()) / 2), picture);
     if (m_animated)
         m_mascots.painted(this);
 }

@@ -16,21 +16,13 @@ double deviceScale(const QPainter &painter)
     return scale > 0 ? scale : 1;
 }
 
-void drawSharp(QPainter &painter, QPointF topLeft, const QPixmap &pixmap)
-{
-    const QTransform &device = painter.deviceTransform();
-    const QPointF corner = device.map(topLeft);
-    const QPointF whole(std::round(corner.x()), std::round(corner.y()));
-    painter.drawPixmap(device.inverted().map(whole), pixmap);
-}
-
 void drawSymbol(QPainter &painter, const QString &name, const QColor &colour, double size, const QRectF &rect)
 {
     const QPixmap symbol = SymbolPixmap(name, colour, size, deviceScale(painter));
     if (symbol.isNull())
         return;
     const QSizeF drawn = symbol.deviceIndependentSize();
-    drawSharp(painter, rect.center() - QPointF(drawn.width() / 2, drawn.height() / 2), symbol);
+    painter.drawPixmap(rect.center() - QPointF(drawn.width() / 2, drawn.height() / 2), symbol);
 }
 
 void drawFocusRing(QPainter &painter, const QRectF &bounds, double radius)

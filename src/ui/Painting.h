@@ -9,10 +9,6 @@ namespace tuppi {
 /// Device pixels per logical pixel of what the painter draws on, a scaled grab included.
 double deviceScale(const QPainter &painter);
 
-/// Draws a pixmap that was rendered for the painter's device scale with its corner on a whole device pixel,
-/// so that it is copied and not resampled.
-void drawSharp(QPainter &painter, QPointF topLeft, const QPixmap &pixmap);
-
 /// Draws a symbol centred in a rectangle; draws nothing when there is no such symbol.
 void drawSymbol(QPainter &painter, const QString &name, const QColor &colour, double size,
                 const QRectF &rect);

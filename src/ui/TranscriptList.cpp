@@ -1,6 +1,7 @@
 #include "ui/TranscriptList.h"
 
 #include "settings/L.h"
+#include "ui/Accessibility.h"
 #include "ui/Metrics.h"
 
 #include <QAccessible>
@@ -18,6 +19,7 @@ TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
     , m_makeRow(std::move(makeRow))
 {
     setObjectName(u"table"_s);
+    installControlAccessibility(); // before the name: with it the toolkit makes the interface that it keeps
     setAccessibleName(L(u"Transcripts"_s));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -89,6 +89,25 @@ TEST_F(StartUp, UnreadableModelListKeepsTheOldOne)
     EXPECT_EQ(m_app->models().custom, test::array(R"([{"id":"m1"}])"));
 }
 
+TEST_F(StartUp, StoredModelIsResetOnlyByAFreshListWithoutIt)
+{
+    m_engine.answerCall(u"models"_s, 1, {R"({"custom":[{"id":"m1"}]})"});
+    m_engine.answerCall(u"models"_s, 2, {"garbage"});
+    m_engine.answerCall(u"models"_s, 3, {R"({"custom":[]})"});
+    prepare();
+    m_defaults->setValue(u"engine"_s, u"custom:m1"_s);
+    m_app->refreshCustomModels();
+    ASSERT_TRUE(waitFor([&] { return m_app->models().custom.size() == 1; }));
+    EXPECT_EQ(m_defaults->text(u"engine"_s), u"custom:m1"_s);
+    m_app->refreshCustomModels();
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"models"_s) == 2; }));
+    settle();
+    EXPECT_EQ(m_defaults->text(u"engine"_s), u"custom:m1"_s);
+    m_app->refreshCustomModels();
+    ASSERT_TRUE(waitFor([&] { return m_app->models().custom.isEmpty(); }));
+    EXPECT_EQ(m_defaults->text(u"engine"_s), u"auto"_s);
+}
+
 TEST_F(StartUp, ControllerMayGoWhileCommandsAreInFlight)
 {
     for (const QString &command : {u"history"_s, u"models"_s, u"resume"_s})

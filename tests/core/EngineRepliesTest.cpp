@@ -67,6 +67,12 @@ TEST(ReadArray, ReadsArraysOnly)
         EXPECT_EQ(ReadArray(unusable), std::nullopt) << unusable.toStdString();
 }
 
+TEST(ReadHistory, EmptyReplyIsNoUnchangedOneEvenAtTheStart)
+{
+    const HistoryPointer nothingYet = std::make_shared<const History>();
+    EXPECT_EQ(ReadHistory(replyOf(""), nothingYet).history, nullptr);
+}
+
 TEST(ReadHistory, EntryWithIdNullIsNotListedAndNotActive)
 {
     const HistoryPointer history = historyOf(R"([{"id":null,"status":"transcribing"},{"id":"a","status":"ready"}])");

@@ -11,6 +11,7 @@ LONGEST_CONTROLLER_HEADER = 220
 FLOOR_OF_TARGET = {
     "tuppi_core": "core",
     "tuppi_platform": "platform",
+    "tuppi-media-length": "platform",
     "tuppi_widgets": "widgets",
     "tuppi_viewer": "viewer",
     "tuppi_app": "app",

@@ -28,7 +28,10 @@ public:
 class DeadButtonInterface : public QAccessibleWidget
 {
 public:
-    explicit DeadButtonInterface(QWidget *widget) : QAccessibleWidget(widget, QAccessible::Button) {}
+    explicit DeadButtonInterface(QWidget *widget)
+        : QAccessibleWidget(widget, QAccessible::Button)
+    {
+    }
 };
 
 QAccessibleInterface *makeInterface(const QString &, QObject *object)
@@ -94,7 +97,7 @@ int main(int argc, char *argv[])
     window.setCentralWidget(scroll);
     window.resize(300, 200);
     window.show();
-    return application.exec();
+    return QApplication::exec();
 }
 
 #include "AccessibleProgram.moc"

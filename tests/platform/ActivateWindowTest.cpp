@@ -15,11 +15,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template<typename T>
-using Owned = std::unique_ptr<T, decltype(&std::free)>;
+template <typename T> using Owned = std::unique_ptr<T, decltype(&std::free)>;
 
-template<typename T>
-Owned<T> own(T *reply)
+template <typename T> Owned<T> own(T *reply)
 {
     return Owned<T>(reply, &std::free);
 }
@@ -34,14 +32,15 @@ public:
         if (!isRunning())
             return;
         m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
-        const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY
-                                | XCB_EVENT_MASK_PROPERTY_CHANGE;
-        const auto cookie = xcb_change_window_attributes_checked(m_connection, m_root, XCB_CW_EVENT_MASK, &events);
+        const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
+                                XCB_EVENT_MASK_PROPERTY_CHANGE;
+        const auto cookie =
+            xcb_change_window_attributes_checked(m_connection, m_root, XCB_CW_EVENT_MASK, &events);
         m_isManager = !own(xcb_request_check(m_connection, cookie));
         // What makes Qt ask us instead of taking the keyboard itself.
         const xcb_window_t check = xcb_generate_id(m_connection);
-        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, check, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                          XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, check, m_root, -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         for (const xcb_window_t window : {m_root, check})
             setProperty(window, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, check);
         setProperty(m_root, "_NET_SUPPORTED", XCB_ATOM_ATOM, atom("_NET_ACTIVE_WINDOW"));
@@ -68,7 +67,8 @@ public:
         while (const auto event = own(xcb_poll_for_event(m_connection))) {
             const uint8_t type = event->response_type & 0x7f;
             if (type == XCB_MAP_REQUEST)
-                xcb_map_window(m_connection, reinterpret_cast<xcb_map_request_event_t *>(event.get())->window);
+                xcb_map_window(m_connection,
+                               reinterpret_cast<xcb_map_request_event_t *>(event.get())->window);
             else if (type == XCB_CLIENT_MESSAGE)
                 note(*reinterpret_cast<xcb_client_message_event_t *>(event.get()));
         }
@@ -77,7 +77,8 @@ public:
 
     QByteArray startupId(WId window)
     {
-        const auto cookie = xcb_get_property(m_connection, 0, xcb_window_t(window), atom("_NET_STARTUP_ID"), XCB_ATOM_ANY, 0, 100);
+        const auto cookie = xcb_get_property(m_connection, 0, xcb_window_t(window), atom("_NET_STARTUP_ID"),
+                                             XCB_ATOM_ANY, 0, 100);
         const auto reply = own(xcb_get_property_reply(m_connection, cookie, nullptr));
         return reply ? QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
                                   xcb_get_property_value_length(reply.get()))
@@ -120,7 +121,10 @@ class ActivateWindowTest : public QObject
     std::unique_ptr<QWindow> m_window;
 
 public:
-    explicit ActivateWindowTest(WindowManager &manager) : m_manager(manager) {}
+    explicit ActivateWindowTest(WindowManager &manager)
+        : m_manager(manager)
+    {
+    }
 
 private Q_SLOTS:
     void init()

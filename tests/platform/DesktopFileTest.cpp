@@ -43,7 +43,8 @@ private Q_SLOTS:
         // The system's list of types and our addition to it, and nothing of this machine's.
         const QString packages = m_data.filePath(u"mime/packages"_s);
         QVERIFY(QDir().mkpath(packages));
-        for (const QString &list : {u"/usr/share/mime/packages/freedesktop.org.xml"_s, m_folder + applicationId + u".xml"_s})
+        for (const QString &list :
+             {u"/usr/share/mime/packages/freedesktop.org.xml"_s, m_folder + applicationId + u".xml"_s})
             QVERIFY2(QFile::copy(list, packages + u'/' + QFileInfo(list).fileName()), qPrintable(list));
         const auto [status, output] = run(u"update-mime-database"_s, {m_data.filePath(u"mime"_s)});
         QVERIFY2(status == 0, qPrintable(output));

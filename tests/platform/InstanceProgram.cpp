@@ -41,11 +41,12 @@ int main(int argc, char *argv[])
             std::_Exit(0);
         say(u"activated %1"_s.arg(token));
     });
-    QObject::connect(&instance, &SingleInstance::openRequested, &instance, [](const QList<QUrl> &opened, const QString &token) {
-        for (const QUrl &url : opened)
-            say(u"open %1 %2"_s.arg(QString::fromLatin1(url.toEncoded()), token));
-        say(u"opened %1"_s.arg(opened.size()));
-    });
+    QObject::connect(&instance, &SingleInstance::openRequested, &instance,
+                     [](const QList<QUrl> &opened, const QString &token) {
+                         for (const QUrl &url : opened)
+                             say(u"open %1 %2"_s.arg(QString::fromLatin1(url.toEncoded()), token));
+                         say(u"opened %1"_s.arg(opened.size()));
+                     });
 
     switch (instance.start(urls, tokens, arguments.value(2).toInt())) {
     case SingleInstance::Role::Primary:
@@ -66,5 +67,5 @@ int main(int argc, char *argv[])
         if (::read(STDIN_FILENO, &byte, 1) <= 0)
             QCoreApplication::quit();
     });
-    return application.exec();
+    return QCoreApplication::exec();
 }

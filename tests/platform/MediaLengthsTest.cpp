@@ -1,6 +1,6 @@
+#include "platform/MediaLengths.h"
 #include "intake/AcceptedFiles.h"
 #include "platform/MediaLength.h"
-#include "platform/MediaLengths.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -79,7 +79,8 @@ class MediaLengthsTest : public QObject
     QString write(const QString &name, const QByteArray &bytes) const
     {
         QFile file(path(name));
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName()
+                                                                                    : QString();
     }
 
     QByteArray read(const QString &name) const
@@ -91,9 +92,11 @@ class MediaLengthsTest : public QObject
     bool makeTone(const QString &name, const QStringList &options = {}) const
     {
         QProcess process;
-        process.start(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=d=3:r=16000"_s}
-                                       + options + QStringList{u"file:"_s + path(name)});
-        return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+        process.start(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                                               u"sine=d=3:r=16000"_s} +
+                                       options + QStringList{u"file:"_s + path(name)});
+        return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit &&
+               process.exitCode() == 0;
     }
 
 private Q_SLOTS:
@@ -162,8 +165,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::newRow("missing") << u"missing.mp3"_s;
         QTest::newRow("empty name") << QString();
-        for (const char *name : {"empty.mp3", "garbage.mp3", "zeros.mp3", "text.wav", "half.mp4", "header.wav", "folder.mp3",
-                                 "pipe.mp3", "socket.mp3", "zero-device.mp3", "loop.mp3", "playlist.mp3", "session.mp3"})
+        for (const char *name :
+             {"empty.mp3", "garbage.mp3", "zeros.mp3", "text.wav", "half.mp4", "header.wav", "folder.mp3",
+              "pipe.mp3", "socket.mp3", "zero-device.mp3", "loop.mp3", "playlist.mp3", "session.mp3"})
             QTest::newRow(name) << QString::fromLatin1(name);
     }
 
@@ -184,8 +188,10 @@ private Q_SLOTS:
             write(u"text.wav"_s, QByteArray("These are minutes, not a recording.\n").repeated(5000));
             write(u"half.mp4"_s, read(u"tone.mp4"_s).first(2000));
             write(u"header.wav"_s, read(u"tone.wav"_s).first(20));
-            write(u"playlist.mp3"_s, "#EXTM3U\n#EXT-X-TARGETDURATION:10\n#EXTINF:10,\n" + address + "/a.ts\n#EXTINF:10,\ntone.mp3\n#EXT-X-ENDLIST\n");
-            write(u"session.mp3"_s, "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio 5004 RTP/AVP 0\n");
+            write(u"playlist.mp3"_s, "#EXTM3U\n#EXT-X-TARGETDURATION:10\n#EXTINF:10,\n" + address +
+                                         "/a.ts\n#EXTINF:10,\ntone.mp3\n#EXT-X-ENDLIST\n");
+            write(u"session.mp3"_s,
+                  "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio 5004 RTP/AVP 0\n");
             QVERIFY(QDir(m_dir.path()).mkdir(u"folder.mp3"_s));
             QCOMPARE(::mkfifo(qPrintable(path(u"pipe.mp3"_s)), 0600), 0);
             QVERIFY(QFile::link(u"/dev/zero"_s, path(u"zero-device.mp3"_s)));
@@ -197,15 +203,16 @@ private Q_SLOTS:
             QCOMPARE(::bind(socket, reinterpret_cast<sockaddr *>(&name4), sizeof name4), 0);
             ::close(socket);
         }
-        QVERIFY(name.isEmpty() || name == u"missing.mp3"_s || QFileInfo(path(name)).isSymLink() || QFileInfo::exists(path(name)));
+        QVERIFY(name.isEmpty() || name == u"missing.mp3"_s || QFileInfo(path(name)).isSymLink() ||
+                QFileInfo::exists(path(name)));
         QCOMPARE(length(name.isEmpty() ? name : path(name)), 0.0);
         QVERIFY(!server.waitForNewConnection(0)); // nothing is fetched
     }
 
     void aPlaylistIsNotFollowedOnThisComputerEither()
     {
-        const QString list = write(u"local.mp3"_s, "#EXTM3U\n#EXT-X-TARGETDURATION:3\n#EXTINF:3,\n"
-                                                          + path(u"tone.mp3"_s).toUtf8() + "\n#EXT-X-ENDLIST\n");
+        const QString list = write(u"local.mp3"_s, "#EXTM3U\n#EXT-X-TARGETDURATION:3\n#EXTINF:3,\n" +
+                                                       path(u"tone.mp3"_s).toUtf8() + "\n#EXT-X-ENDLIST\n");
         QCOMPARE(length(list), 0.0);
     }
 
@@ -236,10 +243,13 @@ private Q_SLOTS:
         MediaLengths lengths;
         QThread *thread = nullptr;
         double seconds = -1;
-        connect(&lengths, &MediaLengths::measured, this, [&](const QString &, double measured) {
-            thread = QThread::currentThread();
-            seconds = measured;
-        }, Qt::DirectConnection);
+        connect(
+            &lengths, &MediaLengths::measured, this,
+            [&](const QString &, double measured) {
+                thread = QThread::currentThread();
+                seconds = measured;
+            },
+            Qt::DirectConnection);
         lengths.measure(path(u"tone.flac"_s));
         QCOMPARE(seconds, -1.0); // not before the event loop
         QTRY_VERIFY(thread);

@@ -12,13 +12,14 @@ PrivateBus::PrivateBus()
     QFile config(m_dir.filePath(u"bus.conf"_s));
     if (!m_dir.isValid() || !config.open(QIODevice::WriteOnly))
         return;
-    config.write("<busconfig><type>session</type><auth>EXTERNAL</auth><listen>unix:dir="
-                 + QFile::encodeName(m_dir.path())
-                 + "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
-                   "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+    config.write("<busconfig><type>session</type><auth>EXTERNAL</auth><listen>unix:dir=" +
+                 QFile::encodeName(m_dir.path()) +
+                 "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+                 "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
     config.close();
     m_daemon.setStandardErrorFile(QProcess::nullDevice()); // it complains about limits in a container
-    m_daemon.start(u"dbus-daemon"_s, {u"--config-file="_s + config.fileName(), u"--nofork"_s, u"--print-address=1"_s});
+    m_daemon.start(u"dbus-daemon"_s,
+                   {u"--config-file="_s + config.fileName(), u"--nofork"_s, u"--print-address=1"_s});
     while (!m_daemon.canReadLine() && m_daemon.waitForReadyRead(30000)) {
     }
     m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
@@ -66,7 +67,8 @@ bool MockService::dropName()
 
 int MockService::count(const QString &member) const
 {
-    return int(std::count_if(calls.begin(), calls.end(), [&](const QDBusMessage &call) { return call.member() == member; }));
+    return int(std::count_if(calls.begin(), calls.end(),
+                             [&](const QDBusMessage &call) { return call.member() == member; }));
 }
 
 bool MockService::handleMessage(const QDBusMessage &message, const QDBusConnection &)

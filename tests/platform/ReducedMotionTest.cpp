@@ -1,5 +1,5 @@
-#include "PrivateBus.h"
 #include "platform/ReducedMotion.h"
+#include "PrivateBus.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -71,8 +71,8 @@ class ReducedMotionTest : public QObject
 
     void sendSettingChanged(const QString &group, const QString &key, const QVariant &value)
     {
-        QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/portal/desktop"_s,
-                                                         u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+        QDBusMessage signal = QDBusMessage::createSignal(
+            u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
         signal << group << key << QVariant::fromValue(QDBusVariant(value));
         m_portal->send(signal);
     }
@@ -111,10 +111,13 @@ private Q_SLOTS:
         QTest::addColumn<double>("factor");
         QTest::newRow("nothing") << QByteArray() << false << 0.0;
         QTest::newRow("zero") << QByteArray("[KDE]\nAnimationDurationFactor=0\n") << true << 0.0;
-        QTest::newRow("half") << QByteArray("[General]\nx=1\n\n[KDE]\nSingleClick=false\nAnimationDurationFactor = 0.5\n") << true << 0.5;
+        QTest::newRow("half")
+            << QByteArray("[General]\nx=1\n\n[KDE]\nSingleClick=false\nAnimationDurationFactor = 0.5\n")
+            << true << 0.5;
         QTest::newRow("locked key") << QByteArray("[KDE]\nAnimationDurationFactor[$i]=0") << true << 0.0;
         QTest::newRow("locked group") << QByteArray("[KDE][$i]\nAnimationDurationFactor=0\n") << true << 0.0;
-        QTest::newRow("other group") << QByteArray("[KDE]\n[General]\nAnimationDurationFactor=0\n") << false << 0.0;
+        QTest::newRow("other group") << QByteArray("[KDE]\n[General]\nAnimationDurationFactor=0\n") << false
+                                     << 0.0;
         QTest::newRow("subgroup") << QByteArray("[KDE][Other]\nAnimationDurationFactor=0\n") << false << 0.0;
         QTest::newRow("comment") << QByteArray("[KDE]\n#AnimationDurationFactor=0\n") << false << 0.0;
         QTest::newRow("longer key") << QByteArray("[KDE]\nAnimationDurationFactorOld=0\n") << false << 0.0;
@@ -138,7 +141,8 @@ private Q_SLOTS:
         QTest::addColumn<Settings>("settings");
         QTest::addColumn<QByteArray>("kde");
         QTest::addColumn<bool>("reduced");
-        const QByteArray still("[KDE]\nAnimationDurationFactor=0\n"), lively("[KDE]\nAnimationDurationFactor=1\n");
+        const QByteArray still("[KDE]\nAnimationDurationFactor=0\n"),
+            lively("[KDE]\nAnimationDurationFactor=1\n");
         Settings both = motion(1), neither = motion(0);
         both.insert(animations(true));
         neither.insert(animations(false));
@@ -153,8 +157,10 @@ private Q_SLOTS:
         QTest::newRow("the file") << Settings() << still << true;
         QTest::newRow("the file, not reduced") << Settings() << lively << false;
         QTest::newRow("no preference, and the file") << motion(0) << still << true;
-        QTest::newRow("a text") << Settings{{appearance, {{u"reduced-motion"_s, u"1"_s}}}} << QByteArray() << false;
-        QTest::newRow("a number") << Settings{{gnome, {{u"enable-animations"_s, 0}}}} << QByteArray() << false;
+        QTest::newRow("a text") << Settings{{appearance, {{u"reduced-motion"_s, u"1"_s}}}} << QByteArray()
+                                << false;
+        QTest::newRow("a number") << Settings{{gnome, {{u"enable-animations"_s, 0}}}} << QByteArray()
+                                  << false;
         QTest::newRow("nothing") << Settings() << QByteArray() << false;
     }
 

@@ -71,8 +71,8 @@ class SingleInstanceTest : public QObject
 
     std::unique_ptr<PrivateBus> m_bus;
 
-    std::unique_ptr<Instance> run(const QString &mode = u"run"_s, int limit = longLimit, const QStringList &files = {},
-                                  const QStringList &variables = {}) const
+    std::unique_ptr<Instance> run(const QString &mode = u"run"_s, int limit = longLimit,
+                                  const QStringList &files = {}, const QStringList &variables = {}) const
     {
         return std::make_unique<Instance>(m_bus->address(), mode, limit, files, variables);
     }
@@ -89,8 +89,8 @@ private Q_SLOTS:
     {
         const auto first = run();
         QTRY_COMPARE(first->role(), u"primary"_s);
-        const QStringList files{u"/tmp/one two.mp3"_s, u"/tmp/a%20b#c?.wav"_s, u"/tmp/line\nbreak.m4a"_s, u"/tmp/مقابلة.ogg"_s,
-                                u"/tmp/-x; $(true) 'q' \"Q\".mp3"_s};
+        const QStringList files{u"/tmp/one two.mp3"_s, u"/tmp/a%20b#c?.wav"_s, u"/tmp/line\nbreak.m4a"_s,
+                                u"/tmp/مقابلة.ogg"_s, u"/tmp/-x; $(true) 'q' \"Q\".mp3"_s};
         const auto second = run(u"run"_s, longLimit, files, {u"XDG_ACTIVATION_TOKEN=token-1"_s});
         QTRY_COMPARE(second->role(), u"handed over"_s);
         QTRY_VERIFY(!second->isRunning());
@@ -111,7 +111,8 @@ private Q_SLOTS:
         QTest::newRow("no token") << QStringList() << QString();
         QTest::newRow("Wayland") << QStringList{u"XDG_ACTIVATION_TOKEN=abc"_s} << u"abc"_s;
         QTest::newRow("X11") << QStringList{u"DESKTOP_STARTUP_ID=x_TIME12"_s} << u"x_TIME12"_s;
-        QTest::newRow("both") << QStringList{u"DESKTOP_STARTUP_ID=x_TIME12"_s, u"XDG_ACTIVATION_TOKEN=abc"_s} << u"abc"_s;
+        QTest::newRow("both") << QStringList{u"DESKTOP_STARTUP_ID=x_TIME12"_s, u"XDG_ACTIVATION_TOKEN=abc"_s}
+                              << u"abc"_s;
     }
 
     void withoutFilesTheWindowComesForward()
@@ -246,16 +247,22 @@ private Q_SLOTS:
             call.setArguments(arguments);
             return desktop.call(call).type();
         };
-        const QVariantMap data{{u"activation-token"_s, u"t"_s}, {u"desktop-startup-id"_s, u"s"_s}, {u"other"_s, 5}};
+        const QVariantMap data{
+            {u"activation-token"_s, u"t"_s}, {u"desktop-startup-id"_s, u"s"_s}, {u"other"_s, 5}};
         QCOMPARE(ask(u"Activate"_s, {data}), QDBusMessage::ReplyMessage);
         QCOMPARE(ask(u"ActivateAction"_s, {u"new"_s, QVariantList{1}, data}), QDBusMessage::ReplyMessage);
-        QCOMPARE(ask(u"Open"_s, {QStringList{u"file:///a%20b.mp3"_s, u"https://example.org/x.mp3"_s, u"relative.mp3"_s,
-                                             u"file://%zz"_s, QString()}, data}),
+        QCOMPARE(ask(u"Open"_s, {QStringList{u"file:///a%20b.mp3"_s, u"https://example.org/x.mp3"_s,
+                                             u"relative.mp3"_s, u"file://%zz"_s, QString()},
+                                 data}),
                  QDBusMessage::ReplyMessage);
         QCOMPARE(ask(u"Open"_s, {QStringList(), QVariantMap()}), QDBusMessage::ReplyMessage);
         QCOMPARE(ask(u"Open"_s, {u"file:///a.mp3"_s}), QDBusMessage::ErrorMessage);
-        const QStringList expected{u"activated t"_s, u"activated t"_s, u"open file:///a%20b.mp3 t"_s,
-                                   u"open https://example.org/x.mp3 t"_s, u"opened 2"_s, u"opened 0"_s};
+        const QStringList expected{u"activated t"_s,
+                                   u"activated t"_s,
+                                   u"open file:///a%20b.mp3 t"_s,
+                                   u"open https://example.org/x.mp3 t"_s,
+                                   u"opened 2"_s,
+                                   u"opened 0"_s};
         QTRY_COMPARE(first->heard(), expected);
     }
 };

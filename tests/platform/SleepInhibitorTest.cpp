@@ -1,5 +1,5 @@
-#include "PrivateBus.h"
 #include "platform/SleepInhibitor.h"
+#include "PrivateBus.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
@@ -79,11 +79,14 @@ class SleepInhibitorTest : public QObject
 
     static QString requestOf(const QDBusMessage &call)
     {
-        return u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(call.service().mid(1).replace(u'.', u'_'),
-                                                                      options(call).value(u"handle_token"_s).toString());
+        return u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
+            call.service().mid(1).replace(u'.', u'_'), options(call).value(u"handle_token"_s).toString());
     }
 
-    static QVariantMap options(const QDBusMessage &call) { return qdbus_cast<QVariantMap>(call.arguments().value(2)); }
+    static QVariantMap options(const QDBusMessage &call)
+    {
+        return qdbus_cast<QVariantMap>(call.arguments().value(2));
+    }
 
     void grant(const QDBusMessage &call)
     {
@@ -286,7 +289,8 @@ private Q_SLOTS:
         const QDBusMessage call = m_logind->calls.constFirst();
         QCOMPARE(call.interface(), u"org.freedesktop.login1.Manager"_s);
         QCOMPARE(call.member(), u"Inhibit"_s);
-        QCOMPARE(call.arguments(), (QVariantList{u"sleep"_s, u"Tuppi Transcriber"_s, u"Transcribing"_s, u"block"_s}));
+        QCOMPARE(call.arguments(),
+                 (QVariantList{u"sleep"_s, u"Tuppi Transcriber"_s, u"Transcribing"_s, u"block"_s}));
         QVERIFY(!lock.isReleased());
         m_inhibitor->setInhibited(false);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
@@ -367,7 +371,8 @@ private Q_SLOTS:
         m_inhibitor->setInhibited(true);
         QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         const auto respond = [this](const QString &path, uint code) {
-            QDBusMessage response = QDBusMessage::createSignal(path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+            QDBusMessage response =
+                QDBusMessage::createSignal(path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
             response << code << QVariantMap();
             m_portal->send(response);
         };

@@ -177,6 +177,20 @@ class Outcomes(TranscribeTest):
         self.assertEqual(run.status, 0)
         self.assertEqual(run.out.splitlines()[-2:], ["one: /calls/one", "two: /calls/two"])
 
+    def test_engine_that_goes_missing_is_1_and_what_waits_keeps_waiting(self):
+        self.engine.keep_book("queued")
+        run = self.start(self.one, self.two)
+        run.wait_for("one: Starting…")
+        self.engine.uninstall()
+        self.assertEqual(run.end(), 1)
+        self.assertEqual(run.err, ENGINE_MISSING + "\n")
+        self.assertEqual(self.engine.waiting(), ["two.wav"])
+        self.engine.install()
+        self.engine.keep_book("ready")
+        self.engine.set_job(1, title="one", status="ready", call_dir="/calls/one")
+        self.assertEqual(self.run_to_end().status, 0)
+        self.assertEqual(self.started_files(), ["one.m4a", "two.wav"])
+
     def test_nothing_waiting_is_0_and_says_so(self):
         run = self.run_to_end()
         self.assertEqual((run.status, run.out, run.err), (0, "Nothing is waiting.\n", ""))

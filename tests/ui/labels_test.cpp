@@ -71,6 +71,21 @@ TEST(WrapLabel, wrapsAtThePreferredWidthAndNoLater)
     EXPECT_LT(label.heightForWidth(1000), label.heightForWidth(200));
 }
 
+TEST(WrapLabel, endsEveryLineAtTheEdgeItIsAlignedTo)
+{
+    WrapLabel whole;
+    whole.setLayoutDirection(Qt::RightToLeft);
+    whole.setText(u"mmmmmmmm mmmmmmmm"_qs);
+    const int width = whole.fontMetrics().horizontalAdvance(u"mmmmmmmm mm"_qs);
+    whole.resize(width, whole.heightForWidth(width));
+    const int lineHeight = whole.height() / 2;
+    const QImage picture = pictureOf(whole);
+    const auto first = inked(picture.copy(0, 0, width, lineHeight));
+    const auto second = inked(picture.copy(0, lineHeight, width, lineHeight));
+    ASSERT_GE(first.second, 0);
+    EXPECT_EQ(first, second);
+}
+
 TEST(WrapLabel, keepsToItsNumberOfLines)
 {
     WrapLabel label;

@@ -262,8 +262,11 @@ TEST_F(RowViewTest, mayChangeItsLookFromWithinItsOwnAction)
 TEST_F(RowViewTest, animatedMascotsMoveFromRowToRow)
 {
     RowView other({sweep, mascots, cache});
+    row.setLook(look(u"waiting"_qs, u"2"_qs));
+    const QPointer<MascotView> second = row.icon();
     row.setLook(look(u"waiting"_qs, u"1"_qs));
     const QPointer<MascotView> icon = row.icon();
+    EXPECT_NE(icon, second) << "another row of the same pose has its own";
     EXPECT_TRUE(icon->isAnimated());
     other.setLook(look(u"waiting"_qs, u"1"_qs));
     EXPECT_EQ(other.icon(), icon);

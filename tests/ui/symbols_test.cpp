@@ -64,27 +64,32 @@ TEST(SymbolIcon, isDimmedWhenDisabled)
     EXPECT_NEAR(image.pixelColor(4, 8).alpha(), 128, 2);
 }
 
-TEST(DrawSymbol, copiesPixelsEvenAtAFractionalPlace)
+TEST(DrawSymbol, copiesPixelsWhereverItIsDrawn)
 {
-    QImage image(80, 80, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(1.25);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    EXPECT_NEAR(deviceScale(painter), 1.25, 1e-9);
-    drawSymbol(painter, half, Qt::red, 16, QRectF(3.3, 7.7, 29, 31));
-    painter.end();
-    int soft = 0;
-    int full = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const int alpha = image.pixelColor(x, y).alpha();
-            soft += alpha > 0 && alpha < 255;
-            full += alpha == 255;
+    for (const double ratio : {1.0, 1.25, 2.0}) {
+        for (double shift = 0; shift < 2; shift += 0.1) {
+            QImage image(80, 80, QImage::Format_ARGB32_Premultiplied);
+            image.setDevicePixelRatio(ratio);
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            painter.setRenderHint(QPainter::SmoothPixmapTransform);
+            EXPECT_NEAR(deviceScale(painter), ratio, 1e-9);
+            drawSymbol(painter, half, Qt::red, 16, QRectF(3 + shift, 7 - shift / 2, 29, 31));
+            painter.end();
+            int soft = 0;
+            int full = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const int alpha = image.pixelColor(x, y).alpha();
+                    soft += alpha > 0 && alpha < 255;
+                    full += alpha == 255;
+                }
+            }
+            const int side = qRound(16 * ratio);
+            EXPECT_EQ(soft, 0) << ratio << ' ' << shift;
+            EXPECT_EQ(full, side / 2 * side) << ratio << ' ' << shift;
         }
     }
-    EXPECT_EQ(soft, 0);
-    EXPECT_EQ(full, 10 * 20);
 }
 
 TEST(Fonts, takeSizesInLogicalPixels)

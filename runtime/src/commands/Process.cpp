@@ -73,26 +73,61 @@ void record(Database &database, const Recording &recording, Job &job)
     announceChange(database.paths());
 }
 
-// Works as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it
+// A worker that is our own child, where another does not work already.
+class OwnWorker
+{
+public:
+    explicit OwnWorker(Database &database)
+        : m_database(database)
+    {
+    }
+
+    void keepWorking()
+    {
+        if (!running())
+            m_pid = startWorkerAsChild(m_database.paths());
+    }
+
+    // So that nothing of ours runs on behind the prompt; but other people's jobs are not waited for.
+    void waitUnlessThereIsMore()
+    {
+        while (running() && !nextJob(m_database))
+            std::this_thread::sleep_for(lookEvery);
+    }
+
+    static constexpr auto lookEvery = std::chrono::milliseconds(50);
+
+private:
+    bool running()
+    {
+        if (m_pid > 0 && ::waitpid(m_pid, nullptr, WNOHANG) != 0)
+            m_pid = -1;
+        return m_pid > 0;
+    }
+
+    Database &m_database;
+    pid_t m_pid = -1;
+};
+
+// Waits as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it
 // is.
 Job waitForEnd(Database &database, const QString &id)
 {
     QString shown;
-    pid_t worker = -1;
+    OwnWorker worker(database);
     for (;;) {
         const std::optional<Job> job = jobById(database, id);
-        if (!job || !job->unfinished() || job->paused)
+        if (!job || !job->unfinished() || job->paused) {
+            worker.waitUnlessThereIsMore();
             return job.value_or(Job());
+        }
         if (const QString now = job->status + u' ' + job->progress; now != shown) {
             shown = now;
             if (::isatty(STDERR_FILENO))
                 std::fprintf(stderr, "%s\n", now.trimmed().toUtf8().constData());
         }
-        if (worker > 0 && ::waitpid(worker, nullptr, WNOHANG) != 0)
-            worker = -1;
-        if (worker < 0)
-            worker = startWorkerAsChild(database.paths());
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        worker.keepWorking();
+        std::this_thread::sleep_for(OwnWorker::lookEvery);
     }
 }
 
@@ -106,7 +141,12 @@ int process(const Arguments &arguments)
     Database database(Paths::ofThisUser());
     record(database, recording, job);
     if (arguments.has(u"--background")) {
-        startWorker(database.paths());
+        try {
+            startWorker(database.paths());
+        } catch (const Failure &) {
+            // The job stands, and the next "resume" starts a worker: an error here would only have the caller
+            // hand the same recording over again.
+        }
         printLine(job.callDir);
         return 0;
     }

@@ -29,6 +29,18 @@ bool WorkerLock::tryTake()
     return true;
 }
 
+bool WorkerLock::takeSoon()
+{
+    constexpr int looks = 10;
+    constexpr useconds_t pauseMicroseconds = 10'000;
+    for (int look = 0; look < looks; ++look) {
+        if (tryTake())
+            return true;
+        ::usleep(pauseMicroseconds);
+    }
+    return false;
+}
+
 void WorkerLock::signOwner()
 {
     const QByteArray pid = QByteArray::number(::getpid()) + '\n';

@@ -14,6 +14,9 @@ public:
 
     // Does not wait. Throws Failure when the lock file cannot be opened.
     bool tryTake();
+
+    // The same for a worker: somebody who only looks whether one is at work holds the lock for a moment too.
+    bool takeSoon();
     void release();
 
     // Writes the process id of the holder into the lock file, for people who look.

@@ -65,11 +65,19 @@ NewCallDir::NewCallDir(const QString &library)
     makeFolder(library, u"The transcripts folder “"_s + library + u"” could not be made"_s);
     requireWritable(library);
     removeLeftovers(library);
-    QByteArray folder = QFile::encodeName(library + u'/' + temporaryPrefix + u"XXXXXX"_s);
-    if (!::mkdtemp(folder.data()))
-        throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
-    m_folder = QFile::decodeName(folder);
-    m_lock = lockFolder(m_folder);
+    // Until it is locked, another start may take the new folder for a leftover and clear it away. Where folders
+    // cannot be locked, nobody clears anything away, and the last one is as good as any.
+    constexpr int mostTries = 20;
+    QByteArray folder;
+    for (int tries = 0; tries < mostTries && !(m_lock.valid() && QDir(m_folder).exists()); ++tries) {
+        if (!m_folder.isEmpty())
+            QDir().rmdir(m_folder);
+        folder = QFile::encodeName(library + u'/' + temporaryPrefix + u"XXXXXX"_s);
+        if (!::mkdtemp(folder.data()))
+            throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
+        m_folder = QFile::decodeName(folder);
+        m_lock = lockFolder(m_folder);
+    }
     // As open to others as this user's folders are, and no more.
     const mode_t mask = ::umask(077);
     ::umask(mask);

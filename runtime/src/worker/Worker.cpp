@@ -44,7 +44,7 @@ Worker::Worker(const Paths &paths)
 int Worker::run()
 {
     do {
-        if (!m_lock.tryTake())
+        if (!m_lock.takeSoon())
             return 0;
         m_lock.signOwner();
         while (const std::optional<Job> job = takeJob())
