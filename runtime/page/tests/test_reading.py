@@ -548,6 +548,14 @@ class Languages(ViewerCase):
             self.assertEqual(self.browser.get("[document.documentElement.dir, document.getElementById('lines').dir]"),
                              [direction, lines])
 
+    def test_lines_in_another_script_keep_the_edge(self):
+        for language, edge, texts in (("ar", "right", ("صباح الخير", "Good morning")), ("en", "left", ("Good", "صباح"))):
+            self.load(page.sample(language=language, segments=page.segments([(None, text) for text in texts])))
+            edges = self.browser.get("""[...document.querySelectorAll('.line .text')].map(text => {
+                const range = document.createRange(); range.selectNodeContents(text);
+                return Math.round(range.getBoundingClientRect()[arguments[0]]); })""".replace("arguments[0]", repr(edge)))
+            self.assertAlmostEqual(*edges, delta=3)
+
     def test_nothing_sticks_out(self):
         for width in (560, 900):
             self.browser.size(width, 720)
