@@ -4,6 +4,7 @@
 #include "ui/ModelCard.h"
 #include "ui/RowView.h"
 #include "ui/SkyBar.h"
+#include "ui/TranscriptList.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -173,6 +174,9 @@ QAccessibleInterface *controlInterface(const QString &, QObject *object)
         return new RowInterface(row);
     if (auto *mascot = qobject_cast<MascotView *>(object))
         return new DecorationInterface(mascot);
+    // As a scroll area, which it is to the toolkit, it would have no role.
+    if (auto *list = qobject_cast<TranscriptList *>(object))
+        return new QAccessibleWidget(list, QAccessible::List);
     return nullptr;
 }
 

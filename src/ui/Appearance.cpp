@@ -29,7 +29,11 @@ void applyAppearance(QApplication &application)
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, Colours::pillBorder);
     application.setPalette(palette);
-    application.setWindowIcon(QIcon(u":/icons/tuppi-transcriber.svg"_s));
+    // Pictures, not the drawing: that one costs two plugins and four renderings before the first window.
+    QIcon icon;
+    for (const int size : {16, 32, 48, 128})
+        icon.addFile(u":/icons/%1x%1/apps/tuppi-transcriber.png"_s.arg(size), QSize(size, size));
+    application.setWindowIcon(icon);
 }
 
 } // namespace tuppi

@@ -232,6 +232,8 @@ QLabel *SectionLabel(const QString &text, const QString &language, QWidget *pare
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Colours::slate);
     label->setPalette(palette);
+    // By the interface's direction: left to itself, a text in another script stands at the wrong side.
+    label->setAlignment(absolute(*label));
     return label;
 }
 

@@ -51,7 +51,7 @@ Mascots::Pose &Mascots::poseFor(const QString &name)
         connect(&pose->views, &SightList::cameBack, this, &Mascots::redraw);
         // Asked of the reader first: on a file without a single good frame a movie never comes back.
         const QString file = m_folder + u"/tuppi-"_qs + name + u".gif"_qs;
-        if (!QImageReader(file).read().isNull())
+        if (!QImageReader(file, "gif").read().isNull())
             pose->animation = file;
     }
     return *pose;
@@ -76,7 +76,7 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
     if (picture.isNull()) {
         // The smallest drawing that need not be enlarged.
         for (const char16_t *scale : {u"", u"@2x", u"@3x"}) {
-            QImageReader reader(m_folder + u"/tuppi-"_qs + name + QString::fromUtf16(scale) + u".png"_qs);
+            QImageReader reader(m_folder + u"/tuppi-"_qs + name + QString::fromUtf16(scale) + u".png"_qs, "png");
             const QSize drawn = reader.size();
             if (!drawn.isValid())
                 continue;
@@ -93,7 +93,7 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
 
 void Mascots::openMovie(Pose &pose, QSize pixels, int frame)
 {
-    pose.movie = std::make_unique<QMovie>(pose.animation, QByteArray(), this);
+    pose.movie = std::make_unique<QMovie>(pose.animation, "gif", this);
     pose.movie->setCacheMode(QMovie::CacheAll);
     pose.movie->setScaledSize(pixels);
     pose.decoded = pixels;

@@ -19,6 +19,7 @@
 #include <QMouseEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace tuppi {
 
@@ -98,7 +99,8 @@ void RowView::clearLook()
     dropIcon();
     for (const Slot &slot : std::as_const(m_slots))
         letGo(slot.button);
-    m_look = RowLook();
+    const RowLook before = std::exchange(m_look, RowLook());
+    showTexts(before); // the next look is compared with the empty one, which has to be what stands there
     showButtons({});
 }
 

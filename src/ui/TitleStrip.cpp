@@ -43,6 +43,8 @@ TitleStrip::TitleStrip(QWidget *parent)
     : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    // A name and its mark read the same way in every language.
+    setLayoutDirection(Qt::LeftToRight);
     auto *name = new QLabel(u"Transcriber"_s, this);
     name->setFont(Rounded(15, QFont::DemiBold));
     QPalette palette = name->palette();
@@ -51,8 +53,6 @@ TitleStrip::TitleStrip(QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 1);
     row->setSpacing(6);
-    // A name and its mark read the same way in every language.
-    row->setDirection(QBoxLayout::LeftToRight);
     row->addStretch();
     row->addWidget(new WordMark(this));
     row->addWidget(name);

@@ -1,7 +1,9 @@
 #include "ui/TranscriptList.h"
 
 #include "settings/L.h"
+#include "ui/Accessibility.h"
 #include "ui/Metrics.h"
+#include "ui/SlimScrollBar.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -19,9 +21,11 @@ TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
     , m_makeRow(std::move(makeRow))
 {
     setObjectName(u"table"_s);
+    installControlAccessibility(); // before the name: with it the toolkit makes the interface that it keeps
     setAccessibleName(L(u"Transcripts"_s));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new SlimScrollBar(Qt::Vertical));
     setFocusPolicy(Qt::StrongFocus);
     // What lies behind, the drop area, shows between the cards and takes the drops.
     viewport()->setAutoFillBackground(false);

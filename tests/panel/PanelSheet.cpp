@@ -1,6 +1,8 @@
 // Draws the New Transcription panel to be looked at: panel_sheet FILE.png [files=N] [custom=N] [rtl] [long] [grow]
 // [drag] [popup] [russian]. The scale is the environment's (QT_SCALE_FACTOR), the screen the platform's.
 
+#include "LongTexts.h"
+
 #include "intake/SetupPanel.h"
 #include "ui/DropView.h"
 #include "ui/Mascots.h"
@@ -21,18 +23,6 @@ using namespace tuppi;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Every text half as long again, as some languages are.
-class LongTexts : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char *, const char *sourceText, const char *, int) const override
-    {
-        const QString text = QString::fromUtf8(sourceText);
-        return text + u" transkriptionsverfahren"_s.left(2 + text.size() / 2);
-    }
-};
 
 /// Enough Arabic to see how lines and marks fall.
 class Arabic : public QTranslator

@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTranslator>
 
 #include <memory>
 
@@ -74,18 +73,6 @@ public:
     QWidget window;
     std::unique_ptr<tuppi::SetupPanel> panel;
     std::unique_ptr<QSignalSpy> started, cancelled, addMore, dropped;
-};
-
-/// Every text half as long again, as some languages are.
-class LongTexts : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char *, const char *sourceText, const char *, int) const override
-    {
-        const QString text = QString::fromUtf8(sourceText);
-        return text + QStringLiteral(" transkriptionsverfahren").left(2 + text.size() / 2);
-    }
 };
 
 inline QStringList recordings(int count)

@@ -1,5 +1,6 @@
 // What the New Transcription panel shows, what it starts with, and how it is laid out.
 
+#include "LongTexts.h"
 #include "PanelTools.h"
 
 #include "intake/FileBox.h"

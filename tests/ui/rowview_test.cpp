@@ -291,6 +291,15 @@ TEST_F(RowViewTest, aTakenMascotIsTakenBackByTheSameLook)
     EXPECT_EQ(row.icon()->parent(), &row);
 }
 
+TEST_F(RowViewTest, leavesNothingOfAnEarlierRowBehind)
+{
+    row.setLook(look(u"failed"_qs));
+    ASSERT_EQ(row.detail()->colour(), Colours::attention);
+    row.clearLook();
+    row.setLook(look(u"transcribing"_qs, u"2"_qs));
+    EXPECT_EQ(row.detail()->colour(), Colours::slate);
+}
+
 TEST_F(RowViewTest, isAGroupOfNamedButtonsForAssistiveTools)
 {
     row.setLook(look(u"ready"_qs, u"1"_qs, -2, u"Talk"_qs));

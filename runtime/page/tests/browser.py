@@ -18,7 +18,7 @@ KEYS = {
     "Up": "\ue013", "Right": "\ue014", "Down": "\ue015", "F2": "\ue032", "F3": "\ue033", "PageDown": "\ue00f",
 }
 
-# Looked at once a frame, so that a condition is seen as soon as it holds.
+# Looked at in the page itself, so that a condition is seen as soon as it holds.
 WAIT = """
 const done = arguments[arguments.length - 1];
 const given = [...arguments].slice(0, -1);

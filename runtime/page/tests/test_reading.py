@@ -121,6 +121,15 @@ class Player(ViewerCase):
         self.assertGreaterEqual(self.at(), 15)
         self.assertEqual(self.browser.get("document.querySelectorAll('[aria-current]').length"), 1)
 
+    def test_the_page_stands_still_under_a_click(self):
+        self.browser.run("document.querySelectorAll('.line')[4].scrollIntoView({block: 'end'})")
+        before = self.browser.get("window.scrollY")
+        self.browser.click(self.line(4) + " .text")
+        self.browser.wait(f"{SPOKEN} === 4")
+        self.browser.run("window.frames = 0; const count = () => ++frames < 8 && requestAnimationFrame(count); count();")
+        self.browser.wait("frames === 8")
+        self.assertEqual(self.browser.get("window.scrollY"), before)
+
     def test_a_click_on_a_time_plays_from_there(self):
         self.browser.click(self.line(2) + " .time")
         self.browser.wait(f"{SPOKEN} === 2 && !{PLAYER}.paused")
@@ -237,6 +246,7 @@ class Player(ViewerCase):
 
     def test_a_recording_that_cannot_be_played(self):
         self.folder.joinpath("audio.wav").write_bytes(b"no sound at all")
+        self.browser.log()
         self.browser.open(self.folder / "viewer.html")
         self.browser.wait("!document.getElementById('silent').hidden")
         self.assertEqual(self.browser.get("document.querySelectorAll('#controls :enabled').length"), 0)
@@ -477,10 +487,10 @@ class ScreenReader(ViewerCase):
         self.assertIn(("group", "Guest, 0:05, Good morning. I am happy to be here."), self.tree())
 
     def test_lines_out_of_sight_are_there(self):
-        self.load(page.sample(segments=page.segments([("Anna", f"Line {n}") for n in range(400)]), audio=None))
+        self.load(page.sample(segments=page.segments([("Anna", f"Line {n}") for n in range(500)]), audio=None))
         self.browser.wait("document.querySelectorAll('.later').length === 0")
         texts = [name for role, name in self.tree() if role == "statictext"]
-        self.assertIn("Line 399", texts)
+        self.assertIn("Line 499", texts)
 
     def test_contrast(self):
         self.load()
@@ -537,6 +547,14 @@ class Languages(ViewerCase):
             self.load(data, before=f"window.TUPPI_RTL={rtl};" if rtl else "")
             self.assertEqual(self.browser.get("[document.documentElement.dir, document.getElementById('lines').dir]"),
                              [direction, lines])
+
+    def test_lines_in_another_script_keep_the_edge(self):
+        for language, edge, texts in (("ar", "right", ("صباح الخير", "Good morning")), ("en", "left", ("Good", "صباح"))):
+            self.load(page.sample(language=language, segments=page.segments([(None, text) for text in texts])))
+            edges = self.browser.get("""[...document.querySelectorAll('.line .text')].map(text => {
+                const range = document.createRange(); range.selectNodeContents(text);
+                return Math.round(range.getBoundingClientRect()[arguments[0]]); })""".replace("arguments[0]", repr(edge)))
+            self.assertAlmostEqual(*edges, delta=3)
 
     def test_nothing_sticks_out(self):
         for width in (560, 900):
@@ -642,6 +660,7 @@ add('audio', {src: out + 'audio'}).load();
 try { new WebSocket(out.replace('http', 'ws') + 'socket'); } catch (e) {}
 new EventSource(out + 'events');
 navigator.sendBeacon(out + 'beacon', 'x');
+add('iframe', {name: 'elsewhere'}); // in a window of its own it would hide this page
 const form = add('form', {action: out + 'form', method: 'post', target: 'elsewhere'});
 form.submit();
 """
