@@ -165,12 +165,11 @@ class Player(ViewerCase):
         self.assertGreater(self.browser.get("document.activeElement.selectionStart"), 0)
 
     def test_space_plays_and_pauses(self):
+        label = "document.getElementById('play').getAttribute('aria-label')"
         self.browser.keys("Space")
-        self.browser.wait(f"!{PLAYER}.paused")
-        self.assertEqual(self.browser.get("document.getElementById('play').getAttribute('aria-label')"), "Pause")
+        self.browser.wait(f"!{PLAYER}.paused && {label} === 'Pause'")
         self.browser.keys("Space")
-        self.browser.wait(f"{PLAYER}.paused")
-        self.assertEqual(self.browser.get("document.getElementById('play').getAttribute('aria-label')"), "Play")
+        self.browser.wait(f"{PLAYER}.paused && {label} === 'Play'")
 
     def test_space_after_a_click_on_a_button_plays(self):
         self.pause_at(30)
