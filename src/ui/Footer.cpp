@@ -31,7 +31,7 @@ IconButton *slateButton(const QString &symbol, const QString &tip, const QString
 QRect SummaryRect(QRect bar, int textWidth, int leftEnd, int rightStart)
 {
     const int width = qMax(0, qMin(textWidth, rightStart - leftEnd));
-    const int left = qBound(leftEnd, bar.center().x() - width / 2, rightStart - width);
+    const int left = qBound(leftEnd, bar.left() + (bar.width() - width) / 2, rightStart - width);
     return {left, bar.top(), width, bar.height()};
 }
 
