@@ -7,10 +7,13 @@
 #include "terminal/Options.h"
 #include "terminal/TerminalView.h"
 #include "ui/Appearance.h"
+#include "ui/Fonts.h"
 
 #include <QApplication>
 #include <QLocale>
 #include <QTextStream>
+
+#include <thread>
 
 using namespace tuppi;
 using namespace Qt::StringLiterals;
@@ -109,6 +112,7 @@ int runWindow(int argc, char *argv[], const Options &options)
     }
     // Read before the application object takes it out of the environment.
     const QVariantMap tokens = LaunchTokens();
+    const std::jthread fonts = readFontsAhead();
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(applicationId);
     SingleInstance instance(QDBusConnection::sessionBus());

@@ -37,8 +37,17 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::applicationDidFinishLaunching(Face face)
 {
     restoreWaiting();
-    if (face == Face::Window)
-        buildWindow();
+    if (face == Face::Terminal) {
+        startWork();
+        return;
+    }
+    buildWindow();
+    // What the engine's programs need of the computer would hold up the window's first picture.
+    connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::startWork);
+}
+
+void AppDelegate::startWork()
+{
     RunCallTimeout(command::resume(), this, {}, 0);
     refreshCustomModels();
     poll();

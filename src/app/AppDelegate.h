@@ -37,6 +37,7 @@ public:
     bool ownsStoredQueue() const { return m_queue.owned; }
 
     // Main loop
+    void startWork();
     void tick();
     void poll();
     void watchEngineState();

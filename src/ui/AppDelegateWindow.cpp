@@ -3,6 +3,7 @@
 #include "actions/RowRules.h"
 #include "list/ListContent.h"
 #include "settings/L.h"
+#include "ui/Appearance.h"
 #include "ui/MainWindow.h"
 #include "ui/Sheet.h"
 #include "ui/Stage.h"
@@ -33,6 +34,7 @@ void AppDelegate::buildWindow()
     connect(window, &MainWindow::rowCommand, this, &AppDelegate::performOnRow);
     connect(window, &MainWindow::filesDropped, this, &AppDelegate::addFiles);
     connect(window, &MainWindow::frameChanged, this, &AppDelegate::rememberFrame);
+    connect(window, &MainWindow::firstPainted, window, applyIcon);
     connect(this, &AppDelegate::rowsChanged, window, [this] { showRows(); });
     connect(this, &AppDelegate::refreshed, window, [this] { showEmptyState(); });
     connect(this, &AppDelegate::summaryChanged, window, &MainWindow::setSummary);

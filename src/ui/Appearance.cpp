@@ -29,11 +29,15 @@ void applyAppearance(QApplication &application)
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, Colours::pillBorder);
     application.setPalette(palette);
-    // Pictures, not the drawing: that one costs two plugins and four renderings before the first window.
+}
+
+void applyIcon()
+{
+    // Pictures, not the drawing: that one costs four renderings.
     QIcon icon;
     for (const int size : {16, 32, 48, 128})
         icon.addFile(u":/icons/%1x%1/apps/tuppi-transcriber.png"_s.arg(size), QSize(size, size));
-    application.setWindowIcon(icon);
+    QGuiApplication::setWindowIcon(icon);
 }
 
 } // namespace tuppi

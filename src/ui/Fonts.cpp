@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QFontDatabase>
 
+#include <fontconfig/fontconfig.h>
+
 namespace tuppi {
 
 QFont System(double size, QFont::Weight weight)
@@ -22,6 +24,11 @@ QFont Rounded(double size, QFont::Weight weight)
         font.setFamilies(QStringList(family) + font.families());
     }
     return font;
+}
+
+std::jthread readFontsAhead()
+{
+    return std::jthread([] { FcInit(); });
 }
 
 QString RoundedFamily(const QStringList &installed)

@@ -55,6 +55,10 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     const int menuHeight = menuBar()->isNativeMenuBar() ? 0 : menuBar()->sizeHint().height();
     setMinimumSize(Metrics::windowMinimumWidth, Metrics::windowMinimumHeight + menuHeight);
     resize(Metrics::windowWidth, Metrics::windowHeight + menuHeight);
+    constexpr int longestWaitMilliseconds = 500; // a window that starts minimised or covered is not painted
+    m_untilPainted.setSingleShot(true);
+    connect(&m_untilPainted, &QTimer::timeout, this, &MainWindow::firstPainted);
+    m_untilPainted.start(longestWaitMilliseconds);
 }
 
 void MainWindow::buildMenuBar()
@@ -221,6 +225,14 @@ void MainWindow::bringForward()
     show();
     raise();
     activateWindow();
+}
+
+bool MainWindow::event(QEvent *event)
+{
+    // The children are painted after the window and before the next turn of the event loop.
+    if (event->type() == QEvent::Paint && m_untilPainted.isActive())
+        m_untilPainted.start(0);
+    return QMainWindow::event(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <QTimer>
 #include <QUrl>
 
 QT_BEGIN_NAMESPACE
@@ -47,8 +48,11 @@ Q_SIGNALS:
     void filesDropped(const QList<QUrl> &files);
     /// Closed, hidden or shown again; the frame is worth remembering.
     void frameChanged();
+    /// The window has been on the screen, once; or it was shown where nobody looks and is not going to be soon.
+    void firstPainted();
 
 protected:
+    bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -63,6 +67,7 @@ private:
     QWidget *m_emptyState = nullptr;
     Footer *m_footer = nullptr;
     std::function<bool(const QString &, const QString &)> m_rowMenuRule;
+    QTimer m_untilPainted;
 };
 
 } // namespace tuppi

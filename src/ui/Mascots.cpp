@@ -1,10 +1,10 @@
 #include "ui/Mascots.h"
 
+#include "ui/Animation.h"
 #include "ui/MascotView.h"
 #include "ui/MotionPolicy.h"
 
 #include <QImageReader>
-#include <QMovie>
 
 namespace tuppi {
 
@@ -21,8 +21,7 @@ struct Mascots::Pose
 {
     QString name;
     QString animation; ///< its file; empty when there is none, or none that can be read
-    std::unique_ptr<QMovie> movie;
-    QSize decoded;                            ///< the size in pixels that the movie is decoded at
+    std::unique_ptr<Animation> movie;
     QHash<QPair<int, QSize>, QPixmap> frames; ///< scaled from the movie for smaller views
     QHash<QSize, QPixmap> stills;
     SightList views;
@@ -49,7 +48,7 @@ Mascots::Pose &Mascots::poseFor(const QString &name)
         pose = std::make_shared<Pose>();
         pose->name = name;
         connect(&pose->views, &SightList::cameBack, this, &Mascots::redraw);
-        // Asked of the reader first: on a file without a single good frame a movie never comes back.
+        // A file without a single good frame has no animation.
         const QString file = m_folder + u"/tuppi-"_qs + name + u".gif"_qs;
         if (!QImageReader(file, "gif").read().isNull())
             pose->animation = file;
@@ -65,7 +64,7 @@ bool Mascots::animates(const QString &pose)
 bool Mascots::isRunning(const QString &pose) const
 {
     const std::shared_ptr<Pose> known = m_poses.value(pose);
-    return known && known->movie && known->movie->state() == QMovie::Running;
+    return known && known->movie && known->movie->isRunning();
 }
 
 QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
@@ -93,23 +92,10 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
 
 void Mascots::openMovie(Pose &pose, QSize pixels, int frame)
 {
-    pose.movie = std::make_unique<QMovie>(pose.animation, "gif", this);
-    pose.movie->setCacheMode(QMovie::CacheAll);
-    pose.movie->setScaledSize(pixels);
-    pose.decoded = pixels;
+    pose.movie = std::make_unique<Animation>(pose.animation, pixels, this);
     pose.frames.clear();
-    pose.movie->jumpToFrame(0);
-    while (pose.movie->currentFrameNumber() < frame && pose.movie->jumpToNextFrame()) {
-    }
-    const QString name = pose.name;
-    connect(pose.movie.get(), &QMovie::frameChanged, this, [this, name] { step(name); });
-    // A file that says "play once" is shown endlessly all the same. Queued, and not for a single picture:
-    // that one is finished as soon as it is started.
-    const auto again = [movie = pose.movie.get()] {
-        if (movie->frameCount() > 1)
-            movie->start();
-    };
-    connect(pose.movie.get(), &QMovie::finished, pose.movie.get(), again, Qt::QueuedConnection);
+    pose.movie->goTo(frame);
+    connect(pose.movie.get(), &Animation::frameChanged, this, [this, name = pose.name] { step(name); });
 }
 
 QPixmap Mascots::frame(const QString &name, QSize size, double devicePixelRatio)
@@ -120,16 +106,16 @@ QPixmap Mascots::frame(const QString &name, QSize size, double devicePixelRatio)
     const QSize pixels = pixelSize(size, devicePixelRatio);
     if (!pose.movie) {
         openMovie(pose, pixels, 0);
-    } else if (pixels.width() > pose.decoded.width()) {
-        const bool running = pose.movie->state() == QMovie::Running;
-        openMovie(pose, pixels, pose.movie->currentFrameNumber());
+    } else if (pixels.width() > pose.movie->size().width()) {
+        const bool running = pose.movie->isRunning();
+        openMovie(pose, pixels, pose.movie->frameNumber());
         if (running)
             pose.movie->start();
     }
 
-    QPixmap picture = pose.movie->currentPixmap();
+    QPixmap picture = pose.movie->picture();
     if (picture.size() != pixels) {
-        QPixmap &smaller = pose.frames[{pose.movie->currentFrameNumber(), pixels}];
+        QPixmap &smaller = pose.frames[{pose.movie->frameNumber(), pixels}];
         if (smaller.isNull())
             smaller = picture.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
         picture = smaller;
@@ -146,9 +132,7 @@ void Mascots::painted(MascotView *view)
     if (!pose.movie)
         return;
     pose.views.add(view);
-    if (pose.movie->state() == QMovie::Paused)
-        pose.movie->setPaused(false);
-    else if (pose.movie->state() == QMovie::NotRunning)
+    if (!pose.movie->isRunning())
         pose.movie->start();
 }
 
@@ -166,7 +150,7 @@ void Mascots::step(const QString &name)
     }
     if (!seen) {
         pose.views.clear();
-        pose.movie->setPaused(true);
+        pose.movie->pause();
     }
 }
 
@@ -175,7 +159,7 @@ void Mascots::stopAll()
     for (const std::shared_ptr<Pose> &pose : std::as_const(m_poses)) {
         pose->views.clear();
         if (pose->movie)
-            pose->movie->setPaused(true);
+            pose->movie->pause();
     }
 }
 

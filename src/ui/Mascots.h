@@ -9,10 +9,6 @@
 
 #include <memory>
 
-QT_BEGIN_NAMESPACE
-class QMovie;
-QT_END_NAMESPACE
-
 namespace tuppi {
 
 class MascotView;

@@ -1,3 +1,4 @@
+#include "ui/Animation.h"
 #include "ui/MascotView.h"
 #include "ui/Mascots.h"
 #include "ui/MotionPolicy.h"
@@ -6,7 +7,6 @@
 #include "uitest.h"
 
 #include <QHBoxLayout>
-#include <QMovie>
 #include <QScrollArea>
 #include <QScrollBar>
 
@@ -76,7 +76,7 @@ TEST_F(MascotTest, aStillViewNeverMoves)
     showAndWait(*view);
     EXPECT_COLOUR(centre(*view), grey(0x10));
     EXPECT_FALSE(mascots.isRunning(u"waiting"_qs));
-    EXPECT_TRUE(mascots.findChildren<QMovie *>().isEmpty());
+    EXPECT_TRUE(mascots.findChildren<Animation *>().isEmpty());
 }
 
 TEST_F(MascotTest, anAnimatedViewShowsTheFrames)
@@ -122,9 +122,9 @@ TEST_F(MascotTest, allViewsOfAPoseShareOneMovie)
     }
     showAndWait(window);
     ASSERT_TRUE(runs());
-    const QList<QMovie *> movies = mascots.findChildren<QMovie *>();
+    const QList<Animation *> movies = mascots.findChildren<Animation *>();
     ASSERT_EQ(movies.size(), 1);
-    EXPECT_EQ(movies.first()->scaledSize().width(), qRound(200 * window.devicePixelRatioF()))
+    EXPECT_EQ(movies.first()->size().width(), qRound(200 * window.devicePixelRatioF()))
         << "decoded at the largest size in use";
     // Between two turns of the event loop the movie stands still: all show the same frame.
     QSet<QRgb> met;

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QImageReader>
+#include <QList>
+#include <QObject>
+#include <QPixmap>
+#include <QTimer>
+
+#include <memory>
+
+namespace tuppi {
+
+/// An animated picture, played endlessly, whatever the file says about that. Each frame is decoded once, when
+/// it is first due, and kept packed: a pose of Tuppi in plain pixels would take seven megabytes.
+class Animation : public QObject
+{
+    Q_OBJECT
+public:
+    /// `size` is what the frames are scaled to, in pixels.
+    Animation(const QString &file, QSize size, QObject *parent = nullptr);
+    ~Animation() override;
+
+    QSize size() const { return m_size; }
+    /// Empty when not even the first frame can be read.
+    const QPixmap &picture() const { return m_picture; }
+    int frameNumber() const { return m_number; }
+    /// Goes to that frame, or as far towards it as the file can be read.
+    void goTo(int number);
+
+    bool isRunning() const { return m_timer.isActive(); }
+    /// A single picture does not run.
+    void start();
+    void pause() { m_timer.stop(); }
+
+Q_SIGNALS:
+    void frameChanged();
+
+private:
+    struct Frame
+    {
+        QByteArray packed;
+        int milliseconds = 0;
+    };
+
+    bool decodeNext();
+    bool has(int number);
+    void show(int number);
+    void step();
+
+    QSize m_size;
+    std::unique_ptr<QImageReader> m_reader; ///< until its last frame has been read
+    QList<Frame> m_frames;
+    int m_number = -1;
+    QPixmap m_picture;
+    QTimer m_timer;
+};
+
+} // namespace tuppi
