@@ -20,6 +20,16 @@ struct RowCounts
     int ready = 0;
 };
 
+/// Tells one reply from another without keeping its bytes, which are megabytes with a long history.
+struct ReplyMark
+{
+    qsizetype size = 0;
+    size_t first = 0;
+    size_t second = 0;
+
+    bool operator==(const ReplyMark &) const = default;
+};
+
 /// The engine's jobs as the last usable history reply gave them, arranged for the list. Made off the main
 /// thread, never changed afterwards, shared by everybody who reads it.
 struct History
@@ -29,7 +39,7 @@ struct History
     QList<QJsonObject> listed;   ///< the visible ones, those under way first
     RowCounts counts;            ///< of the listed ones
     QByteArray digest;           ///< equal exactly when the listed entries are equal in every field
-    QByteArray source;           ///< the reply it was read from
+    ReplyMark source;            ///< of the reply it was read from
 };
 
 using HistoryPointer = std::shared_ptr<const History>;
