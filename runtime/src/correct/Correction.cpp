@@ -112,15 +112,18 @@ void correct(Database &database, const QString &id, const std::function<void(Cor
         discardStaged(job.callDir);
         throw;
     }
-    publish(database, job, transcript.revision);
+    try {
+        publish(database, job, transcript.revision);
+    } catch (const Failure &) {
+        // The change is kept. Its files follow with the next command.
+    }
     if (historyEntry(job) != historyEntry(before))
         announceChange(database.paths());
 }
 
 QString currentCleanText(Database &database, const QString &id)
 {
-    const FilesLock lock(database.paths(), FilesLock::Patience::Wait);
-    finishAll(database);
+    finishCorrections(database);
     const Job job = requireReady(database, id);
     return HandEdits(job, transcriptOf(database, job)).cleanText();
 }
