@@ -38,6 +38,12 @@ int pause(const Arguments &arguments);
 int resumeOne(const Arguments &arguments); // "continue"
 int cancel(const Arguments &arguments);
 int retry(const Arguments &arguments);
+int rename(const Arguments &arguments);
+int hide(const Arguments &arguments);
+int copy(const Arguments &arguments);
+int speaker(const Arguments &arguments);
+int edit(const Arguments &arguments);
+int split(const Arguments &arguments);
 int settings(const Arguments &arguments);
 int doctor(const Arguments &arguments);
 } // namespace commands

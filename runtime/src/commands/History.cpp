@@ -1,5 +1,6 @@
 #include "commands/Command.h"
 
+#include "correct/Correction.h"
 #include "store/Jobs.h"
 #include "store/Settings.h"
 
@@ -36,6 +37,7 @@ QJsonObject latestForStatus(const Job &job)
 int history(const Arguments &arguments)
 {
     Database database(Paths::ofThisUser());
+    finishCorrections(database);
     if (!arguments.has(u"--json")) {
         forEachEntries(database, [](const QByteArray &entries) {
             const QJsonArray list = QJsonDocument::fromJson('[' + entries + ']').array();
@@ -58,6 +60,7 @@ int history(const Arguments &arguments)
 int status(const Arguments &arguments)
 {
     Database database(Paths::ofThisUser());
+    finishCorrections(database);
     const std::optional<Job> job = latestJob(database);
     const QString library = libraryFolder(database);
     if (!arguments.has(u"--json")) {

@@ -2,6 +2,7 @@
 
 #include "core/WorkerLock.h"
 #include "core/WorkerStart.h"
+#include "correct/Correction.h"
 #include "store/Jobs.h"
 
 #include <QFileInfo>
@@ -35,6 +36,7 @@ int resume(const Arguments &)
     if (!QFileInfo::exists(paths.database))
         return 0;
     Database database(paths);
+    finishCorrections(database);
     if (nextJob(database))
         startWorker(paths);
     return 0;

@@ -16,6 +16,7 @@ Paths Paths::under(const QString &home)
     paths.store = paths.base + u"/store"_s;
     paths.database = paths.store + u"/jobs.sqlite"_s;
     paths.workerLock = paths.store + u"/worker.lock"_s;
+    paths.filesLock = paths.store + u"/files.lock"_s;
     paths.changed = paths.base + u"/changed"_s;
     paths.reserve = paths.store + u"/reserve"_s;
     paths.defaultLibrary = home + u"/Documents/CallsRawFiles"_s;

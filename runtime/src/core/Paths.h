@@ -12,8 +12,9 @@ struct Paths
     QString store; // a folder of its own, so that the store's journal does not wake those watchers
     QString database;
     QString workerLock;
-    QString changed; // replaced after every change that a query would show
-    QString reserve; // room kept back for writing down that the disk is full
+    QString filesLock; // held by whoever changes the files of finished transcripts
+    QString changed;   // replaced after every change that a query would show
+    QString reserve;   // room kept back for writing down that the disk is full
     QString defaultLibrary;
 
     static Paths under(const QString &home);

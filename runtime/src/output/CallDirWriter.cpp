@@ -4,30 +4,115 @@
 #include "core/Files.h"
 #include "intake/CallDir.h"
 #include "output/Formats.h"
+#include "output/ViewerPage.h"
 
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace engine {
 
-void writeCallDir(const Job &job, const std::vector<Segment> &segments, const QString &cleanText,
-                  const std::optional<Summary> &summary)
+namespace {
+
+const QString stagedPrefix = u".tuppi-revision-"_s;
+
+QString stagedFolder(const QString &callDir, int revision)
+{
+    return callDir + u'/' + stagedPrefix + QString::number(revision);
+}
+
+QString technicalFolder(const QString &callDir)
+{
+    return callDir + u'/' + CallDirNames::technical;
+}
+
+Failure notWritten(const QString &path, int error)
+{
+    return systemFailure(u"“"_s + QFileInfo(path).fileName() + u"” could not be written"_s, error);
+}
+
+// What a rename would only find out when others have moved already.
+void requirePlace(const QString &path)
+{
+    if (QFileInfo(path).isDir())
+        throw Failure(u"“"_s + QFileInfo(path).fileName() +
+                      u"” could not be written: a folder of that name stands in its place."_s);
+    if (::access(QFile::encodeName(QFileInfo(path).path()).constData(), W_OK | X_OK) != 0)
+        throw notWritten(path, errno);
+}
+
+} // namespace
+
+CallDirFiles callDirFiles(const Job &job, const Transcript &transcript)
+{
+    const QString technical = CallDirNames::technical + u'/';
+    CallDirFiles files{{technical + u"viewer.html"_s, viewerPage(job, transcript)},
+                       {CallDirNames::transcript, transcriptFile(transcript.lines)},
+                       {technical + u"transcript.txt"_s, transcript.clean.toUtf8()},
+                       {technical + u"segments.json"_s, segmentsFile(job, transcript)},
+                       {technical + u"subtitles.srt"_s, subRipFile(transcript.lines)},
+                       {technical + u"subtitles.vtt"_s, webVttFile(transcript.lines)}};
+    if (transcript.summary)
+        files.emplace_back(CallDirNames::summary, summaryFile(job, transcript));
+    return files;
+}
+
+void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
 {
     // A folder that the user has thrown away is not made again.
-    if (!QFileInfo(job.callDir).isDir())
-        throw Failure(u"The transcript's folder is gone: “"_s + job.callDir + u"”."_s);
-    const QString technical = job.callDir + u'/' + CallDirNames::technical;
-    makeFolder(technical, u"The transcript's folder could not be written"_s);
-    writeFile(technical + u"/transcript.txt"_s, cleanText.toUtf8());
-    writeFile(technical + u"/segments.json"_s, segmentsFile(job, segments));
-    writeFile(technical + u"/subtitles.srt"_s, subRipFile(segments));
-    writeFile(technical + u"/subtitles.vtt"_s, webVttFile(segments));
-    writeFile(job.callDir + u'/' + CallDirNames::transcript, transcriptFile(segments));
-    if (summary)
-        writeFile(job.callDir + u'/' + CallDirNames::summary, summaryFile(job, *summary, cleanText));
-    syncFolder(technical);
-    syncFolder(job.callDir);
+    if (!QFileInfo(callDir).isDir())
+        throw Failure(u"The transcript's folder is gone: “"_s + callDir + u"”."_s);
+    discardStaged(callDir);
+    const QString staged = stagedFolder(callDir, revision);
+    const QString doing = u"The transcript's folder could not be written"_s;
+    try {
+        makeFolder(technicalFolder(callDir), doing);
+        makeFolder(technicalFolder(staged), doing);
+        for (const auto &[name, bytes] : files) {
+            requirePlace(callDir + u'/' + name);
+            writeFile(staged + u'/' + name, bytes);
+        }
+        syncFolder(technicalFolder(staged));
+        syncFolder(staged);
+        syncFolder(callDir);
+    } catch (...) {
+        discardStaged(callDir);
+        throw;
+    }
+}
+
+bool publishFiles(const QString &callDir, int revision)
+{
+    const QString staged = stagedFolder(callDir, revision);
+    if (!QFileInfo(staged).isDir())
+        return false;
+    QStringList files;
+    QDirIterator found(staged, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (found.hasNext())
+        files.append(found.next());
+    for (const QString &from : files) {
+        const QString to = callDir + from.sliced(staged.size());
+        if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+            throw notWritten(to, errno);
+    }
+    syncFolder(technicalFolder(callDir));
+    syncFolder(callDir);
+    return true;
+}
+
+void discardStaged(const QString &callDir)
+{
+    const QStringList folders =
+        QDir(callDir).entryList({stagedPrefix + u'*'}, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+    for (const QString &folder : folders)
+        QDir(callDir + u'/' + folder).removeRecursively();
 }
 
 } // namespace engine

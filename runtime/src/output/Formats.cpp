@@ -17,6 +17,7 @@ struct Cue
 {
     qint64 startMs = 0;
     qint64 endMs = 0;
+    QString speaker;
     QString text;
 };
 
@@ -36,18 +37,16 @@ QString fineClock(qint64 ms, QChar point)
     return clock(ms) + point + u"%1"_s.arg(ms % 1000, 3, 10, QChar(u'0'));
 }
 
-std::vector<Cue> cues(const std::vector<Segment> &segments)
+std::vector<Cue> cues(const std::vector<Line> &lines)
 {
     std::vector<Cue> found;
-    for (const Segment &segment : segments) {
-        if (!segment.words)
-            continue;
+    for (const Line &line : lines) {
         bool open = false;
-        for (const Word &word : *segment.words) {
+        for (const Word &word : line.words) {
             const bool full = open && (found.back().text.size() + word.text.size() >= longestCue ||
                                        word.endMs - found.back().startMs > longestCueMs);
             if (!open || full) {
-                found.push_back({word.startMs, word.endMs, word.text});
+                found.push_back({word.startMs, word.endMs, line.speaker, word.text});
                 open = true;
             } else {
                 found.back().text += u' ' + word.text;
@@ -66,6 +65,14 @@ QString quoted(const QString &text)
     return u'"' + escaped + u'"';
 }
 
+QString quotedList(const QStringList &texts)
+{
+    QStringList list;
+    for (const QString &text : texts)
+        list.append(quoted(text));
+    return u'[' + list.join(u", ") + u']';
+}
+
 QString bulletList(const QStringList &items, const QString &bullet)
 {
     QString list;
@@ -74,56 +81,68 @@ QString bulletList(const QStringList &items, const QString &bullet)
     return list;
 }
 
+double seconds(qint64 ms)
+{
+    return double(ms) / 1000;
+}
+
 } // namespace
 
-QByteArray transcriptFile(const std::vector<Segment> &segments)
+QByteArray transcriptFile(const std::vector<Line> &lines)
 {
     QString text;
-    for (const Segment &segment : segments) {
-        if (const QString line = segment.text(); !line.isEmpty())
-            text += u'[' + clock(segment.startMs) + u"] "_s + line + u'\n';
+    for (const Line &line : lines) {
+        if (line.text.isEmpty())
+            continue;
+        text += u'[' + clock(line.startMs) + u"] "_s;
+        if (!line.speaker.isEmpty())
+            text += line.speaker + u": "_s;
+        text += line.text + u'\n';
     }
     return text.toUtf8();
 }
 
-QByteArray subRipFile(const std::vector<Segment> &segments)
+QByteArray subRipFile(const std::vector<Line> &lines)
 {
     QString text;
     int number = 0;
-    for (const Cue &cue : cues(segments))
+    for (const Cue &cue : cues(lines))
         text += u"%1\n"_s.arg(++number) + fineClock(cue.startMs, u',') + u" --> "_s +
                 fineClock(cue.endMs, u',') + u'\n' + cue.text + u"\n\n"_s;
     return text.toUtf8();
 }
 
-QByteArray webVttFile(const std::vector<Segment> &segments)
+QByteArray webVttFile(const std::vector<Line> &lines)
 {
     QString text = u"WEBVTT\n\n"_s;
-    for (const Cue &cue : cues(segments))
-        text += fineClock(cue.startMs, u'.') + u" --> "_s + fineClock(cue.endMs, u'.') + u'\n' +
-                cue.text.toHtmlEscaped() + u"\n\n"_s;
+    for (const Cue &cue : cues(lines)) {
+        text += fineClock(cue.startMs, u'.') + u" --> "_s + fineClock(cue.endMs, u'.') + u'\n';
+        if (!cue.speaker.isEmpty())
+            text += u"<v "_s + cue.speaker.toHtmlEscaped() + u'>';
+        text += cue.text.toHtmlEscaped() + u"\n\n"_s;
+    }
     return text.toUtf8();
 }
 
-QByteArray segmentsFile(const Job &job, const std::vector<Segment> &segments)
+QByteArray segmentsFile(const Job &job, const Transcript &transcript)
 {
     QJsonArray list;
-    for (const Segment &segment : segments) {
-        if (segment.text().isEmpty())
-            continue;
+    for (const Line &line : transcript.lines) {
         QJsonArray words;
-        for (const Word &word : *segment.words)
+        for (const Word &word : line.words)
             words.append(QJsonObject{{u"word"_s, word.text},
-                                     {u"start"_s, double(word.startMs) / 1000},
-                                     {u"end"_s, double(word.endMs) / 1000}});
-        list.append(QJsonObject{{u"index"_s, list.size()},
-                                {u"start"_s, double(segment.startMs) / 1000},
-                                {u"end"_s, double(segment.endMs) / 1000},
-                                {u"speaker"_s, QJsonValue()},
-                                {u"text"_s, segment.text()},
-                                {u"words"_s, words}});
+                                     {u"start"_s, seconds(word.startMs)},
+                                     {u"end"_s, seconds(word.endMs)}});
+        list.append(
+            QJsonObject{{u"index"_s, list.size()},
+                        {u"start"_s, seconds(line.startMs)},
+                        {u"end"_s, seconds(line.endMs)},
+                        {u"speaker"_s, line.speaker.isEmpty() ? QJsonValue() : QJsonValue(line.speaker)},
+                        {u"text"_s, line.text},
+                        {u"words"_s, words}});
     }
     const QJsonObject file{{u"version"_s, 1},
+                           {u"revision"_s, transcript.revision},
                            {u"title"_s, job.title},
                            {u"language"_s, job.language},
                            {u"recogniser"_s, job.recogniser},
@@ -132,21 +151,26 @@ QByteArray segmentsFile(const Job &job, const std::vector<Segment> &segments)
     return QJsonDocument(file).toJson();
 }
 
-QByteArray summaryFile(const Job &job, const Summary &summary, const QString &fullText)
+QByteArray summaryFile(const Job &job, const Transcript &transcript)
 {
-    const auto seconds = qint64(job.durationSeconds.value_or(0));
+    const Summary &summary = *transcript.summary;
+    const auto length = qint64(job.durationSeconds.value_or(0));
     QString text = u"---\ntitle: "_s + quoted(job.title) + u"\ndate: "_s + job.recordedAt +
-                   u"\nduration: "_s + quoted(clock(seconds * 1000)) + u"\nlanguage: "_s + job.language +
-                   u"\nrecogniser: "_s + quoted(job.recogniser) +
-                   u"\nsummary: \"extracted\"\nspeakers: []\n---\n"_s;
+                   u"\nduration: "_s + quoted(clock(length * 1000)) + u"\nlanguage: "_s + job.language +
+                   u"\nrecogniser: "_s + quoted(job.recogniser) + u"\nsummary: \"extracted\"\nspeakers: "_s +
+                   quotedList(speakersOf(transcript.lines)) + u"\n---\n"_s;
     text += u"# "_s + job.title + u"\n\n## Summary\n\n"_s;
-    text +=
-        u"*No text model was used: these sentences were picked from the transcript as they were spoken.*\n\n"_s;
+    text += u'*' + summaryNote() + u"*\n\n"_s;
     text += bulletList(summary.sentences, u"- "_s);
     text += u"\n## Tasks\n\n"_s;
     text += summary.tasks.isEmpty() ? u"None were found.\n"_s : bulletList(summary.tasks, u"- [ ] "_s);
-    text += u"\n## Full text\n\n"_s + fullText;
+    text += u"\n## Full text\n\n"_s + transcript.clean;
     return text.toUtf8();
+}
+
+QString summaryNote()
+{
+    return u"No text model was used: these sentences were picked from the transcript as they were spoken."_s;
 }
 
 } // namespace engine

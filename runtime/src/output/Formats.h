@@ -1,25 +1,27 @@
 #pragma once
 
 #include "store/Job.h"
-#include "store/Segments.h"
-#include "text/Summary.h"
+#include "text/Transcript.h"
 
 #include <QByteArray>
 
 namespace engine {
 
-// The files of a call dir as bytes (UTF-8). Segments in which nothing was said are left out of all of them.
+// The files of a call dir as bytes (UTF-8). Lines that were emptied stand in those for programs only.
 
-// [00:00:03] text, one segment a line.
-QByteArray transcriptFile(const std::vector<Segment> &segments);
+// [00:00:03] Speaker: text, without the name where it is not known.
+QByteArray transcriptFile(const std::vector<Line> &lines);
 
-QByteArray subRipFile(const std::vector<Segment> &segments); // .srt
-QByteArray webVttFile(const std::vector<Segment> &segments); // .vtt
+QByteArray subRipFile(const std::vector<Line> &lines); // .srt
+QByteArray webVttFile(const std::vector<Line> &lines); // .vtt
 
-// Everything that is known of the segments, for programs.
-QByteArray segmentsFile(const Job &job, const std::vector<Segment> &segments);
+// Everything that is known of the lines, for programs.
+QByteArray segmentsFile(const Job &job, const Transcript &transcript);
 
-// Front matter, summary, tasks and full text as Markdown.
-QByteArray summaryFile(const Job &job, const Summary &summary, const QString &fullText);
+// Front matter, summary, tasks and full text as Markdown; of a transcript that has a summary.
+QByteArray summaryFile(const Job &job, const Transcript &transcript);
+
+// How the summary was made, for people.
+QString summaryNote();
 
 } // namespace engine

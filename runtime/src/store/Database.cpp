@@ -110,7 +110,9 @@ void Database::openForReading(const Failure &why)
         const QByteArray name = QUrl::toPercentEncoding(m_paths.database, "/");
         open(u"file:"_s + QString::fromLatin1(name) + u"?immutable=1"_s,
              u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_s);
-        if (value(u"PRAGMA user_version"_s).toInt() == newestSchema())
+        // What the list needs has been there from the first version on.
+        const int version = value(u"PRAGMA user_version"_s).toInt();
+        if (version > 0 && version <= newestSchema())
             return;
     } catch (const Failure &) {
         // The first reason is the one to tell.

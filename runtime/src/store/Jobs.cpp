@@ -109,9 +109,27 @@ std::optional<Job> jobById(Database &database, const QString &id)
     return oneJob(database, u"WHERE id = ?"_s, {id});
 }
 
+Job requireJob(Database &database, const QString &id)
+{
+    std::optional<Job> job = jobById(database, id);
+    if (!job)
+        throw Failure(u"There is no transcription with the number “"_s + id + u"”."_s);
+    return *std::move(job);
+}
+
 std::optional<Job> jobBySeq(Database &database, qint64 seq)
 {
     return oneJob(database, u"WHERE seq = ?"_s, {seq});
+}
+
+std::vector<Job> jobsToHide(Database &database, bool hidden)
+{
+    const QString which = hidden ? u" WHERE hidden = 0 AND NOT "_s + unfinished : u" WHERE hidden = 1"_s;
+    QSqlQuery query = database.run(u"SELECT "_s + columns + u" FROM jobs"_s + which);
+    std::vector<Job> jobs;
+    while (query.next())
+        jobs.push_back(jobFrom(query));
+    return jobs;
 }
 
 std::optional<Job> nextJob(Database &database)
@@ -146,14 +164,12 @@ void forEachEntries(Database &database, const std::function<void(const QByteArra
 Job changeJob(Database &database, const QString &id, const std::function<void(Job &)> &change)
 {
     Transaction transaction(database);
-    std::optional<Job> job = jobById(database, id);
-    if (!job)
-        throw Failure(u"There is no transcription with the number “"_s + id + u"”."_s);
-    change(*job);
-    updateJob(database, *job);
+    Job job = requireJob(database, id);
+    change(job);
+    updateJob(database, job);
     transaction.commit();
     announceChange(database.paths());
-    return *job;
+    return job;
 }
 
 void announceChange(const Paths &paths)

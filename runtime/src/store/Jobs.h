@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace engine {
 
@@ -16,7 +17,11 @@ void insertJob(Database &database, Job &job);
 void updateJob(Database &database, const Job &job);
 
 std::optional<Job> jobById(Database &database, const QString &id);
+Job requireJob(Database &database, const QString &id); // throws Failure when there is none
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
+
+// Those that "hide --all" takes off the list (every one that is not being worked on) or puts back.
+std::vector<Job> jobsToHide(Database &database, bool hidden);
 
 // The job that a worker should take next: the oldest unfinished one that is not paused.
 std::optional<Job> nextJob(Database &database);

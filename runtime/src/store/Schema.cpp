@@ -56,8 +56,30 @@ void createFirstSchema(Database &database)
     database.run(u"CREATE TABLE settings (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"_s);
 }
 
+// What became of the segments: corrected lines, and the texts made of them. A job that was ready before has
+// none of this until its first correction.
+void addTranscripts(Database &database)
+{
+    database.run(uR"(CREATE TABLE transcripts (
+        job INTEGER PRIMARY KEY REFERENCES jobs (seq) ON DELETE CASCADE,
+        clean TEXT NOT NULL,
+        summary BLOB,
+        revision INTEGER NOT NULL,
+        written INTEGER NOT NULL DEFAULT 0))"_s);
+    database.run(u"CREATE INDEX unwritten ON transcripts (job) WHERE written <> revision"_s);
+    database.run(uR"(CREATE TABLE lines (
+        job INTEGER NOT NULL REFERENCES jobs (seq) ON DELETE CASCADE,
+        number INTEGER NOT NULL,
+        start_ms INTEGER NOT NULL,
+        end_ms INTEGER NOT NULL,
+        speaker TEXT,
+        text TEXT NOT NULL,
+        words BLOB NOT NULL,
+        PRIMARY KEY (job, number)) WITHOUT ROWID)"_s);
+}
+
 // Step n leads from version n to version n + 1. A step that was ever released is never edited.
-constexpr std::array migrations = {&createFirstSchema};
+constexpr std::array migrations = {&createFirstSchema, &addTranscripts};
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "media/Segmenter.h"
 #include "output/CallDirWriter.h"
+#include "store/Transcripts.h"
 #include "worker/SegmentProcess.h"
 
 #include <algorithm>
@@ -165,22 +166,38 @@ void JobRun::finish()
     const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (std::ranges::all_of(segments, [](const Segment &segment) { return segment.text().isEmpty(); }))
         throw Failure(silenceError.toString());
-    const Job &job = m_control.job();
-    QString text = plainText(segments);
-    if (job.clean) {
+    Transcript transcript;
+    // Whoever tells voices apart names the speakers of these lines here, before anything is made of them.
+    transcript.lines = linesFrom(segments);
+    transcript.clean = plainText(segments);
+    if (m_control.job().clean) {
         enter(Status::cleaning);
-        text = paragraphs(cleanSentences(segments));
+        transcript.clean = paragraphs(cleanSentences(segments));
     }
-    std::optional<Summary> summary;
-    if (job.analyze) {
+    if (m_control.job().analyze) {
         enter(Status::analyzing);
-        summary = extractSummary(cleanSentences(segments));
+        transcript.summary = extractSummary(cleanSentences(segments));
     }
-    writeCallDir(job, segments, text, summary);
-    m_control.change([](Job &ready) {
-        ready.status = Status::ready.toString();
-        ready.completedAt = contractNow();
-    });
+    keep(transcript);
+}
+
+// A job that is ready has all its files. One that dies in between writes them again.
+void JobRun::keep(Transcript &transcript)
+{
+    const Job job = m_control.job();
+    transcript.revision = 1;
+    stageFiles(job.callDir, transcript.revision, callDirFiles(job, transcript));
+    publishFiles(job.callDir, transcript.revision);
+    discardStaged(job.callDir);
+    m_control.change(
+        [](Job &ready) {
+            ready.status = Status::ready.toString();
+            ready.completedAt = contractNow();
+        },
+        [&] {
+            keepTranscript(m_database, job.seq, transcript);
+            noteWritten(m_database, job.seq, transcript.revision);
+        });
 }
 
 } // namespace engine

@@ -3,6 +3,7 @@
 #include "core/WorkerLock.h"
 #include "media/AudioReader.h"
 #include "recognise/Recogniser.h"
+#include "text/Transcript.h"
 #include "worker/JobControl.h"
 
 #include <functional>
@@ -35,6 +36,7 @@ private:
     std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
     std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
     void finish();
+    void keep(Transcript &transcript);
     void enter(QStringView stage);
     QString audioPath() const;
 

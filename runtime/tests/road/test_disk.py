@@ -12,6 +12,7 @@ import tempfile
 import unittest
 
 from road import ACTIVE, SENTENCES, RoadTest, main, several, steady, transcript, until
+from seeded import assert_agreement, seed
 
 MARK = "ROAD_MOUNTS"
 
@@ -195,6 +196,65 @@ class Disk(RoadTest):
         subprocess.run(["umount", disk], check=True)
         engine.ask("retry", job)
         engine.wait(job, "ready")
+
+    def correctable(self, engine):
+        """A transcript that has been corrected once, and changes to it."""
+        entry = seed(engine)
+        engine.ask("speaker", entry["id"], "0", "--json", "--name=Anna")
+        job = entry["id"]
+        return entry, (("rename", job, "--", "Renamed"), ("edit", job, "0", "--json", "--", "all is new"),
+                       ("speaker", job, "1", "--json", "--name=Boris"), ("split", job, "0", "4", "--json"),
+                       ("speaker", job, "--rename", "--old=Anna", "--new=Clara", "--json"),
+                       ("split", job, "1", "--join", "--json"))
+
+    def nothing_is_changed(self, engine, entry, changes):
+        kept, history = assert_agreement(self, engine, entry), engine.history()
+        for change in changes:
+            with self.subTest(change):
+                reply = engine.call(*change)
+                self.assert_one_line(reply, 1)
+                self.print(reply.err.strip())
+                self.assertEqual(assert_agreement(self, engine, entry), kept)
+                self.assertEqual(engine.history(), history)
+
+    def all_can_be_changed(self, engine, entry, changes):
+        for change in changes:
+            engine.ask(*change)
+            assert_agreement(self, engine, entry)
+        self.assertEqual([n for n in os.listdir(entry["call_dir"]) if n.startswith(".")], [])
+
+    def test_corrections_on_a_full_disk(self):
+        engine, disk = self.engine_with_library("8m")
+        entry, changes = self.correctable(engine)
+        filler = self.fill(disk)
+        self.nothing_is_changed(engine, entry, changes)
+        os.remove(filler)
+        self.all_can_be_changed(engine, entry, changes)
+
+    def test_corrections_with_the_store_on_a_full_disk_too(self):
+        engine = self.engine(home=self.mount(os.path.join(self.folder(), "home"), "96m"))
+        entry, changes = self.correctable(engine)
+        filler = self.fill(engine.home)
+        self.nothing_is_changed(engine, entry, changes)
+        os.remove(filler)
+        self.all_can_be_changed(engine, entry, changes)
+
+    def test_corrections_where_nothing_can_be_written(self):
+        engine, disk = self.engine_with_library("8m")
+        entry, changes = self.correctable(engine)
+        subprocess.run(["mount", "-o", "remount,ro", disk], check=True)
+        self.nothing_is_changed(engine, entry, changes)
+        subprocess.run(["mount", "-o", "remount,rw", disk], check=True)
+        self.all_can_be_changed(engine, entry, changes)
+
+    def test_a_store_of_the_first_version_that_can_only_be_read(self):
+        engine = self.engine(home=self.mount(os.path.join(self.folder(), "home"), "96m"))
+        entry = seed(engine)
+        subprocess.run(["mount", "-o", "remount,ro", engine.home], check=True)
+        self.assertEqual(engine.history(), [entry])
+        self.assert_one_line(engine.call("edit", entry["id"], "0", "--json", "--", "x"), 1)
+        subprocess.run(["mount", "-o", "remount,rw", engine.home], check=True)
+        self.assertEqual(engine.history(), [entry])
 
     def print(self, sentence):
         print(f"{self._testMethodName}: {sentence}")

@@ -46,7 +46,8 @@ class Sample(RoadTest):
         self.assertEqual(os.path.dirname(folder), self.undisturbed.library)
         self.assertEqual(sorted(os.listdir(folder)), ["Summary.md", "Technical files", "Transcript.txt"])
         self.assertEqual(sorted(os.listdir(technical(self.entry))),
-                         ["audio.m4a", "segments.json", "subtitles.srt", "subtitles.vtt", "transcript.txt"])
+                         ["audio.m4a", "segments.json", "subtitles.srt", "subtitles.vtt", "transcript.txt",
+                          "viewer.html"])
         with open(SAMPLE, "rb") as original, open(technical(self.entry, "audio.m4a"), "rb") as kept:
             self.assertEqual(original.read(), kept.read())
         self.assertEqual(self.undisturbed.listing(), sorted(

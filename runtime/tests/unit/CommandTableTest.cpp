@@ -39,6 +39,17 @@ TEST(CommandTable, readsWhatTheApplicationSends)
         {u"continue"_s, u"id"_s},
         {u"cancel"_s, u"id"_s},
         {u"retry"_s, u"id"_s},
+        {u"copy"_s, u"transcript"_s, u"id"_s},
+        {u"rename"_s, u"id"_s, u"--"_s, u"--title"_s},
+        {u"hide"_s, u"id"_s, u"other"_s},
+        {u"hide"_s, u"--all"_s, u"--undo"_s},
+        {u"speaker"_s, u"id"_s, u"--rename"_s, u"--old=Speaker 1"_s, u"--new=--x"_s, u"--json"_s},
+        {u"speaker"_s, u"id"_s, u"4"_s, u"--json"_s, u"--name="_s},
+        {u"speaker"_s, u"id"_s, u"-1"_s, u"--json"_s, u"--none"_s},
+        {u"edit"_s, u"id"_s, u"4"_s, u"--json"_s, u"--"_s, u"--x"_s},
+        {u"edit"_s, u"id"_s, u"4"_s, u"--json"_s, u"--"_s, u""_s},
+        {u"split"_s, u"id"_s, u"4"_s, u"-7"_s, u"--json"_s},
+        {u"split"_s, u"id"_s, u"4"_s, u"--join"_s, u"--json"_s},
     };
     for (const QStringList &arguments : sent) {
         const Command *command = commandNamed(arguments.first());

@@ -1,5 +1,8 @@
 #include "worker/JobRun.h"
 
+#include "output/CallDirWriter.h"
+#include "store/Transcripts.h"
+
 #include "FakeRecogniser.h"
 #include "Support.h"
 
@@ -73,6 +76,18 @@ TEST_F(JobRunTest, takesARecordingToReady)
     EXPECT_NEAR(done.durationSeconds.value_or(0), 23.5, 0.01);
     EXPECT_EQ(transcript(m_job).count('\n'), 6);
     EXPECT_TRUE(QFile::exists(m_job.callDir + u"/Summary.md"_s));
+    EXPECT_TRUE(QFile::exists(m_job.callDir + u"/Technical files/viewer.html"_s));
+}
+
+TEST_F(JobRunTest, aJobThatIsReadyHasATranscriptThatAgreesWithItsFiles)
+{
+    run(m_job);
+    const std::optional<Transcript> kept = keptTranscript(m_database, m_job.seq);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->lines, linesFrom(segmentsOf(m_database, m_job.seq)));
+    EXPECT_TRUE(unwrittenJobs(m_database).empty());
+    for (const auto &[name, bytes] : callDirFiles(stored(m_job), *kept))
+        EXPECT_EQ(test::contentOf(m_job.callDir + u'/' + name), bytes) << name.toStdString();
 }
 
 TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)

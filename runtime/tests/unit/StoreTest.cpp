@@ -3,6 +3,7 @@
 #include "store/Schema.h"
 #include "store/Segments.h"
 #include "store/Settings.h"
+#include "store/Transcripts.h"
 
 #include "Support.h"
 
@@ -184,6 +185,48 @@ TEST(Store, segmentsAreKeptOneByOneAndSurvive)
     EXPECT_TRUE(segments[2].kept());
     EXPECT_EQ(keptCount(database, seq), 2);
     EXPECT_EQ(segmentCount(database, seq), 3);
+}
+
+TEST(Store, transcriptsAreKeptWhole)
+{
+    const test::Home home;
+    qint64 seq = 0;
+    Transcript transcript;
+    transcript.lines = {
+        {0, 900, u"Anna"_s, u"good  \u2028\U0001f600"_s, {{u"good"_s, 0, 300}, {u"\U0001f600"_s, 300, 900}}},
+        {1000, 2000, {}, {}, {}},
+        {2000, 2500, u"\u200f\u05d0"_s, u"x"_s, {{u"x"_s, 2000, 2500}}}};
+    transcript.clean = u"Good.\n"_s;
+    transcript.summary = Summary{{u"A \"b\"."_s}, {}};
+    transcript.revision = 3;
+    {
+        Database database(home.paths());
+        seq = test::addJob(database, test::sampleJob()).seq;
+        EXPECT_FALSE(keptTranscript(database, seq));
+        Transaction transaction(database);
+        keepTranscript(database, seq, transcript);
+        transaction.commit();
+    }
+    Database database(home.paths());
+    std::optional<Transcript> kept = keptTranscript(database, seq);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->lines, transcript.lines);
+    EXPECT_EQ(kept->clean, transcript.clean);
+    EXPECT_EQ(kept->summary->sentences, transcript.summary->sentences);
+    EXPECT_TRUE(kept->summary->tasks.isEmpty());
+    EXPECT_EQ(kept->revision, 3);
+    EXPECT_EQ(unwrittenJobs(database), std::vector<qint64>{seq});
+    noteWritten(database, seq, 3);
+    EXPECT_TRUE(unwrittenJobs(database).empty());
+
+    const std::vector<Line> before = transcript.lines;
+    transcript.lines.erase(transcript.lines.begin() + 1);
+    transcript.lines[0].speaker.clear();
+    transcript.summary.reset();
+    keepTranscript(database, seq, transcript, before);
+    kept = keptTranscript(database, seq);
+    EXPECT_EQ(kept->lines, transcript.lines);
+    EXPECT_FALSE(kept->summary);
 }
 
 TEST(Store, manyProcessesAtOnceLoseNothing)

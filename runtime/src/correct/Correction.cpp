@@ -1,0 +1,144 @@
+#include "correct/Correction.h"
+
+#include "core/Failure.h"
+#include "correct/FilesLock.h"
+#include "correct/HandEdits.h"
+#include "output/CallDirWriter.h"
+#include "store/Jobs.h"
+#include "store/Transcripts.h"
+
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+Job requireReady(Database &database, const QString &id)
+{
+    Job job = requireJob(database, id);
+    if (job.status != Status::ready)
+        throw Failure(u"“"_s + job.title + u"” is not transcribed yet."_s);
+    return job;
+}
+
+// What the worker would have kept, for a job that was ready before transcripts were kept.
+Transcript firstTranscript(Database &database, const Job &job)
+{
+    const std::vector<Segment> segments = segmentsOf(database, job.seq);
+    Transcript transcript;
+    transcript.lines = linesFrom(segments);
+    transcript.clean = job.clean ? paragraphs(cleanSentences(segments)) : plainText(segments);
+    if (job.analyze)
+        transcript.summary = extractSummary(cleanSentences(segments));
+    return transcript;
+}
+
+Transcript transcriptOf(Database &database, const Job &job)
+{
+    if (std::optional<Transcript> kept = keptTranscript(database, job.seq))
+        return *std::move(kept);
+    return firstTranscript(database, job);
+}
+
+// Files that are as they should be already are left alone.
+CallDirFiles thoseThatDiffer(const QString &callDir, CallDirFiles files)
+{
+    std::erase_if(files, [&](const auto &file) {
+        QFile there(callDir + u'/' + file.first);
+        return there.open(QIODevice::ReadOnly) && there.readAll() == file.second;
+    });
+    return files;
+}
+
+void publish(Database &database, const Job &job, int revision)
+{
+    publishFiles(job.callDir, revision);
+    // Only now, and before the hidden folder goes: while it is there, what is missing can be taken from it.
+    noteWritten(database, job.seq, revision);
+    discardStaged(job.callDir);
+}
+
+void finishOne(Database &database, const Job &job)
+{
+    const Transcript transcript = *keptTranscript(database, job.seq);
+    if (!publishFiles(job.callDir, transcript.revision))
+        stageFiles(job.callDir, transcript.revision,
+                   thoseThatDiffer(job.callDir, callDirFiles(job, transcript)));
+    publish(database, job, transcript.revision);
+}
+
+void finishAll(Database &database)
+{
+    for (const qint64 seq : unwrittenJobs(database)) {
+        try {
+            finishOne(database, *jobBySeq(database, seq));
+        } catch (const Failure &) {
+            // Its folder is gone or cannot be written. It is tried again with the next command.
+        }
+    }
+}
+
+} // namespace
+
+void correct(Database &database, const QString &id, const std::function<void(Correction &)> &change)
+{
+    const FilesLock lock(database.paths(), FilesLock::Patience::Wait);
+    finishAll(database);
+    Transaction transaction(database);
+    Correction correction{requireReady(database, id), {}};
+    const Job &job = correction.job;
+    const Job before = job;
+    correction.transcript = transcriptOf(database, job);
+    const std::optional<Transcript> kept = keptTranscript(database, job.seq);
+    const HandEdits byHand(before, correction.transcript);
+    correction.transcript.clean = byHand.cleanText();
+    const std::vector<Line> lines = correction.transcript.lines;
+    change(correction);
+    Transcript &transcript = correction.transcript;
+    if (transcript.lines == lines && job.title == before.title)
+        return;
+    transcript.clean = correction.carriedOver(transcript.clean);
+    ++transcript.revision;
+    CallDirFiles files = callDirFiles(job, transcript);
+    byHand.keepIn(files, correction.carriedOver);
+    stageFiles(job.callDir, transcript.revision, thoseThatDiffer(job.callDir, std::move(files)));
+    try {
+        keepTranscript(database, job.seq, transcript, kept ? kept->lines : std::vector<Line>());
+        updateJob(database, job);
+        transaction.commit();
+    } catch (...) {
+        discardStaged(job.callDir);
+        throw;
+    }
+    try {
+        publish(database, job, transcript.revision);
+    } catch (const Failure &) {
+        // The change is kept. Its files follow with the next command.
+    }
+    if (historyEntry(job) != historyEntry(before))
+        announceChange(database.paths());
+}
+
+QString currentCleanText(Database &database, const QString &id)
+{
+    finishCorrections(database);
+    const Job job = requireReady(database, id);
+    return HandEdits(job, transcriptOf(database, job)).cleanText();
+}
+
+void finishCorrections(Database &database)
+{
+    try {
+        if (unwrittenJobs(database).empty())
+            return;
+        const FilesLock lock(database.paths(), FilesLock::Patience::JustTry);
+        if (lock.held())
+            finishAll(database);
+    } catch (const Failure &) {
+        // The store, or its folder, can only be read.
+    }
+}
+
+} // namespace engine

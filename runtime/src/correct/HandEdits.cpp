@@ -1,0 +1,107 @@
+#include "correct/HandEdits.h"
+
+#include "intake/CallDir.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+const QString cleanName = CallDirNames::technical + u"/transcript.txt"_s;
+
+// Empty where there is no such file and where it is no text.
+QString textOf(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = file.readAll();
+    const QString text = QString::fromUtf8(bytes);
+    return text.toUtf8() == bytes ? text : QString();
+}
+
+// Where `ours` became `after`, the same rows of `theirs` become the same.
+QString withSameRows(const QString &theirs, const QString &ours, const QString &after)
+{
+    const QStringList from = ours.split(u'\n');
+    const QStringList to = after.split(u'\n');
+    if (from.size() == to.size()) {
+        QStringList rows = theirs.split(u'\n');
+        for (qsizetype i = 0; i < from.size(); ++i) {
+            if (from[i] == to[i])
+                continue;
+            if (const qsizetype at = rows.indexOf(from[i]); at >= 0)
+                rows[at] = to[i];
+        }
+        return rows.join(u'\n');
+    }
+    const auto [fromFront, toFront] = std::ranges::mismatch(from, to);
+    const auto fromBack = std::mismatch(from.rbegin(), std::reverse_iterator(fromFront), to.rbegin(),
+                                        std::reverse_iterator(toFront));
+    const QStringList old(fromFront, fromBack.first.base());
+    const QStringList now(toFront, fromBack.second.base());
+    const QString oldBlock = u'\n' + old.join(u'\n') + u'\n';
+    QString padded = u'\n' + theirs;
+    if (const qsizetype at = padded.indexOf(oldBlock); at >= 0 && !old.isEmpty())
+        padded.replace(at, oldBlock.size(), u'\n' + now.join(u'\n') + u'\n');
+    return padded.sliced(1);
+}
+
+} // namespace
+
+HandEdits::HandEdits(const Job &job, const Transcript &transcript)
+    : m_callDir(job.callDir)
+    , m_clean(transcript.clean)
+    , m_files(callDirFiles(job, transcript))
+{
+}
+
+QString HandEdits::cleanText() const
+{
+    const QString text = textOf(m_callDir + u'/' + cleanName);
+    return text.isEmpty() ? m_clean : text;
+}
+
+void HandEdits::keepIn(CallDirFiles &files, const std::function<QString(const QString &)> &carriedOver) const
+{
+    for (auto &[name, bytes] : files) {
+        const bool isSummary = name == CallDirNames::summary;
+        if (!isSummary && name != CallDirNames::transcript)
+            continue;
+        const QString theirs = textOf(m_callDir + u'/' + name);
+        const auto before = std::ranges::find(m_files, name, &CallDirFiles::value_type::first);
+        if (theirs.isEmpty() || before == m_files.end() || theirs.toUtf8() == before->second)
+            continue;
+        const QString ours = QString::fromUtf8(before->second);
+        const QString after = QString::fromUtf8(bytes);
+        const QString kept =
+            isSummary ? summaryFile(theirs, ours, after, carriedOver) : withSameRows(theirs, ours, after);
+        bytes = kept.toUtf8();
+    }
+}
+
+QString HandEdits::summaryFile(const QString &theirs, const QString &ours, const QString &after,
+                               const std::function<QString(const QString &)> &carriedOver) const
+{
+    const QString marker = u"\n## Full text\n\n"_s;
+    const auto head = [&](const QString &text) {
+        const qsizetype at = text.indexOf(marker);
+        return at < 0 ? text : text.left(at);
+    };
+    const QString top = withSameRows(head(theirs), head(ours), head(after));
+    const qsizetype at = theirs.indexOf(marker);
+    if (at < 0)
+        return top;
+    const QString full = theirs.sliced(at + marker.size());
+    if (full == m_clean)
+        return top + after.sliced(head(after).size());
+    return top + marker + carriedOver(full);
+}
+
+} // namespace engine

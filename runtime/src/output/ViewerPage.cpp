@@ -1,0 +1,75 @@
+#include "output/ViewerPage.h"
+
+#include "core/Failure.h"
+#include "output/Formats.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+QJsonObject pageSummary(const Summary &summary)
+{
+    QJsonArray paragraphs;
+    if (!summary.sentences.isEmpty())
+        paragraphs.append(u"- "_s + summary.sentences.join(u"\n- "));
+    return {{u"note"_s, summaryNote()},
+            {u"paragraphs"_s, paragraphs},
+            {u"tasks"_s, QJsonArray::fromStringList(summary.tasks)}};
+}
+
+// Nothing in it can end the script element that it stands in.
+QByteArray embedded(const QJsonObject &data)
+{
+    return QJsonDocument(data)
+        .toJson(QJsonDocument::Compact)
+        .replace('<', "\\u003c")
+        .replace("\u2028", "\\u2028")
+        .replace("\u2029", "\\u2029");
+}
+
+} // namespace
+
+QJsonObject pageLine(const Line &line)
+{
+    QJsonArray words;
+    for (const Word &word : line.words)
+        words.append(double(word.startMs) / 1000);
+    return {{u"start"_s, double(line.startMs) / 1000},
+            {u"end"_s, double(line.endMs) / 1000},
+            {u"speaker"_s, line.speaker.isEmpty() ? QJsonValue() : QJsonValue(line.speaker)},
+            {u"text"_s, line.text},
+            {u"words"_s, words}};
+}
+
+QByteArray viewerPage(const Job &job, const Transcript &transcript)
+{
+    QJsonArray lines;
+    for (const Line &line : transcript.lines)
+        lines.append(pageLine(line));
+    const QJsonObject data{
+        {u"title"_s, job.title},
+        {u"language"_s, job.language},
+        {u"recorded_at"_s, job.recordedAt},
+        {u"duration"_s, job.durationSeconds.value_or(0)},
+        {u"audio"_s, QFileInfo(job.audio).fileName()},
+        {u"speakers"_s, QJsonArray::fromStringList(speakersOf(transcript.lines))},
+        {u"segments"_s, lines},
+        {u"summary"_s, transcript.summary ? QJsonValue(pageSummary(*transcript.summary)) : QJsonValue()}};
+    QFile page(u":/page/viewer.html"_s);
+    if (!page.open(QIODevice::ReadOnly))
+        throw Failure(u"The engine is not complete: the transcript page is missing. Install it again."_s);
+    const QByteArray empty = page.readAll();
+    // Only the one place: what was said may hold the same word.
+    const QByteArray placeholder = "@TUPPI_TRANSCRIPT@";
+    const qsizetype place = empty.indexOf(placeholder);
+    return empty.left(place) + embedded(data) + empty.mid(place + placeholder.size());
+}
+
+} // namespace engine

@@ -1,0 +1,226 @@
+#include "correct/Correction.h"
+
+#include "correct/FilesLock.h"
+#include "output/CallDirWriter.h"
+#include "store/Jobs.h"
+#include "store/Transcripts.h"
+
+#include "Support.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+// A job that is ready, with two lines, and whose files were written by hand in this test alone.
+class CorrectionTest : public testing::Test
+{
+protected:
+    CorrectionTest()
+        : m_database(m_home.paths())
+    {
+        m_job = test::sampleJob();
+        m_job.callDir = m_home.file(u"call"_s);
+        QDir().mkpath(m_job.callDir);
+        m_job = test::addJob(m_database, m_job);
+        m_job.status = Status::ready.toString();
+        Transaction transaction(m_database);
+        updateJob(m_database, m_job);
+        planSegments(m_database, m_job.seq, {{0, 0, 400, {}}, {1, 5000, 5400, {}}});
+        keepSegment(m_database, m_job.seq, 0, {{u"one"_s, 0, 200}, {u"two"_s, 200, 400}});
+        keepSegment(m_database, m_job.seq, 1, {{u"three"_s, 5000, 5200}, {u"four"_s, 5200, 5400}});
+        transaction.commit();
+    }
+
+    void nameSpeaker(const QString &name)
+    {
+        correct(m_database, m_job.id,
+                [&](Correction &correction) { correction.transcript.lines[0].speaker = name; });
+    }
+
+    QString path(const QString &name) const { return m_job.callDir + u'/' + name; }
+    QByteArray file(const QString &name) const { return test::contentOf(path(name)); }
+    Transcript kept() { return *keptTranscript(m_database, m_job.seq); }
+    QStringList entries() const
+    {
+        return QDir(m_job.callDir)
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    }
+    const QStringList m_expected{u"Summary.md"_s, u"Technical files"_s, u"Transcript.txt"_s};
+
+    test::Home m_home;
+    Database m_database;
+    Job m_job;
+};
+
+} // namespace
+
+TEST_F(CorrectionTest, aTranscriptOfAnOlderStoreIsMadeOfItsSegments)
+{
+    EXPECT_FALSE(keptTranscript(m_database, m_job.seq));
+    nameSpeaker(u"Anna"_s);
+    EXPECT_EQ(kept().lines.size(), 2U);
+    EXPECT_EQ(kept().lines[0].speaker, u"Anna"_s);
+    EXPECT_EQ(kept().clean, u"One two.\n\nThree four.\n"_s);
+    EXPECT_EQ(kept().revision, 1);
+    EXPECT_TRUE(kept().summary);
+    EXPECT_TRUE(unwrittenJobs(m_database).empty());
+    EXPECT_EQ(entries(), m_expected);
+    EXPECT_EQ(file(u"Transcript.txt"_s), "[00:00:00] Anna: one two\n[00:00:05] three four\n");
+    EXPECT_EQ(segmentsOf(m_database, m_job.seq)[0].text(), u"one two"_s);
+}
+
+TEST_F(CorrectionTest, whatChangesNothingWritesNothing)
+{
+    nameSpeaker(u"Anna"_s);
+    nameSpeaker(u"Anna"_s);
+    EXPECT_EQ(kept().revision, 1);
+}
+
+TEST_F(CorrectionTest, aRefusedChangeLeavesEverything)
+{
+    nameSpeaker(u"Anna"_s);
+    const QByteArray before = file(u"Transcript.txt"_s);
+    EXPECT_EQ(test::sentenceOf([&] {
+                  correct(m_database, m_job.id, [](Correction &correction) {
+                      correction.transcript.lines.clear();
+                      throw Failure(u"No."_s);
+                  });
+              }),
+              u"No."_s);
+    EXPECT_EQ(kept().lines.size(), 2U);
+    EXPECT_EQ(file(u"Transcript.txt"_s), before);
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, filesThatCannotBeWrittenChangeNothing)
+{
+    nameSpeaker(u"Anna"_s);
+    QFile::remove(path(u"Transcript.txt"_s));
+    QDir().mkpath(path(u"Transcript.txt"_s));
+    EXPECT_TRUE(test::sentenceOf([&] {
+                    nameSpeaker(u"Boris"_s);
+                }).contains(u"“Transcript.txt” could not be written"));
+    EXPECT_EQ(kept().lines[0].speaker, u"Anna"_s);
+    EXPECT_EQ(kept().revision, 1);
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, onlyWhatIsReadyCanBeCorrected)
+{
+    EXPECT_TRUE(test::sentenceOf([&] {
+                    correct(m_database, u"nope"_s, [](Correction &) {});
+                }).startsWith(u"There is no transcription"));
+    const Job queued = test::addJob(m_database, test::sampleJob(u"Queued"_s));
+    EXPECT_EQ(test::sentenceOf([&] { correct(m_database, queued.id, [](Correction &) {}); }),
+              u"“Queued” is not transcribed yet."_s);
+    QDir(m_job.callDir).removeRecursively();
+    EXPECT_TRUE(
+        test::sentenceOf([&] { nameSpeaker(u"Anna"_s); }).startsWith(u"The transcript's folder is gone"));
+    EXPECT_FALSE(QFile::exists(m_job.callDir));
+}
+
+// As a program that was killed between the commit and the renames leaves it.
+TEST_F(CorrectionTest, anUnfinishedChangeIsFinishedFromWhatWasStaged)
+{
+    nameSpeaker(u"Anna"_s);
+    Transcript transcript = kept();
+    transcript.lines[0].speaker = u"Boris"_s;
+    ++transcript.revision;
+    stageFiles(m_job.callDir, transcript.revision, callDirFiles(m_job, transcript));
+    Transaction transaction(m_database);
+    keepTranscript(m_database, m_job.seq, transcript, kept().lines);
+    transaction.commit();
+    EXPECT_EQ(unwrittenJobs(m_database), std::vector<qint64>{m_job.seq});
+    EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Anna"));
+    finishCorrections(m_database);
+    EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Boris"));
+    EXPECT_TRUE(unwrittenJobs(m_database).empty());
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, anUnfinishedChangeIsFinishedFromTheStoreWhereNothingIsStaged)
+{
+    nameSpeaker(u"Anna"_s);
+    Transcript transcript = kept();
+    transcript.lines[0].speaker = u"Boris"_s;
+    ++transcript.revision;
+    Transaction transaction(m_database);
+    keepTranscript(m_database, m_job.seq, transcript, kept().lines);
+    transaction.commit();
+    {
+        // Another program is still at it.
+        const FilesLock lock(m_home.paths(), FilesLock::Patience::Wait);
+        finishCorrections(m_database);
+        EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Anna"));
+    }
+    finishCorrections(m_database);
+    EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Boris"));
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, whatWasStagedAndNeverCommittedIsForgotten)
+{
+    nameSpeaker(u"Anna"_s);
+    Transcript transcript = kept();
+    transcript.lines[0].text = u"never"_s;
+    stageFiles(m_job.callDir, 2, callDirFiles(m_job, transcript));
+    finishCorrections(m_database);
+    EXPECT_FALSE(file(u"Transcript.txt"_s).contains("never"));
+    nameSpeaker(u"Boris"_s);
+    EXPECT_EQ(file(u"Transcript.txt"_s), "[00:00:00] Boris: one two\n[00:00:05] three four\n");
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, aFolderThatIsAwayIsFinishedWhenItIsBack)
+{
+    nameSpeaker(u"Anna"_s);
+    Transcript transcript = kept();
+    transcript.lines[0].speaker = u"Boris"_s;
+    ++transcript.revision;
+    Transaction transaction(m_database);
+    keepTranscript(m_database, m_job.seq, transcript, kept().lines);
+    transaction.commit();
+    QDir().rename(m_job.callDir, m_job.callDir + u" away"_s);
+    finishCorrections(m_database);
+    EXPECT_FALSE(QFile::exists(m_job.callDir));
+    QDir().rename(m_job.callDir + u" away"_s, m_job.callDir);
+    finishCorrections(m_database);
+    EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Boris"));
+}
+
+TEST_F(CorrectionTest, whatTheUserWroteIntoTheFilesStays)
+{
+    nameSpeaker(u"Anna"_s);
+    const auto edit = [&](const QString &name, const QByteArray &from, const QByteArray &to) {
+        const QByteArray changed = file(name).replace(from, to);
+        EXPECT_NE(changed, file(name)) << name.toStdString();
+        test::write(path(name), changed);
+    };
+    edit(u"Summary.md"_s, "None were found.\n", "- [x] Call the bank\n");
+    edit(u"Technical files/transcript.txt"_s, "Three four.", "Three, four!");
+    edit(u"Transcript.txt"_s, "three four", "three four (laughs)");
+    nameSpeaker(u"Boris"_s);
+    EXPECT_TRUE(file(u"Summary.md"_s).contains("- [x] Call the bank\n"));
+    EXPECT_TRUE(file(u"Summary.md"_s).contains("speakers: [\"Boris\"]"));
+    EXPECT_EQ(file(u"Transcript.txt"_s), "[00:00:00] Boris: one two\n[00:00:05] three four (laughs)\n");
+    EXPECT_EQ(file(u"Technical files/transcript.txt"_s), "One two.\n\nThree, four!\n");
+    EXPECT_EQ(kept().clean, u"One two.\n\nThree, four!\n"_s);
+    EXPECT_TRUE(file(u"Summary.md"_s).endsWith("## Full text\n\nOne two.\n\nThree, four!\n"));
+
+    correct(m_database, m_job.id, [](Correction &correction) {
+        const auto [first, second] = cut(correction.transcript.lines[0], 3);
+        correction.transcript.lines = {first, second, correction.transcript.lines[1]};
+        correction.job.title = u"Another"_s;
+    });
+    EXPECT_EQ(file(u"Transcript.txt"_s),
+              "[00:00:00] Boris: one\n[00:00:00] Boris: two\n[00:00:05] three four (laughs)\n");
+    EXPECT_TRUE(file(u"Summary.md"_s).contains("title: \"Another\"\n"));
+    EXPECT_TRUE(file(u"Summary.md"_s).contains("\n# Another\n"));
+    EXPECT_TRUE(file(u"Summary.md"_s).contains("- [x] Call the bank\n"));
+}
+
+} // namespace engine
