@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QHash>
-#include <QList>
 #include <QLocale>
 #include <QString>
 #include <QStringList>
@@ -43,17 +42,10 @@ private:
     QHash<QString, QString> m_texts;
 };
 
-struct InterfaceLanguage
-{
-    QString code;
-    QString name; ///< in the language itself; never looked up
-};
-
-/// The interface languages, in the order of the menu.
-const QList<InterfaceLanguage> &InterfaceLanguages();
-
-/// Their codes.
+/// Codes of the interface languages, in the order of the menu.
 QStringList InterfaceLanguageCodes();
+/// What a language of the menu is called in itself; empty for any other.
+QString InterfaceLanguageName(const QString &code);
 
 /// The chosen interface language out of the stored "AppleLanguages" value: its first element when it is a
 /// list with at least one, else "auto".

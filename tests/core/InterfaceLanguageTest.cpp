@@ -124,10 +124,12 @@ INSTANTIATE_TEST_SUITE_P(InterfaceLanguage, Spoken, testing::ValuesIn(spokenCase
 TEST(InterfaceLanguages, AreShownByTheirOwnNames)
 {
     QStringList shown;
-    for (const InterfaceLanguage &language : InterfaceLanguages())
-        shown.append(language.code + u' ' + language.name);
+    for (const QString &code : InterfaceLanguageCodes())
+        shown.append(code + u' ' + InterfaceLanguageName(code));
     EXPECT_EQ(shown, (QStringList{u"en English"_s, u"uk Українська"_s, u"zh-Hans 中文（简体）"_s, u"hi हिन्दी"_s, u"es Español"_s,
                                   u"ar العربية"_s}));
+    EXPECT_EQ(InterfaceLanguageName(u"fr"_s), QString());
+    EXPECT_EQ(InterfaceLanguageName(u"auto"_s), QString());
 }
 
 TEST(LoadInterfaceTexts, EveryLanguageButEnglishHasTexts)

@@ -269,6 +269,12 @@ def engine_texts(tree):
     return texts, filled
 
 
+def engine_literals(tree):
+    """Every text of the engine. One that reaches a failure in a variable, or a transcript, is not known for a sentence
+    there, but a table may hold it."""
+    return {token.value for _, code in sources(tree, "runtime/src/") for token in tokens(code) if token.kind == "text"}
+
+
 # Reading the tables
 
 def planned_texts(tree):
@@ -314,12 +320,12 @@ def missing(tree):
 
 
 def unused(tree):
-    known = {*texts_of(tree), *planned_texts(tree)}
+    known = {*texts_of(tree), *engine_literals(tree), *planned_texts(tree)}
     return [f"{where}: nobody shows it" for where, english, _ in every_entry(tree) if english not in known]
 
 
 def planned_and_used(tree):
-    texts = texts_of(tree)
+    texts = {**dict.fromkeys(engine_literals(tree), "the engine"), **texts_of(tree)}
     return [f"{PLANNED}: {text!r} is used by {texts[text]}: take it out here" for text in planned_texts(tree) if text in texts]
 
 
@@ -407,10 +413,13 @@ def unmarked(tree):
     return found
 
 
-# Shown as they are in every language, or not shown at all: names of models, the wordmark, fonts, a style.
+# Shown as they are in every language, or not shown at all: names of models, of people, of licences and of the
+# program, the name of a file without one, what the engine puts before a sentence, fonts, a style.
 NOT_TRANSLATED = {"Parakeet", "Whisper", "Parakeet + Whisper", "Whisper Large", "Whisper Turbo", "Whisper Large v3 Turbo", "Tuppi",
                   "Transcriber", "Tuppi Transcriber", "Error: ", "Fusion", "Nunito", "Quicksand", "Varela Round",
-                  "M PLUS Rounded 1c", "Rounded Mplus 1c", "Comfortaa"}
+                  "M PLUS Rounded 1c", "Rounded Mplus 1c", "Comfortaa",
+                  "English", "Transcript", "Google", "Ollama", "Apple (MLX Contributors)", "The FFmpeg developers",
+                  "Hugging Face, Inc.", "Apache 2.0"}
 
 
 def looks_shown(text, path):

@@ -178,6 +178,11 @@ class TheRules(unittest.TestCase):
     def test_text_that_nobody_shows(self):
         self.assert_found(texts.unused(sample(own={"ar": {"Old": "X"}})), "ar.json: 'Old'")
 
+    def test_text_that_the_engine_carries_in_a_variable(self):
+        engine = {"a.cpp": 'QString trouble() { return u"Not there."_s; }'}
+        self.assertEqual(texts.unused(sample(engine=engine, table={"Not there.": "Ö."})), [])
+        self.assert_found(texts.planned_and_used(sample(engine=engine, planned="Not there.\n", table={"Not there.": "Ö."})), "the engine")
+
     def test_planned_text_that_the_code_uses(self):
         tree = sample(code='L(u"Two\\nlines"_s);', planned="Two\\nlines\n", table={"Two\nlines": "Ð\nð"})
         self.assert_found(texts.planned_and_used(tree), "src/a.cpp:1")
