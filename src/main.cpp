@@ -10,8 +10,10 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTextStream>
+#include <QTranslator>
 
 #include <thread>
 
@@ -28,15 +30,42 @@ void nameApplication()
     QCoreApplication::setApplicationVersion(QStringLiteral(TUPPI_VERSION));
 }
 
-/// Installs the table of the interface language and gives back its code.
-QString installLanguage(LocalTable &table, const Defaults &defaults)
+/// The texts of the interface: the program's own and Qt's, for the standard buttons and the file dialog.
+struct InterfaceTexts
+{
+    LocalTable own;
+    QTranslator qt;
+};
+
+/// Installs the texts of the interface language and makes its way of writing the program's.
+void installLanguage(InterfaceTexts &texts, const Defaults &defaults)
 {
     const QString chosen = ChosenInterfaceLanguage(defaults.value(u"AppleLanguages"_s));
-    const QString language = InterfaceLanguageInUse(chosen, QLocale::system().uiLanguages());
-    if (table.loadTable(u":/localization/%1.json"_s.arg(language)))
-        QCoreApplication::installTranslator(&table);
-    return language;
+    const QLocale system = QLocale::system();
+    const QString language = LoadInterfaceTexts(texts.own, InterfaceLanguageInUse(chosen, system.uiLanguages()));
+    const QLocale locale = InterfaceLocale(language, system);
+    QLocale::setDefault(locale);
+    if (texts.own.isEmpty())
+        return; // English stands in the code, ours and Qt's
+    if (texts.qt.load(locale, u"qtbase"_s, u"_"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&texts.qt);
+    QCoreApplication::installTranslator(&texts.own);
 }
+
+/// The program without a window, its messages in the interface language.
+struct TerminalProgram
+{
+    TerminalProgram(int &argc, char *argv[])
+        : application(argc, argv)
+        , defaults(Defaults::userPath())
+    {
+        installLanguage(texts, defaults);
+    }
+
+    QCoreApplication application;
+    Defaults defaults;
+    InterfaceTexts texts;
+};
 
 StartChoices choicesFor(const Options &options, const Defaults &defaults)
 {
@@ -94,19 +123,25 @@ int openWindow(Defaults &defaults, const Options &options, SingleInstance &insta
     return QCoreApplication::exec();
 }
 
+/// Says what there is to say about the arguments: in the interface language, now that it is known.
+void sayAbout(int argc, char *argv[], const QStringList &arguments, FILE *channel)
+{
+    const TerminalProgram program(argc, argv);
+    const QString message = ParseOptions(arguments).message;
+    QTextStream(channel) << message << (message.endsWith(u'\n') ? "" : "\n");
+}
+
 int runTerminal(int argc, char *argv[], const Options &options)
 {
-    QCoreApplication application(argc, argv);
-    Defaults defaults(Defaults::userPath());
-    LocalTable table;
-    installLanguage(table, defaults);
-    return transcribe(defaults, options);
+    TerminalProgram program(argc, argv);
+    return transcribe(program.defaults, options);
 }
 
 int runWindow(int argc, char *argv[], const Options &options)
 {
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
         && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        const TerminalProgram program(argc, argv);
         QTextStream(stderr) << L(u"There is no display to open a window on; --transcribe works without one."_s) << '\n';
         return 1;
     }
@@ -123,10 +158,9 @@ int runWindow(int argc, char *argv[], const Options &options)
     // nothing could bring it back.
     application.setQuitOnLastWindowClosed(role == SingleInstance::Role::Alone);
     Defaults defaults(Defaults::userPath());
-    LocalTable table;
-    const QLocale locale(installLanguage(table, defaults));
-    QLocale::setDefault(locale);
-    QGuiApplication::setLayoutDirection(locale.textDirection());
+    InterfaceTexts texts;
+    installLanguage(texts, defaults);
+    QGuiApplication::setLayoutDirection(QLocale().textDirection());
     applyAppearance(application);
     return openWindow(defaults, options, instance);
 }
@@ -142,13 +176,13 @@ int main(int argc, char *argv[])
     const Options options = ParseOptions(arguments);
     switch (options.mode) {
     case Options::Mode::Help:
-        QTextStream(stdout) << options.message;
+        sayAbout(argc, argv, arguments, stdout);
         return 0;
     case Options::Mode::Version:
         QTextStream(stdout) << "Tuppi Transcriber " << QCoreApplication::applicationVersion() << '\n';
         return 0;
     case Options::Mode::UsageError:
-        QTextStream(stderr) << options.message << '\n';
+        sayAbout(argc, argv, arguments, stderr);
         return usageError;
     case Options::Mode::Transcribe:
         return runTerminal(argc, argv, options);

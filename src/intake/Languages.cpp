@@ -14,14 +14,16 @@ using namespace Qt::StringLiterals;
 const QList<LanguageRow> &LanguageTable()
 {
     static const QList<LanguageRow> table{
-        {u"uk"_s, u"Ukrainian"_s},  {u"en"_s, u"English"_s},    {u"pl"_s, u"Polish"_s},    {u"de"_s, u"German"_s},
-        {u"fr"_s, u"French"_s},     {u"es"_s, u"Spanish"_s},    {u"it"_s, u"Italian"_s},   {u"pt"_s, u"Portuguese"_s},
-        {u"nl"_s, u"Dutch"_s},      {u"cs"_s, u"Czech"_s},      {u"sk"_s, u"Slovak"_s},    {u"ro"_s, u"Romanian"_s},
-        {u"hu"_s, u"Hungarian"_s},  {u"bg"_s, u"Bulgarian"_s},  {u"hr"_s, u"Croatian"_s},  {u"sl"_s, u"Slovenian"_s},
-        {u"el"_s, u"Greek"_s},      {u"sv"_s, u"Swedish"_s},    {u"da"_s, u"Danish"_s},    {u"fi"_s, u"Finnish"_s},
-        {u"lt"_s, u"Lithuanian"_s}, {u"tr"_s, u"Turkish"_s},    {u"he"_s, u"Hebrew"_s},    {u"ar"_s, u"Arabic"_s},
-        {u"hi"_s, u"Hindi"_s},      {u"zh"_s, u"Chinese"_s},    {u"ja"_s, u"Japanese"_s},  {u"ko"_s, u"Korean"_s},
-        {u"ru"_s, u"Russian"_s},
+        {u"uk"_s, LText(u"Ukrainian"_s)}, {u"en"_s, LText(u"English"_s)}, {u"pl"_s, LText(u"Polish"_s)},
+        {u"de"_s, LText(u"German"_s)}, {u"fr"_s, LText(u"French"_s)}, {u"es"_s, LText(u"Spanish"_s)},
+        {u"it"_s, LText(u"Italian"_s)}, {u"pt"_s, LText(u"Portuguese"_s)}, {u"nl"_s, LText(u"Dutch"_s)},
+        {u"cs"_s, LText(u"Czech"_s)}, {u"sk"_s, LText(u"Slovak"_s)}, {u"ro"_s, LText(u"Romanian"_s)},
+        {u"hu"_s, LText(u"Hungarian"_s)}, {u"bg"_s, LText(u"Bulgarian"_s)}, {u"hr"_s, LText(u"Croatian"_s)},
+        {u"sl"_s, LText(u"Slovenian"_s)}, {u"el"_s, LText(u"Greek"_s)}, {u"sv"_s, LText(u"Swedish"_s)},
+        {u"da"_s, LText(u"Danish"_s)}, {u"fi"_s, LText(u"Finnish"_s)}, {u"lt"_s, LText(u"Lithuanian"_s)},
+        {u"tr"_s, LText(u"Turkish"_s)}, {u"he"_s, LText(u"Hebrew"_s)}, {u"ar"_s, LText(u"Arabic"_s)},
+        {u"hi"_s, LText(u"Hindi"_s)}, {u"zh"_s, LText(u"Chinese"_s)}, {u"ja"_s, LText(u"Japanese"_s)},
+        {u"ko"_s, LText(u"Korean"_s)}, {u"ru"_s, LText(u"Russian"_s)},
     };
     return table;
 }

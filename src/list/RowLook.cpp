@@ -1,6 +1,7 @@
 #include "list/RowLook.h"
 
 #include "engine/Stages.h"
+#include "settings/L.h"
 #include "settings/Val.h"
 
 namespace tuppi {
@@ -53,20 +54,20 @@ RowButton icon(const QString &action, const QString &symbol, const QString &tip)
 /// Texts in English, still to be looked up.
 QList<RowButton> buttonsFor(const QString &status, bool paused)
 {
-    const RowButton trash = icon(u"removeRow"_qs, u"trash"_qs, u"Remove…"_qs);
+    const RowButton trash = icon(u"removeRow"_qs, u"trash"_qs, LText(u"Remove…"_qs));
     if (status == QLatin1String("ready"))
-        return {pill(u"openRowViewer"_qs, u"Open"_qs, 0), pill(u"openRowText"_qs, u"Summary"_qs),
-                pill(u"copyRowText"_qs, u"Copy Text"_qs),
-                icon(u"showRowInFinder"_qs, u"folder"_qs, u"Show in Finder"_qs), trash};
+        return {pill(u"openRowViewer"_qs, LText(u"Open"_qs), 0), pill(u"openRowText"_qs, LText(u"Summary"_qs)),
+                pill(u"copyRowText"_qs, LText(u"Copy Text"_qs)),
+                icon(u"showRowInFinder"_qs, u"folder"_qs, LText(u"Show in Finder"_qs)), trash};
     if (status == QLatin1String("failed"))
-        return {pill(u"retryRow"_qs, u"Try Again"_qs), trash};
+        return {pill(u"retryRow"_qs, LText(u"Try Again"_qs)), trash};
     if (status == QLatin1String("cancelled"))
-        return {pill(u"retryRow"_qs, u"Start Again"_qs), trash};
+        return {pill(u"retryRow"_qs, LText(u"Start Again"_qs)), trash};
     if (IsActiveStage(status))
-        return {paused ? pill(u"resumeRow"_qs, u"Resume"_qs) : pill(u"pauseRow"_qs, u"Pause"_qs),
-                pill(u"cancelRow"_qs, u"Cancel"_qs, 2)};
+        return {paused ? pill(u"resumeRow"_qs, LText(u"Resume"_qs)) : pill(u"pauseRow"_qs, LText(u"Pause"_qs)),
+                pill(u"cancelRow"_qs, LText(u"Cancel"_qs), 2)};
     if (status == QLatin1String("waiting"))
-        return {pill(u"removeWaiting"_qs, u"Remove"_qs)};
+        return {pill(u"removeWaiting"_qs, LText(u"Remove"_qs))};
     return {};
 }
 
@@ -112,12 +113,12 @@ RowLook RowLookFor(const QJsonObject &row, const QString &key, const QString &de
 
     RowLook look;
     look.key = key;
-    look.title = titled ? title : localise(u"Recording"_qs);
+    look.title = titled ? title : localise(LText(u"Recording"_qs));
     look.detail = detail;
     look.tone = DetailToneFor(status);
     if (text(row, QLatin1String("language")) == QLatin1String("ru"))
         look.detailTip =
-            localise(u"Warning! This language is dangerous and can cause war! Use it on your own risk"_qs);
+            localise(LText(u"Warning! This language is dangerous and can cause war! Use it on your own risk"_qs));
     look.progress = progress;
     look.pose = mascot.pose;
     look.animated = mascot.animated;

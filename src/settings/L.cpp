@@ -13,6 +13,20 @@ using namespace Qt::StringLiterals;
 
 constexpr char tableName[] = "Localizable";
 
+struct InterfaceLanguage
+{
+    QString code;
+    QString name;
+};
+
+const QList<InterfaceLanguage> &interfaceLanguages()
+{
+    static const QList<InterfaceLanguage> languages{{u"en"_s, u"English"_s},       {u"uk"_s, u"Українська"_s},
+                                                    {u"zh-Hans"_s, u"中文（简体）"_s}, {u"hi"_s, u"हिन्दी"_s},
+                                                    {u"es"_s, u"Español"_s},       {u"ar"_s, u"العربية"_s}};
+    return languages;
+}
+
 } // namespace
 
 QString L(const QString &text)
@@ -47,7 +61,19 @@ QString LocalTable::translate(const char *context, const char *sourceText, const
 
 QStringList InterfaceLanguageCodes()
 {
-    return {u"en"_s, u"uk"_s, u"zh-Hans"_s, u"hi"_s, u"es"_s, u"ar"_s};
+    QStringList codes;
+    for (const InterfaceLanguage &language : interfaceLanguages())
+        codes.append(language.code);
+    return codes;
+}
+
+QString InterfaceLanguageName(const QString &code)
+{
+    for (const InterfaceLanguage &language : interfaceLanguages()) {
+        if (language.code == code)
+            return language.name;
+    }
+    return {};
 }
 
 QString ChosenInterfaceLanguage(const QVariant &stored)
@@ -66,13 +92,29 @@ QString InterfaceLanguageInUse(const QString &chosen, const QStringList &systemL
     for (const QString &system : systemLanguages) {
         const QString language = system.section(u'-', 0, 0);
         // Traditional script is another written language; its readers are better served by the next choice.
-        const bool traditional = system.contains("Hant"_L1) || system.endsWith("-TW"_L1) || system.endsWith("-HK"_L1);
-        if (language == "zh"_L1 && !traditional)
+        if (language == "zh"_L1 && QLocale(system).script() == QLocale::SimplifiedChineseScript)
             return u"zh-Hans"_s;
         if (known.contains(language))
             return language;
     }
     return u"en"_s;
+}
+
+QString LoadInterfaceTexts(LocalTable &table, const QString &language, const QString &folder)
+{
+    const QString path = (folder.isEmpty() ? u":/localization"_s : folder) + u'/' + language + u".json"_s;
+    return table.loadTable(path) ? language : u"en"_s;
+}
+
+QLocale InterfaceLocale(const QString &language, const QLocale &system)
+{
+    // Of the Arabic ones, the first that writes 0 to 9.
+    const QLocale usual =
+        language == "ar"_L1 ? QLocale(QLocale::Arabic, QLocale::UnitedArabEmirates) : QLocale(language);
+    const bool sameLanguage = system.language() == usual.language() && system.script() == usual.script();
+    return sameLanguage && system.zeroDigit() == usual.zeroDigit()
+        ? QLocale(system.language(), system.script(), system.territory())
+        : usual;
 }
 
 } // namespace tuppi

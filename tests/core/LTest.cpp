@@ -148,8 +148,11 @@ const LanguageCase languageCases[]{
     {"TheCLocaleIsEnglish", u"auto"_s, {u"C"_s}, u"en"_s},
     {"SimplifiedByScript", u"auto"_s, {u"zh-Hans-CN"_s}, u"zh-Hans"_s},
     {"SimplifiedByRegion", u"auto"_s, {u"zh-CN"_s, u"en"_s}, u"zh-Hans"_s},
+    {"SimplifiedInSingapore", u"auto"_s, {u"zh-SG"_s, u"zh-Hans-SG"_s}, u"zh-Hans"_s},
+    {"ChineseWithoutARegionIsSimplified", u"auto"_s, {u"zh"_s}, u"zh-Hans"_s},
     {"TraditionalByScriptGoesOn", u"auto"_s, {u"zh-Hant-TW"_s, u"es"_s}, u"es"_s},
-    {"TraditionalByRegionGoesOn", u"auto"_s, {u"zh-TW"_s, u"zh-HK"_s, u"hi"_s}, u"hi"_s},
+    {"TraditionalByRegionGoesOn", u"auto"_s, {u"zh-TW"_s, u"zh-HK"_s, u"zh-MO"_s, u"hi"_s}, u"hi"_s},
+    {"TraditionalAloneIsEnglish", u"auto"_s, {u"zh-TW"_s, u"zh-Hant-TW"_s}, u"en"_s},
 };
 
 INSTANTIATE_TEST_SUITE_P(L, LanguageInUse, testing::ValuesIn(languageCases), test::caseName);
