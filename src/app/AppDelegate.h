@@ -7,12 +7,16 @@
 #include "platform/PlatformState.h"
 #include "settings/ModelsState.h"
 #include "ui/UiState.h"
+#include "viewer/ViewerState.h"
 
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QTimer>
 
 namespace tuppi {
+
+class ViewerWindow;
+struct ResultPlan;
 
 /// The one controller. It owns all state and lives until the process ends; its methods gather, ask a rule,
 /// and apply what the rule says. Main thread only.
@@ -79,6 +83,7 @@ public:
     /// Opens the row's transcript or brings its window forward; `text` asks for the summary.
     void showResult(const QJsonObject &row, bool text);
     void closeResultWindowsForDir(const QString &callDir);
+    const ViewerState &viewer() const { return m_viewer; }
 
     // Export
     /// Asks where and in which form to save; over `window`, or over the main window without one.
@@ -131,6 +136,13 @@ private:
     void showEmptyState();
     void restoreFrame();
     void rememberFrame();
+    void openTextWindow(const ResultPlan &plan);
+    void openViewerWindow(const ResultPlan &plan, bool withoutSandbox);
+    void offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox);
+    void showResultAsText(const ResultPlan &plan);
+    void addResultWindow(ResultWindow *window);
+    void forgetResultWindow(ResultWindow *window);
+    void viewerMessage(ViewerWindow *window, const QJsonObject &body, int page);
 
     JobsState m_jobs;
     ListState m_list;
@@ -139,6 +151,7 @@ private:
     SetupState m_setup;
     UiState m_ui;
     PlatformState m_platform;
+    ViewerState m_viewer;
     QTimer m_timer;
     QTimer m_watchDelay;
     QFileSystemWatcher m_stateWatch;

@@ -1,10 +1,24 @@
 #include "engine/EngineCommands.h"
 
+#include <QLocale>
 #include <QUrl>
 
 namespace tuppi::command {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Whole numbers without a point or an exponent, as far as they are exact.
+QString numberText(double number)
+{
+    constexpr double exact = 9007199254740992; // 2 to the power of 53
+    if (number > -exact && number < exact && number == double(qint64(number)))
+        return QString::number(qint64(number));
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+} // namespace
 
 QStringList resume()
 {
@@ -117,24 +131,24 @@ QStringList renameSpeaker(const QString &id, const QString &oldName, const QStri
     return {u"speaker"_s, id, u"--rename"_s, u"--old="_s + oldName, u"--new="_s + newName, u"--json"_s};
 }
 
-QStringList setLineSpeaker(const QString &id, int line, const std::optional<QString> &name)
+QStringList setLineSpeaker(const QString &id, double line, const std::optional<QString> &name)
 {
-    return {u"speaker"_s, id, QString::number(line), u"--json"_s, name ? u"--name="_s + *name : u"--none"_s};
+    return {u"speaker"_s, id, numberText(line), u"--json"_s, name ? u"--name="_s + *name : u"--none"_s};
 }
 
-QStringList editLine(const QString &id, int line, const QString &text)
+QStringList editLine(const QString &id, double line, const QString &text)
 {
-    return {u"edit"_s, id, QString::number(line), u"--json"_s, u"--"_s, text};
+    return {u"edit"_s, id, numberText(line), u"--json"_s, u"--"_s, text};
 }
 
-QStringList splitLine(const QString &id, int line, int position)
+QStringList splitLine(const QString &id, double line, double position)
 {
-    return {u"split"_s, id, QString::number(line), QString::number(position), u"--json"_s};
+    return {u"split"_s, id, numberText(line), numberText(position), u"--json"_s};
 }
 
-QStringList joinWithLineAbove(const QString &id, int line)
+QStringList joinWithLineAbove(const QString &id, double line)
 {
-    return {u"split"_s, id, QString::number(line), u"--join"_s, u"--json"_s};
+    return {u"split"_s, id, numberText(line), u"--join"_s, u"--json"_s};
 }
 
 } // namespace tuppi::command

@@ -39,11 +39,12 @@ QStringList hide(const QStringList &ids);
 QStringList unhideAll();
 
 QStringList renameSpeaker(const QString &id, const QString &oldName, const QString &newName);
+/// Lines and positions are numbers as a viewer page gave them, in whatever form: the engine judges them.
 /// Sets one line's speaker (an empty name is a name), or clears it without one.
-QStringList setLineSpeaker(const QString &id, int line, const std::optional<QString> &name);
-QStringList editLine(const QString &id, int line, const QString &text);
+QStringList setLineSpeaker(const QString &id, double line, const std::optional<QString> &name);
+QStringList editLine(const QString &id, double line, const QString &text);
 /// `position` counts the characters of the line before the cut.
-QStringList splitLine(const QString &id, int line, int position);
-QStringList joinWithLineAbove(const QString &id, int line);
+QStringList splitLine(const QString &id, double line, double position);
+QStringList joinWithLineAbove(const QString &id, double line);
 
 } // namespace tuppi::command

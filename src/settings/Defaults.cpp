@@ -75,6 +75,8 @@ const QList<DefaultKey> &DefaultsTable()
         {u"waitingQueue"_s, QVariantList(), u"files not yet handed to the engine"_s},
         {u"startInFlight"_s, QVariant(), u"the file being handed to the engine, and the jobs known before it"_s},
         {u"windowFrame"_s, QVariant(), u"place and size of the main window, as the toolkit writes them"_s},
+        {u"TranscriberViewer"_s, QVariant(), u"place and size of the last viewer window, as the toolkit writes them"_s},
+        {u"TranscriberText"_s, QVariant(), u"place and size of the last text window, as the toolkit writes them"_s},
         {u"AppleLanguages"_s, QVariant(), u"chosen interface language; absent means automatic"_s},
     };
     return table;

@@ -77,6 +77,18 @@ inline constexpr double footerRadius = 16;
 inline constexpr int sheetTextWidth = 400;
 inline constexpr int sheetButtonHeight = 34;
 
+// Result windows
+inline constexpr int resultWidth = 900;
+inline constexpr int resultHeight = 720;
+inline constexpr int resultMinimumWidth = 360;
+inline constexpr int resultMinimumHeight = 240;
+inline constexpr int resultTextInsetX = 24;
+inline constexpr int resultTextInsetY = 20;
+inline constexpr int accessoryHeight = 44;
+inline constexpr int accessoryButtonHeight = 30;
+inline constexpr int accessorySpacing = 8;
+inline constexpr int accessoryEnd = 10;
+
 // Mascot: 160 wide to 140 high
 inline constexpr double mascotWidth = 160;
 inline constexpr double mascotHeight = 140;

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "viewer/ResultPlan.h"
+
+#include <QWidget>
+
+namespace tuppi {
+
+/// A window in which a finished transcript is read, with the export buttons at its top.
+class ResultWindow : public QWidget
+{
+    Q_OBJECT
+    /// The transcript's folder: what tells a result window from others.
+    Q_PROPERTY(QString callDir READ callDir CONSTANT)
+public:
+    explicit ResultWindow(const ResultPlan &plan);
+
+    QString callDir() const { return m_plan.callDir; }
+    const ResultPlan &plan() const { return m_plan; }
+
+    /// Shows the summary or the transcript of a window that is open already.
+    virtual void showTab(bool summary);
+    void bringForward();
+
+Q_SIGNALS:
+    void saveRequested();
+    void shareRequested(QWidget *anchor);
+    /// The window is being closed; its frame is still what it was.
+    void closing();
+
+protected:
+    /// Below the strip. Takes the widget over; it gets the keyboard first.
+    void setContent(QWidget *content);
+    /// The window is closed and to be done away with, now or soon.
+    virtual void dispose();
+    virtual void setZoom(double factor) = 0;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void addShortcuts();
+    void zoomBy(int steps);
+
+    ResultPlan m_plan;
+    int m_zoomStep = 0;
+};
+
+} // namespace tuppi

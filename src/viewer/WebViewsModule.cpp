@@ -1,0 +1,73 @@
+#include "viewer/WebViewsModule.h"
+
+#include "viewer/EngineWebView.h"
+#include "viewer/WebPage.h"
+
+#include <QWebEngineDownloadRequest>
+#include <QWebEngineProfile>
+
+namespace tuppi {
+namespace {
+
+constexpr char flagsName[] = "QTWEBENGINE_CHROMIUM_FLAGS";
+
+/// Against what no interceptor sees: looking up names, opening connections ahead of need, calls between
+/// browsers, reports to the engine's makers.
+constexpr char flags[] = " --host-resolver-rules=\"MAP * ~NOTFOUND\""
+                         " --force-webrtc-ip-handling-policy=disable_non_proxied_udp"
+                         " --disable-blink-features=WebTransport,Prerender2"
+                         " --disable-background-networking --disable-domain-reliability --disable-breakpad"
+                         " --no-pings";
+
+/// Sets the engine's flags while the object lives; they are read when the first profile is made, and are nobody
+/// else's business.
+class EngineFlags
+{
+public:
+    EngineFlags() { qputenv(flagsName, m_before + flags); }
+    ~EngineFlags()
+    {
+        if (m_before.isNull())
+            qunsetenv(flagsName);
+        else
+            qputenv(flagsName, m_before);
+    }
+    Q_DISABLE_COPY(EngineFlags)
+
+private:
+    QByteArray m_before = qgetenv(flagsName);
+};
+
+/// One profile for all views, which keeps nothing on the disk.
+class EngineWebViews : public WebViews
+{
+public:
+    EngineWebViews()
+    {
+        const EngineFlags forTheFirst;
+        m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
+        m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
+        m_profile->setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);
+        m_profile->setSpellCheckEnabled(false);
+        m_profile->setUrlRequestInterceptor(&m_guard);
+        QObject::connect(m_profile.get(), &QWebEngineProfile::downloadRequested, m_profile.get(),
+                         [](QWebEngineDownloadRequest *download) { download->cancel(); });
+    }
+
+    WebView *make(const WebViewSetup &setup, QWidget *parent) override
+    {
+        return new EngineWebView(m_profile.get(), setup, parent);
+    }
+
+private:
+    NetworkGuard m_guard;
+    std::unique_ptr<QWebEngineProfile> m_profile;
+};
+
+} // namespace
+} // namespace tuppi
+
+tuppi::WebViews *tuppiWebViews()
+{
+    return new tuppi::EngineWebViews;
+}
