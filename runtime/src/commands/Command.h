@@ -38,6 +38,7 @@ int pause(const Arguments &arguments);
 int resumeOne(const Arguments &arguments); // "continue"
 int cancel(const Arguments &arguments);
 int retry(const Arguments &arguments);
+int models(const Arguments &arguments);
 int settings(const Arguments &arguments);
 int doctor(const Arguments &arguments);
 } // namespace commands

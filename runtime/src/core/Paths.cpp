@@ -18,6 +18,7 @@ Paths Paths::under(const QString &home)
     paths.workerLock = paths.store + u"/worker.lock"_s;
     paths.changed = paths.base + u"/changed"_s;
     paths.reserve = paths.store + u"/reserve"_s;
+    paths.models = paths.base + u"/models"_s;
     paths.defaultLibrary = home + u"/Documents/CallsRawFiles"_s;
     return paths;
 }
