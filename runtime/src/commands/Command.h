@@ -44,6 +44,7 @@ int copy(const Arguments &arguments);
 int speaker(const Arguments &arguments);
 int edit(const Arguments &arguments);
 int split(const Arguments &arguments);
+int models(const Arguments &arguments);
 int settings(const Arguments &arguments);
 int doctor(const Arguments &arguments);
 } // namespace commands

@@ -3,6 +3,7 @@
 #include "core/ChildProgram.h"
 #include "core/Failure.h"
 #include "core/Files.h"
+#include "models/CustomModels.h"
 #include "store/Settings.h"
 
 #include <QFileInfo>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr qint64 roomForWork = qint64(100) << 20;
 constexpr int selfTestLimitMs = 30000;
+constexpr int ollamaLimitMs = 2000; // it keeps a shorter one itself
 
 struct Check
 {
@@ -41,19 +43,23 @@ Check check(const QString &name, const std::function<void()> &look)
     }
 }
 
-Check program(const QString &name, const QString &executable)
+// Any of these programs will do.
+Check program(const QString &name, const QStringList &executables)
 {
-    if (!QStandardPaths::findExecutable(executable).isEmpty())
-        return {name, true, {}};
-    return {name, true, u"“"_s + executable + u"” is not on the path."_s};
+    for (const QString &executable : executables) {
+        if (!QStandardPaths::findExecutable(executable).isEmpty())
+            return {name, true, {}};
+    }
+    return {name, true, u"Not installed: "_s + executables.join(u", "_s)};
 }
 
-// The worker looks at itself, because only it is linked with what decodes and recognises.
-void appendWorkerChecks(std::vector<Check> &checks)
+QJsonObject answerOf(ChildProgram &selfTest, int limitMs)
 {
-    const ProgramResult result =
-        runProgram(executableFolder() + u"/tuppi-engine-worker"_s, {u"--check"_s}, selfTestLimitMs);
-    const QJsonObject found = QJsonDocument::fromJson(result.output).object();
+    return QJsonDocument::fromJson(selfTest.finish(limitMs).output).object();
+}
+
+void appendWorkerChecks(std::vector<Check> &checks, const QJsonObject &found)
+{
     const auto trouble = [&](QStringView part) {
         return found.contains(part) ? found[part].toString()
                                     : u"The worker program does not run. Install the engine again."_s;
@@ -72,25 +78,73 @@ void requireRoom(const QString &folder)
         throw Failure(u"Only "_s + sizeText(room) + u" are free at “"_s + existing + u"”."_s);
 }
 
-void appendStoreChecks(std::vector<Check> &checks)
+// What the rest of the checks need of the store.
+struct Settings
+{
+    QString library = Paths::ofThisUser().defaultLibrary;
+    QString textModel;
+};
+
+Settings appendStoreChecks(std::vector<Check> &checks)
 {
     std::optional<Database> database;
-    QString library = Paths::ofThisUser().defaultLibrary;
+    Settings settings;
     checks.push_back(check(u"List of transcripts"_s, [&] {
         database.emplace(Paths::ofThisUser());
         if (const QString verdict = database->integrity(); verdict != u"ok")
             throw Failure(u"The list of transcripts is damaged: "_s + verdict);
-        Transaction writing(*database); // the store may be open for reading alone
-        library = libraryFolder(*database);
+        settings = {libraryFolder(*database), textModel(*database)};
+        const Transaction writing(*database); // the store may be open for reading alone
     }));
-    checks.push_back(check(u"Transcripts folder can be written"_s, [&] {
-        makeFolder(library, u"The transcripts folder “"_s + library + u"” could not be made"_s);
-        requireWritable(library);
-    }));
+    checks.push_back(check(u"Transcripts folder"_s, [&] { requireLibrary(settings.library); }));
     checks.push_back(check(u"Room on the disk"_s, [&] {
-        requireRoom(library);
+        requireRoom(settings.library);
         requireRoom(Paths::ofThisUser().base);
     }));
+    return settings;
+}
+
+void appendModelChecks(std::vector<Check> &checks)
+{
+    const Paths paths = Paths::ofThisUser();
+    std::vector<CustomModel> models;
+    const Check list = check(u"List of your speech models"_s, [&] { models = customModels(paths); });
+    if (!list.trouble.isEmpty())
+        checks.push_back(list);
+    for (const CustomModel &model : models)
+        checks.push_back(
+            check(u"Your speech model “"_s + model.name + u"”"_s, [&] { openCustomModel(paths, model); }));
+}
+
+void appendOllamaChecks(std::vector<Check> &checks, const QJsonObject &found, const QString &textModel)
+{
+    const bool runs = found.contains(u"ollama");
+    checks.push_back({u"Downloads of models"_s, false,
+                      runs ? QString() : u"The program for them does not run. Install the engine again."_s});
+    QString trouble = runs ? found[u"ollama"].toString() : u"It could not be asked."_s;
+    if (trouble.isEmpty() && !textModel.isEmpty() && !found[u"models"].toArray().contains(textModel))
+        trouble = u"Ollama does not have “"_s + textModel + u"” any more. Choose a text model again."_s;
+    checks.push_back({u"Text model (Ollama)"_s, true, trouble});
+}
+
+// The parts that only other programs are linked with look at themselves, beside everything else.
+std::vector<Check> allChecks()
+{
+    ChildProgram worker(executableFolder() + u"/tuppi-engine-worker"_s, {u"--check"_s});
+    ChildProgram models(executableFolder() + u"/tuppi-engine-models"_s, {u"--check"_s});
+    std::vector<Check> ofStore;
+    const Settings settings = appendStoreChecks(ofStore);
+    std::vector<Check> ofOllama;
+    appendOllamaChecks(ofOllama, answerOf(models, ollamaLimitMs), settings.textModel);
+    std::vector<Check> checks;
+    appendWorkerChecks(checks, answerOf(worker, selfTestLimitMs));
+    checks.insert(checks.end(), ofStore.begin(), ofStore.end());
+    appendModelChecks(checks);
+    checks.insert(checks.end(), ofOllama.begin(), ofOllama.end());
+    checks.push_back(program(u"Whisper (whisper-cli)"_s, {u"whisper-cli"_s}));
+    checks.push_back(
+        program(u"Clipboard tool (wl-copy, xclip or xsel)"_s, {u"wl-copy"_s, u"xclip"_s, u"xsel"_s}));
+    return checks;
 }
 
 QByteArray asJson(const std::vector<Check> &checks)
@@ -110,11 +164,7 @@ QByteArray asJson(const std::vector<Check> &checks)
 
 int doctor(const Arguments &arguments)
 {
-    std::vector<Check> checks;
-    appendWorkerChecks(checks);
-    appendStoreChecks(checks);
-    checks.push_back(program(u"More languages (whisper-cli)"_s, u"whisper-cli"_s));
-    checks.push_back(program(u"Text model (Ollama)"_s, u"ollama"_s));
+    const std::vector<Check> checks = allChecks();
     if (arguments.has(u"--json")) {
         print(asJson(checks));
         return 0;

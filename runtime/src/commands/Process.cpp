@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "core/WorkerStart.h"
 #include "intake/CallDir.h"
+#include "models/CustomModels.h"
 #include "store/Jobs.h"
 #include "store/Settings.h"
 
@@ -24,11 +25,13 @@ QString engineChoice(const Arguments &arguments)
 {
     static const QStringList known{u"auto"_s, u"parakeet"_s, u"whisper"_s, u"whisper-large"_s};
     const QString choice = arguments.value(u"--engine", u"auto"_s);
-    const bool custom = choice.startsWith(u"custom:") && choice.size() > 7;
+    const bool custom = choice.startsWith(customPrefix) && choice.size() > customPrefix.size();
     if (!custom && !known.contains(choice))
         throw usageFailure(u"“"_s + choice +
                            u"” is not a speech model. Choose auto, parakeet, whisper, "
                            "whisper-large or custom:ID."_s);
+    if (custom)
+        customModelById(Paths::ofThisUser(), choice.mid(customPrefix.size()));
     return choice;
 }
 
@@ -63,7 +66,9 @@ Job jobFor(const Recording &recording, const Arguments &arguments)
 // The recording is in its place and synced before the job is recorded: a job never lacks its recording.
 void record(Database &database, const Recording &recording, Job &job)
 {
-    NewCallDir folder(libraryFolder(database));
+    const QString library = libraryFolder(database);
+    requireLibrary(library);
+    NewCallDir folder(library);
     job.audio = folder.take(recording);
     job.callDir = folder.place(callDirName(recording.modified, job.title));
     Transaction transaction(database);

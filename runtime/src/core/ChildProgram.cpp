@@ -1,7 +1,5 @@
 #include "core/ChildProgram.h"
 
-#include "core/FileDescriptor.h"
-
 #include <QDeadlineTimer>
 #include <QFile>
 
@@ -47,14 +45,13 @@ bool readToEnd(int fd, QDeadlineTimer deadline, QByteArray &output)
 
 } // namespace
 
-ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs)
+ChildProgram::ChildProgram(const QString &program, const QStringList &arguments)
 {
-    ProgramResult result;
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
-        return result;
-    const FileDescriptor reading(ends[0]);
-    FileDescriptor writing(ends[1]);
+        return;
+    m_output = FileDescriptor(ends[0]);
+    const FileDescriptor writing(ends[1]);
     std::vector<QByteArray> texts{QFile::encodeName(program)};
     for (const QString &argument : arguments)
         texts.push_back(QFile::encodeName(argument));
@@ -62,21 +59,35 @@ ProgramResult runProgram(const QString &program, const QStringList &arguments, i
     for (QByteArray &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
-
-    const pid_t child = ::fork();
-    if (child < 0)
-        return result;
-    if (child == 0)
+    m_child = ::fork();
+    if (m_child == 0)
         becomeProgram(pointers.front(), pointers.data(), writing.get());
-    writing.reset();
-    if (!readToEnd(reading.get(), QDeadlineTimer(limitMs), result.output))
-        ::kill(child, SIGKILL);
+}
+
+ChildProgram::~ChildProgram()
+{
+    finish(0);
+}
+
+ProgramResult ChildProgram::finish(int limitMs)
+{
+    ProgramResult result;
+    if (m_child < 0)
+        return result;
+    if (!readToEnd(m_output.get(), QDeadlineTimer(limitMs), result.output))
+        ::kill(m_child, SIGKILL);
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    while (::waitpid(m_child, &status, 0) < 0 && errno == EINTR) {
     }
+    m_child = -1;
     if (WIFEXITED(status))
         result.exitStatus = WEXITSTATUS(status);
     return result;
+}
+
+ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs)
+{
+    return ChildProgram(program, arguments).finish(limitMs);
 }
 
 } // namespace engine

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
@@ -14,34 +15,106 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
+namespace {
+
+QString setting(Database &database, const QString &name)
+{
+    return database.value(u"SELECT value FROM settings WHERE name = ?"_s, {name}).toString();
+}
+
+void set(Database &database, const QString &name, const QString &value)
+{
+    Transaction transaction(database);
+    database.run(u"INSERT INTO settings (name, value) VALUES (?, ?) "
+                 "ON CONFLICT (name) DO UPDATE SET value = excluded.value"_s,
+                 {name, value});
+    transaction.commit();
+}
+
+// Removes again, unless kept, what making a folder has made; only while it is empty.
+class NewFolder
+{
+public:
+    explicit NewFolder(const QString &folder)
+    {
+        for (QString path = folder; !QFileInfo::exists(path) && path.size() > 1;
+             path = QFileInfo(path).path())
+            m_missing.append(path);
+    }
+    ~NewFolder()
+    {
+        for (const QString &path : m_missing)
+            ::rmdir(QFile::encodeName(path).constData());
+    }
+    NewFolder(const NewFolder &) = delete;
+    NewFolder &operator=(const NewFolder &) = delete;
+
+    void keep() { m_missing.clear(); }
+
+private:
+    QStringList m_missing; // the innermost first
+};
+
+} // namespace
+
 QString libraryFolder(Database &database)
 {
-    const QString chosen = database.value(u"SELECT value FROM settings WHERE name = 'library'"_s).toString();
+    const QString chosen = setting(database, u"library"_s);
     return chosen.isEmpty() ? database.paths().defaultLibrary : chosen;
 }
 
 void requireWritable(const QString &folder)
 {
     QByteArray name = QFile::encodeName(folder + u"/.tuppi-XXXXXX"_s);
+    const QString doing = u"The transcripts folder “"_s + folder + u"” cannot be written"_s;
     const FileDescriptor probe(::mkstemp(name.data()));
     if (!probe.valid())
-        throw systemFailure(u"The transcripts folder “"_s + folder + u"” cannot be written"_s, errno);
+        throw systemFailure(doing, errno);
     ::unlink(name.constData());
+    // A full disk may still have room for names.
+    const QByteArray block(4096, 'x');
+    const ssize_t written = ::write(probe.get(), block.constData(), size_t(block.size()));
+    if (written < 0 || ::fsync(probe.get()) != 0)
+        throw systemFailure(doing, errno);
+    if (written < block.size())
+        throw systemFailure(doing, ENOSPC);
+}
+
+void requireLibrary(const QString &folder)
+{
+    if (folder == Paths::ofThisUser().defaultLibrary)
+        makeFolder(folder, u"The transcripts folder “"_s + folder + u"” could not be made"_s);
+    else if (!QFileInfo(folder).isDir())
+        throw Failure(u"The transcripts folder “"_s + folder +
+                      u"” is not there. Connect its disk, or choose another folder in the Settings."_s);
+    requireWritable(folder);
 }
 
 void changeLibrary(Database &database, const QString &path)
 {
     if (!QDir::isAbsolutePath(path))
         throw Failure(u"The transcripts folder must be given as a full path, not as “"_s + path + u"”."_s);
+    // What is not UTF-8 was lost on the way in.
+    if (path.contains(QChar::ReplacementCharacter))
+        throw Failure(u"The name of the transcripts folder “"_s + path +
+                      u"” cannot be used. Choose another one."_s);
     const QString folder = QDir::cleanPath(path);
+    NewFolder made(folder);
     makeFolder(folder, u"The transcripts folder “"_s + folder + u"” could not be made"_s);
     requireWritable(folder);
-    Transaction transaction(database);
-    database.run(u"INSERT INTO settings (name, value) VALUES ('library', ?) "
-                 "ON CONFLICT (name) DO UPDATE SET value = excluded.value"_s,
-                 {folder});
-    transaction.commit();
+    set(database, u"library"_s, folder);
+    made.keep();
     announceChange(database.paths());
+}
+
+QString textModel(Database &database)
+{
+    return setting(database, u"text_model"_s);
+}
+
+void setTextModel(Database &database, const QString &name)
+{
+    set(database, u"text_model"_s, name);
 }
 
 } // namespace engine

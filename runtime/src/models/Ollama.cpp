@@ -1,0 +1,214 @@
+#include "models/Ollama.h"
+
+#include "core/Failure.h"
+#include "models/Hub.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+constexpr int stallSecondsOfPull = 600; // it is silent while it checks what it has loaded
+constexpr qsizetype longestLine = 1 << 20;
+constexpr qsizetype longestReason = 200;
+
+QString configuredHost()
+{
+    for (const char *name : {"TUPPI_OLLAMA", "OLLAMA_HOST"}) {
+        if (const QString host = qEnvironmentVariable(name).trimmed(); !host.isEmpty())
+            return host;
+    }
+    return {};
+}
+
+QString absent()
+{
+    if (QStandardPaths::findExecutable(u"ollama"_s).isEmpty())
+        return u"Ollama is not installed."_s;
+    return u"Ollama is not running. Start it and try again."_s;
+}
+
+QString troubleOf(const HttpReply &reply)
+{
+    if (reply.end == HttpReply::End::Unreachable)
+        return absent();
+    if (reply.end == HttpReply::End::TooSlow)
+        return u"Ollama does not answer. Start it again and try again."_s;
+    return u"What answers in Ollama's place cannot be understood. Start Ollama again, or update it."_s;
+}
+
+// What Ollama's own words for what went wrong come down to.
+Failure pullFailure(const QString &name, const QString &reason)
+{
+    const auto says = [&](QStringView words) { return reason.contains(words, Qt::CaseInsensitive); };
+    if (says(u"file does not exist") || says(u"not found") || says(u"invalid model name"))
+        return Failure(u"Ollama knows no model named “"_s + name + u"”. Check the name."_s);
+    if (says(u"no space left") || says(u"disk quota"))
+        return Failure(u"There is not enough room for “"_s + name + u"”. Make room and try again."_s);
+    if (says(u"no such host") || says(u"dial tcp") || says(u"i/o timeout") || says(u"network is unreachable"))
+        return Failure(u"Ollama could not load “"_s + name +
+                       u"”. Check the internet connection and try again."_s);
+    if (says(u"newer version of ollama"))
+        return Failure(u"“"_s + name + u"” needs a newer Ollama. Update it and try again."_s);
+    return Failure(u"Ollama could not load “"_s + name + u"”: "_s + reason.simplified().left(longestReason));
+}
+
+// The lines of a pull: each an object with a status, or with an error.
+class PullReader
+{
+public:
+    PullReader(const QString &name, const Ollama::Progress &progress)
+        : m_name(name)
+        , m_progress(progress)
+    {
+    }
+
+    void take(QByteArrayView piece)
+    {
+        m_rest.append(piece);
+        for (qsizetype end; (end = m_rest.indexOf('\n')) >= 0; m_rest.remove(0, end + 1))
+            readLine(m_rest.left(end));
+        if (m_rest.size() > longestLine)
+            throw Failure(troubleOf({HttpReply::End::BrokenOff, 0, {}, {}}));
+    }
+
+    // The end of it all; whether it was a good one.
+    bool finish()
+    {
+        readLine(m_rest);
+        return m_success;
+    }
+
+private:
+    void readLine(const QByteArray &line)
+    {
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
+        if (const QString error = object[u"error"].toString(); !error.isEmpty())
+            throw pullFailure(m_name, error);
+        m_success = m_success || object[u"status"].toString() == u"success";
+        if (const qint64 size = object[u"total"].toInteger(); size > 0)
+            m_progress(object[u"completed"].toInteger(), size);
+    }
+
+    const QString &m_name;
+    const Ollama::Progress &m_progress;
+    QByteArray m_rest;
+    bool m_success = false;
+};
+
+} // namespace
+
+std::optional<QString> ollamaAddress(const QString &host)
+{
+    static const QRegularExpression form(
+        u"^(?<scheme>http://)?(?<host>\\[[0-9a-f:]+\\]|[^:/\\[\\]]*|::1?)(:(?<port>\\d+))?(?<path>/.*)?$"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression here(u"^(127\\.\\d+\\.\\d+\\.\\d+|\\[::1\\])$"_s);
+    const QRegularExpressionMatch match = form.match(host.trimmed());
+    if (!match.hasMatch())
+        return std::nullopt;
+    QString name = match.captured(u"host").toLower();
+    // A server that listens everywhere is told so; it listens here too.
+    if (name.isEmpty() || name == u"localhost" || name == u"0.0.0.0")
+        name = u"127.0.0.1"_s;
+    else if (name == u"::1" || name == u"[::]" || name == u"::")
+        name = u"[::1]"_s;
+    if (!here.match(name).hasMatch())
+        return std::nullopt;
+    const QString usual = match.captured(u"scheme").isEmpty() ? u"11434"_s : u"80"_s;
+    const int port = match.captured(u"port").toInt();
+    QString path = match.captured(u"path");
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return u"http://"_s + name + u':' +
+           (port > 0 && port <= std::numeric_limits<quint16>::max() ? QString::number(port) : usual) + path;
+}
+
+QStringList Ollama::Models::names() const
+{
+    QStringList names;
+    for (const Model &model : list) {
+        if (!model.remote)
+            names.append(model.name);
+    }
+    return names;
+}
+
+std::optional<Ollama::Model> Ollama::Models::find(const QString &name) const
+{
+    const auto found = std::ranges::find_if(list, [&](const Model &model) {
+        return model.name.compare(name, Qt::CaseInsensitive) == 0 ||
+               model.name.compare(name + u":latest"_s, Qt::CaseInsensitive) == 0;
+    });
+    return found == list.end() ? std::nullopt : std::optional(*found);
+}
+
+Ollama::Ollama(Http &http)
+    : m_http(http)
+    , m_base(ollamaAddress(configuredHost()).value_or(QString()).toUtf8())
+{
+}
+
+HttpRequest Ollama::request(const char *path) const
+{
+    HttpRequest request;
+    request.url = m_base + path;
+    request.onLoopback = true;
+    request.connectLimitMs = 1000;
+    return request;
+}
+
+Ollama::Models Ollama::models(int limitMs)
+{
+    if (m_base.isEmpty())
+        return {
+            u"Ollama is set to run on another computer (OLLAMA_HOST). Only one on this computer is used."_s,
+            {}};
+    HttpRequest asked = request("/api/tags");
+    asked.limitMs = limitMs;
+    const HttpReply reply = m_http.send(asked);
+    const QJsonValue list = QJsonDocument::fromJson(reply.body).object()[u"models"];
+    // One without any model may say null.
+    if (!reply.whole(200) || !(list.isArray() || list.isNull()))
+        return {troubleOf(reply), {}};
+    Models models;
+    for (const QJsonValue &item : list.toArray()) {
+        const bool remote =
+            !item[u"remote_host"].toString().isEmpty() || !item[u"remote_model"].toString().isEmpty();
+        if (const QString name = item[u"name"].toString(); !name.isEmpty())
+            models.list.append({name, remote});
+    }
+    return models;
+}
+
+void Ollama::pull(const QString &name, const Progress &progress)
+{
+    HttpRequest asked = request("/api/pull");
+    asked.body =
+        QJsonDocument(QJsonObject{{u"model"_s, name}, {u"stream"_s, true}}).toJson(QJsonDocument::Compact);
+    asked.stallSeconds = stallSeconds(stallSecondsOfPull);
+    PullReader reader(name, progress);
+    const HttpReply reply =
+        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
+    const bool success = reader.finish();
+    if (reply.whole(200) && success)
+        return;
+    if (reply.end == HttpReply::End::Unreachable || reply.end == HttpReply::End::TooSlow)
+        throw Failure(troubleOf(reply));
+    if (reply.status >= 300)
+        throw pullFailure(name, u"error %1"_s.arg(reply.status));
+    throw Failure(u"Ollama broke off the download of “"_s + name +
+                  u"”. Try again; it goes on where it stopped."_s);
+}
+
+} // namespace engine

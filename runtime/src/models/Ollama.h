@@ -1,0 +1,54 @@
+#pragma once
+
+#include "models/Http.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace engine {
+
+// Ollama on this computer. Only a loopback address is ever used, past every proxy and without following a
+// redirect: what is recorded must not leave the machine.
+class Ollama
+{
+public:
+    // At TUPPI_OLLAMA, else OLLAMA_HOST (both as Ollama reads the latter), else 127.0.0.1:11434.
+    explicit Ollama(Http &http);
+
+    struct Model
+    {
+        QString name;
+        bool remote = false; // runs on Ollama's own computers
+    };
+    struct Models
+    {
+        QString trouble; // empty when it has answered; else a sentence
+        QList<Model> list;
+
+        // The names of those that run here.
+        QStringList names() const;
+        // By its name, with or without ":latest".
+        std::optional<Model> find(const QString &name) const;
+    };
+
+    // Never throws: without an Ollama there are no models.
+    Models models(int limitMs);
+
+    // Has it download the model. Throws Failure.
+    using Progress = std::function<void(qint64 there, qint64 size)>;
+    void pull(const QString &name, const Progress &progress);
+
+private:
+    HttpRequest request(const char *path) const;
+
+    Http &m_http;
+    QByteArray m_base; // empty when it is set to run elsewhere
+};
+
+// http://HOST:PORT for what OLLAMA_HOST holds; nothing when that is not on this computer.
+std::optional<QString> ollamaAddress(const QString &host);
+
+} // namespace engine
