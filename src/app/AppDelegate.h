@@ -13,10 +13,14 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
+
 namespace tuppi {
 
 class ViewerWindow;
 struct ResultPlan;
+struct DoomedFolder;
+struct TrashResult;
 
 /// The one controller. It owns all state and lives until the process ends; its methods gather, ask a rule,
 /// and apply what the rule says. Main thread only.
@@ -73,11 +77,24 @@ public:
     void cancelSetup();
     void closeSetup();
 
-    // Row commands
+    // Row commands; a row that is gone by then makes them do nothing
+    void openRowViewer(const QString &rowKey);
+    void openRowText(const QString &rowKey);
+    void copyRowText(const QString &rowKey);
+    void showRowInFinder(const QString &rowKey);
+    void renameRow(const QString &rowKey);
     void pauseRow(const QString &rowKey);
     void resumeRow(const QString &rowKey);
     void retryRow(const QString &rowKey);
     void cancelRow(const QString &rowKey);
+    void removeRow(const QString &rowKey);
+    /// Offers to hide these rows or to put their folders into the Trash.
+    void removeCalls(const QList<QJsonObject> &rows, const QString &title);
+    void clearList();
+    void showHidden();
+    void openLibrary();
+    /// Opens what exists there with the desktop's program for it.
+    void openPath(const QString &path);
 
     // Viewer
     /// Opens the row's transcript or brings its window forward; `text` asks for the summary.
@@ -127,7 +144,10 @@ private:
     void startAnswered(const EngineReply &reply);
     bool storeQueue(const QVariant &startInFlight);
     QVariant storedStart() const;
-    void runOnJob(const QStringList &arguments, const QString &title);
+    void runOnJob(const QStringList &arguments, const QString &title, std::function<void()> succeeded = {});
+    void confirmTrash(const QList<QJsonObject> &rows);
+    void trashFolders(const QList<QJsonObject> &rows);
+    void trashEnded(const QList<DoomedFolder> &folders, const QList<TrashResult> &results, QStringList lines);
     void resetEngineThatIsGone();
     void followDesktop();
     MediaLengths &mediaLengths();

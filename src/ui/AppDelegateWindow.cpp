@@ -80,6 +80,9 @@ void AppDelegate::perform(const QString &action)
     using Command = void (AppDelegate::*)();
     static const QHash<QString, Command> commands{
         {u"chooseFiles"_s, &AppDelegate::chooseFiles},
+        {u"clearList"_s, &AppDelegate::clearList},
+        {u"openLibrary"_s, &AppDelegate::openLibrary},
+        {u"showHidden"_s, &AppDelegate::showHidden},
     };
     if (const Command command = commands.value(action))
         (this->*command)();
@@ -92,6 +95,12 @@ void AppDelegate::performOnRow(const QString &rowKey, const QString &action)
         {u"pauseRow"_s, &AppDelegate::pauseRow},   {u"resumeRow"_s, &AppDelegate::resumeRow},
         {u"retryRow"_s, &AppDelegate::retryRow},   {u"cancelRow"_s, &AppDelegate::cancelRow},
         {u"removeWaiting"_s, &AppDelegate::removeWaiting},
+        {u"openRowViewer"_s, &AppDelegate::openRowViewer},
+        {u"openRowText"_s, &AppDelegate::openRowText},
+        {u"copyRowText"_s, &AppDelegate::copyRowText},
+        {u"showRowInFinder"_s, &AppDelegate::showRowInFinder},
+        {u"renameRow"_s, &AppDelegate::renameRow},
+        {u"removeRow"_s, &AppDelegate::removeRow},
     };
     if (const Command command = commands.value(action))
         (this->*command)(rowKey);

@@ -76,6 +76,8 @@ inline constexpr double footerRadius = 16;
 // Sheets
 inline constexpr int sheetTextWidth = 400;
 inline constexpr int sheetButtonHeight = 34;
+inline constexpr int titleFieldWidth = 320;
+inline constexpr int titleFieldHeight = 24;
 
 // Result windows
 inline constexpr int resultWidth = 900;

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace tuppi {
+
+/// Opens a file or a folder that exists with the program that the desktop has for it, and does not wait for
+/// that. Nothing else is tried. False when the desktop has no way to open anything.
+bool OpenPath(const QString &path);
+
+} // namespace tuppi
