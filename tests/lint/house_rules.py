@@ -12,6 +12,7 @@ FLOOR_OF_TARGET = {
     "tuppi_core": "core",
     "tuppi_platform": "platform",
     "tuppi-media-length": "platform",
+    "tuppi-sounds": "platform",
     "tuppi_widgets": "widgets",
     "tuppi_viewer": "viewer",
     "tuppi_app": "app",
