@@ -13,6 +13,20 @@ using namespace Qt::StringLiterals;
 
 constexpr char tableName[] = "Localizable";
 
+struct InterfaceLanguage
+{
+    QString code;
+    QString name;
+};
+
+const QList<InterfaceLanguage> &interfaceLanguages()
+{
+    static const QList<InterfaceLanguage> languages{{u"en"_s, u"English"_s},       {u"uk"_s, u"Українська"_s},
+                                                    {u"zh-Hans"_s, u"中文（简体）"_s}, {u"hi"_s, u"हिन्दी"_s},
+                                                    {u"es"_s, u"Español"_s},       {u"ar"_s, u"العربية"_s}};
+    return languages;
+}
+
 } // namespace
 
 QString L(const QString &text)
@@ -47,7 +61,19 @@ QString LocalTable::translate(const char *context, const char *sourceText, const
 
 QStringList InterfaceLanguageCodes()
 {
-    return {u"en"_s, u"uk"_s, u"zh-Hans"_s, u"hi"_s, u"es"_s, u"ar"_s};
+    QStringList codes;
+    for (const InterfaceLanguage &language : interfaceLanguages())
+        codes.append(language.code);
+    return codes;
+}
+
+QString InterfaceLanguageName(const QString &code)
+{
+    for (const InterfaceLanguage &language : interfaceLanguages()) {
+        if (language.code == code)
+            return language.name;
+    }
+    return {};
 }
 
 QString ChosenInterfaceLanguage(const QVariant &stored)

@@ -36,6 +36,8 @@ private:
 
 /// Codes of the interface languages, in the order of the menu.
 QStringList InterfaceLanguageCodes();
+/// What a language of the menu is called in itself; empty for any other.
+QString InterfaceLanguageName(const QString &code);
 
 /// The chosen interface language out of the stored "AppleLanguages" value: its first element when it is a
 /// list with at least one, else "auto".

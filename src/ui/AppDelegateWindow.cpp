@@ -78,6 +78,12 @@ void AppDelegate::perform(const QString &action)
     using Command = void (AppDelegate::*)();
     static const QHash<QString, Command> commands{
         {u"chooseFiles"_s, &AppDelegate::chooseFiles},
+        {u"showSettings"_s, &AppDelegate::showSettings},
+        {u"changeLibrary"_s, &AppDelegate::changeLibrary},
+        {u"refreshHealth"_s, &AppDelegate::refreshHealth},
+        {u"openInstallLog"_s, &AppDelegate::openInstallLog},
+        {u"showAbout"_s, &AppDelegate::showAbout},
+        {u"showAcknowledgements"_s, &AppDelegate::showAcknowledgements},
     };
     if (const Command command = commands.value(action))
         (this->*command)();
