@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "platform/ApplicationId.h"
+#include "platform/Relaunch.h"
 #include "platform/SingleInstance.h"
 #include "settings/Defaults.h"
 #include "settings/L.h"
@@ -118,6 +119,10 @@ int openWindow(Defaults &defaults, const Options &options, SingleInstance &insta
                          delegate.applicationShouldHandleReopen(token);
                          delegate.openUrls(urls);
                      });
+    QObject::connect(&delegate, &AppDelegate::relaunchRequested, qApp, [] {
+        RelaunchAfterQuit(QCoreApplication::applicationFilePath());
+        QCoreApplication::quit();
+    });
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Window);
     delegate.openUrls(urlsOf(options.files));
     return QCoreApplication::exec();

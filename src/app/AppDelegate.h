@@ -6,6 +6,7 @@
 #include "list/ListState.h"
 #include "platform/PlatformState.h"
 #include "settings/ModelsState.h"
+#include "settings/SettingsState.h"
 #include "ui/UiState.h"
 #include "viewer/ViewerState.h"
 
@@ -117,6 +118,24 @@ public:
 
     // Models
     void refreshCustomModels();
+    void rebuildModelsUI();
+    void addCustomModel();
+    /// Of the engine's list.
+    void removeCustomModel(int index);
+    void useTextModel(const QString &name);
+    void pullTextModel(const QString &typed);
+
+    // Settings
+    void showSettings();
+    void settingToggleChanged(const QString &key, bool on);
+    void settingPopupChanged(const QString &key, const QString &value);
+    void interfaceLanguageChanged(const QString &code);
+    void refreshLibrary();
+    void changeLibrary();
+    void refreshHealth();
+    void openInstallLog();
+    void showAbout();
+    void showAcknowledgements();
 
 Q_SIGNALS:
     /// After every refresh, whether or not the rows changed.
@@ -129,6 +148,8 @@ Q_SIGNALS:
     /// The engine has answered a start; the file is no longer in flight.
     void startFinished(const QString &path, bool taken);
     void failureReported(const QString &title, const QString &detail);
+    /// The application is to be quit and started anew.
+    void relaunchRequested();
 
 private:
     /// What a poll carries from its start to its end.
@@ -149,6 +170,17 @@ private:
     void trashFolders(const QList<QJsonObject> &rows);
     void trashEnded(const QList<DoomedFolder> &folders, const QList<TrashResult> &results, QStringList lines);
     void resetEngineThatIsGone();
+    void buildSettings();
+    void connectModelsPane();
+    QWidget *settingsSheetWindow() const;
+    void soundsChanged();
+    FolderSize &folderSize();
+    void useLibrary(const QString &folder);
+    void modelsBusy(const QString &text);
+    void modelsError(const QString &title, const QString &err);
+    void downloadModel(const QString &name, const QString &kind, const QString &repo);
+    void forgetModel(const QJsonObject &record);
+    void openUrl(const QUrl &url);
     void followDesktop();
     MediaLengths &mediaLengths();
     QString jobIdOf(const QString &rowKey) const;
@@ -170,6 +202,7 @@ private:
     QueueStore m_queue;
     SetupState m_setup;
     UiState m_ui;
+    SettingsState m_settings;
     PlatformState m_platform;
     ViewerState m_viewer;
     QTimer m_timer;

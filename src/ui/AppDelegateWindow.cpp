@@ -83,6 +83,12 @@ void AppDelegate::perform(const QString &action)
         {u"clearList"_s, &AppDelegate::clearList},
         {u"openLibrary"_s, &AppDelegate::openLibrary},
         {u"showHidden"_s, &AppDelegate::showHidden},
+        {u"showSettings"_s, &AppDelegate::showSettings},
+        {u"changeLibrary"_s, &AppDelegate::changeLibrary},
+        {u"refreshHealth"_s, &AppDelegate::refreshHealth},
+        {u"openInstallLog"_s, &AppDelegate::openInstallLog},
+        {u"showAbout"_s, &AppDelegate::showAbout},
+        {u"showAcknowledgements"_s, &AppDelegate::showAcknowledgements},
     };
     if (const Command command = commands.value(action))
         (this->*command)();

@@ -34,12 +34,19 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
+        if (isSeparator(index))
+            return {0, separatorHeight};
         const QSize natural = QStyledItemDelegate::sizeHint(option, index);
         return {natural.width() + 2 * padX, qMax(natural.height(), itemHeight)};
     }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
+        if (isSeparator(index)) {
+            const QRect line(option.rect.left() + padX, option.rect.center().y(), option.rect.width() - 2 * padX, 1);
+            painter->fillRect(line, Colours::titleSeparator);
+            return;
+        }
         const bool lit = option.state & QStyle::State_Selected;
         const QString text = index.data().toString();
         painter->save();
@@ -60,7 +67,14 @@ public:
     }
 
 private:
+    /// As QComboBox::insertSeparator() marks it.
+    static bool isSeparator(const QModelIndex &index)
+    {
+        return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+    }
+
     static constexpr int itemHeight = 28;
+    static constexpr int separatorHeight = 9;
     static constexpr double itemRadius = 7;
 };
 

@@ -15,9 +15,7 @@ struct Paths
     QString filesLock; // held by whoever changes the files of finished transcripts
     QString changed;   // replaced after every change that a query would show
     QString reserve;   // room kept back for writing down that the disk is full
-    QString changed; // replaced after every change that a query would show
-    QString reserve; // room kept back for writing down that the disk is full
-    QString models;  // the user's own speech models
+    QString models;    // the user's own speech models
     QString defaultLibrary;
 
     static Paths under(const QString &home);

@@ -1,0 +1,62 @@
+#include "settings/EnginePane.h"
+
+#include "settings/L.h"
+#include "settings/PaneParts.h"
+#include "ui/Colours.h"
+#include "ui/Fonts.h"
+#include "ui/Labels.h"
+#include "ui/PillButton.h"
+
+#include <QVBoxLayout>
+
+namespace tuppi {
+
+using namespace Qt::StringLiterals;
+
+EnginePane::EnginePane(QWidget *parent)
+    : QWidget(parent)
+    , m_summary(new WrapLabel)
+    , m_list(new QVBoxLayout)
+{
+    m_summary->setObjectName("healthSummary"_L1);
+    m_summary->setFont(Rounded(15, QFont::DemiBold));
+    m_summary->setPreferredWidth(PaneMetrics::width - PaneMetrics::margins.left() - PaneMetrics::margins.right());
+    setSummary(HealthChecking());
+    m_list->setSpacing(6);
+    PillButton *again = paneButton(L(u"Check Again"_s), u"refreshHealth"_s);
+    PillButton *log = paneButton(L(u"Open Install Log"_s), u"openInstallLog"_s);
+    for (PillButton *button : {again, log})
+        connect(button, &QAbstractButton::clicked, this, [this, button] { Q_EMIT command(button->objectName()); });
+
+    QVBoxLayout *column = paneColumn(this, 14);
+    column->addWidget(m_summary);
+    column->addLayout(m_list);
+    column->addWidget(sideBySide({again, log}), 0, Qt::AlignLeading);
+    column->addWidget(
+        hint(L(u"If something shows ✗, run the installer again — it repairs missing parts and keeps your transcripts."_s)));
+}
+
+void EnginePane::setSummary(const ToneText &summary)
+{
+    m_summary->setText(summary.text);
+    m_summary->setColour(ColourOf(summary.tone));
+}
+
+void EnginePane::setReport(const HealthReport &report)
+{
+    while (QLayoutItem *old = m_list->takeAt(0)) {
+        delete old->widget();
+        delete old;
+    }
+    for (const ToneText &line : report.lines) {
+        auto *label = new ElidedLabel(this);
+        label->setObjectName("healthLine"_L1);
+        label->setFont(System(13));
+        label->setColour(ColourOf(line.tone));
+        label->setText(line.text);
+        m_list->addWidget(label);
+    }
+    setSummary(report.summary);
+}
+
+} // namespace tuppi

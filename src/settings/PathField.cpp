@@ -1,0 +1,97 @@
+#include "settings/PathField.h"
+
+#include "ui/Colours.h"
+#include "ui/Fonts.h"
+#include "ui/LightPalette.h"
+#include "ui/Painting.h"
+
+#include <QFocusEvent>
+#include <QPainter>
+
+namespace tuppi {
+namespace {
+
+constexpr int padX = 4; ///< for the focus ring
+constexpr int slack = 4; ///< what the line editor itself keeps free
+constexpr double radius = 6;
+
+} // namespace
+
+PathField::PathField(int mostWidth, QWidget *parent)
+    : QLineEdit(parent)
+    , m_mostWidth(mostWidth)
+{
+    setFont(System(13));
+    setReadOnly(true);
+    setFrame(false);
+    setTextMargins(padX, 0, padX, 0);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    QPalette light = LightPalette();
+    light.setColor(QPalette::Base, Colours::window);
+    setPalette(light);
+}
+
+void PathField::setPath(const QString &shown, const QString &tip)
+{
+    m_path = onOneLine(shown);
+    setToolTip(plainToolTip(tip));
+    setAccessibleDescription(tip);
+    showPath();
+    updateGeometry();
+}
+
+QSize PathField::sizeHint() const
+{
+    const int text = fontMetrics().horizontalAdvance(m_path) + 2 * (padX + slack);
+    return {qMin(m_mostWidth, text), fontMetrics().height() + 6};
+}
+
+/// A path runs from the left, but stands where the interface's texts begin.
+void PathField::showPath()
+{
+    setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
+    if (hasFocus())
+        return;
+    setText(fontMetrics().elidedText(m_path, Qt::ElideMiddle, width() - 2 * (padX + slack)));
+    setCursorPosition(0);
+}
+
+void PathField::focusInEvent(QFocusEvent *event)
+{
+    setText(m_path);
+    QLineEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        selectAll();
+}
+
+void PathField::focusOutEvent(QFocusEvent *event)
+{
+    QLineEdit::focusOutEvent(event);
+    // The menu that copies it must find it still selected.
+    if (event->reason() != Qt::PopupFocusReason)
+        showPath();
+}
+
+void PathField::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    showPath();
+}
+
+void PathField::changeEvent(QEvent *event)
+{
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        showPath();
+}
+
+void PathField::paintEvent(QPaintEvent *event)
+{
+    QLineEdit::paintEvent(event);
+    if (!hasFocus())
+        return;
+    QPainter painter(this);
+    drawFocusRing(painter, QRectF(rect()), radius);
+}
+
+} // namespace tuppi
