@@ -3,6 +3,7 @@
 #include "settings/Acknowledgements.h"
 #include "settings/EngineErrors.h"
 #include "settings/Health.h"
+#include "settings/L.h"
 #include "settings/LibraryTexts.h"
 #include "settings/ModelLines.h"
 #include "settings/SettingsChoices.h"

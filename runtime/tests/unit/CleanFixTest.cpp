@@ -120,7 +120,7 @@ TEST_P(CleanFix, carriesTheCorrectionOver)
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, CleanFix, testing::ValuesIn(cases),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         [](const auto &given) { return std::string(given.param.name); });
 
 TEST(CleanFixLong, aLongLineIsDoneInTime)
 {
