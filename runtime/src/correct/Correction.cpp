@@ -35,13 +35,6 @@ Transcript firstTranscript(Database &database, const Job &job)
     return transcript;
 }
 
-Transcript transcriptOf(Database &database, const Job &job)
-{
-    if (std::optional<Transcript> kept = keptTranscript(database, job.seq))
-        return *std::move(kept);
-    return firstTranscript(database, job);
-}
-
 // Files that are as they should be already are left alone.
 CallDirFiles thoseThatDiffer(const QString &callDir, CallDirFiles files)
 {
@@ -90,8 +83,8 @@ void correct(Database &database, const QString &id, const std::function<void(Cor
     Correction correction{requireReady(database, id), {}};
     const Job &job = correction.job;
     const Job before = job;
-    correction.transcript = transcriptOf(database, job);
     const std::optional<Transcript> kept = keptTranscript(database, job.seq);
+    correction.transcript = kept ? *kept : firstTranscript(database, job);
     const HandEdits byHand(before, correction.transcript);
     correction.transcript.clean = byHand.cleanText();
     const std::vector<Line> lines = correction.transcript.lines;
@@ -125,7 +118,8 @@ QString currentCleanText(Database &database, const QString &id)
 {
     finishCorrections(database);
     const Job job = requireReady(database, id);
-    return HandEdits(job, transcriptOf(database, job)).cleanText();
+    const std::optional<Transcript> kept = keptTranscript(database, job.seq);
+    return HandEdits(job, kept ? *kept : firstTranscript(database, job)).cleanText();
 }
 
 void finishCorrections(Database &database)

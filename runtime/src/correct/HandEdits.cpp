@@ -1,6 +1,7 @@
 #include "correct/HandEdits.h"
 
 #include "intake/CallDir.h"
+#include "output/Formats.h"
 
 #include <QFile>
 #include <QStringList>
@@ -58,8 +59,10 @@ QString withSameRows(const QString &theirs, const QString &ours, const QString &
 HandEdits::HandEdits(const Job &job, const Transcript &transcript)
     : m_callDir(job.callDir)
     , m_clean(transcript.clean)
-    , m_files(callDirFiles(job, transcript))
+    , m_written{{CallDirNames::transcript, transcriptFile(transcript.lines)}}
 {
+    if (transcript.summary)
+        m_written.emplace_back(CallDirNames::summary, summaryFile(job, transcript));
 }
 
 QString HandEdits::cleanText() const
@@ -70,24 +73,21 @@ QString HandEdits::cleanText() const
 
 void HandEdits::keepIn(CallDirFiles &files, const std::function<QString(const QString &)> &carriedOver) const
 {
-    for (auto &[name, bytes] : files) {
-        const bool isSummary = name == CallDirNames::summary;
-        if (!isSummary && name != CallDirNames::transcript)
-            continue;
+    for (const auto &[name, written] : m_written) {
+        const auto file = std::ranges::find(files, name, &CallDirFiles::value_type::first);
         const QString theirs = textOf(m_callDir + u'/' + name);
-        const auto before = std::ranges::find(m_files, name, &CallDirFiles::value_type::first);
-        if (theirs.isEmpty() || before == m_files.end() || theirs.toUtf8() == before->second)
+        if (file == files.end() || theirs.isEmpty() || theirs.toUtf8() == written)
             continue;
-        const QString ours = QString::fromUtf8(before->second);
-        const QString after = QString::fromUtf8(bytes);
-        const QString kept =
-            isSummary ? summaryFile(theirs, ours, after, carriedOver) : withSameRows(theirs, ours, after);
-        bytes = kept.toUtf8();
+        const QString ours = QString::fromUtf8(written);
+        const QString after = QString::fromUtf8(file->second);
+        file->second = (name == CallDirNames::summary ? changedSummary(theirs, ours, after, carriedOver)
+                                                      : withSameRows(theirs, ours, after))
+                           .toUtf8();
     }
 }
 
-QString HandEdits::summaryFile(const QString &theirs, const QString &ours, const QString &after,
-                               const std::function<QString(const QString &)> &carriedOver) const
+QString HandEdits::changedSummary(const QString &theirs, const QString &ours, const QString &after,
+                                  const std::function<QString(const QString &)> &carriedOver) const
 {
     const QString marker = u"\n## Full text\n\n"_s;
     const auto head = [&](const QString &text) {

@@ -26,12 +26,12 @@ public:
     void keepIn(CallDirFiles &files, const std::function<QString(const QString &)> &carriedOver) const;
 
 private:
-    QString summaryFile(const QString &theirs, const QString &ours, const QString &after,
-                        const std::function<QString(const QString &)> &carriedOver) const;
+    QString changedSummary(const QString &theirs, const QString &ours, const QString &after,
+                           const std::function<QString(const QString &)> &carriedOver) const;
 
     QString m_callDir;
     QString m_clean;
-    CallDirFiles m_files;
+    CallDirFiles m_written; // those of them that are made of the lines, as they were written last
 };
 
 } // namespace engine

@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from road import RoadTest, main, read, technical
+from road import SOURCE, RoadTest, main, read, technical
 from seeded import SENTENCES, assert_agreement, page_data, seed, stored
 
 KILLS = int(os.environ.get("ROAD_KILLS", "100"))
@@ -330,6 +330,16 @@ class Clipboard(CorrectionTest):
         del self.runtime.environment["DISPLAY"]
         os.remove(os.path.join(self.tools, "wl-copy"))
         self.refused("wl-clipboard", "copy", "transcript", self.id)
+
+    def test_a_real_clipboard(self):
+        """X11's; it is asked only once the command is over."""
+        command = [os.path.join(SOURCE, "scripts", "with-desktop"), "bash", "-c",
+                   '"$@" && exec timeout 30 xclip -selection clipboard -out', "bash",
+                   *self.runtime.command("copy", "transcript", self.id)]
+        environment = {**self.runtime.environment, "PATH": os.environ["PATH"]}
+        pasted = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=120,
+                                check=True).stdout
+        self.assertEqual(pasted.decode(), read(technical(self.entry, "transcript.txt")))
 
     def test_a_tool_that_stays_in_the_background_is_not_waited_for(self):
         # It keeps every descriptor that it was given.
