@@ -74,6 +74,17 @@ public:
     void retryRow(const QString &rowKey);
     void cancelRow(const QString &rowKey);
 
+    // Viewer
+    /// Opens the row's transcript or brings its window forward; `text` asks for the summary.
+    void showResult(const QJsonObject &row, bool text);
+    void closeResultWindowsForDir(const QString &callDir);
+
+    // Export
+    /// Asks where and in which form to save; over `window`, or over the main window without one.
+    void saveTextForDir(const QString &callDir, QWidget *window);
+    /// Offers the transcript as a text file to other programs, in a menu at `anchor`.
+    void shareTextForDir(const QString &callDir, QWidget *anchor);
+
     // List
     void refresh();
     /// The row shown under that key, empty when there is none.
