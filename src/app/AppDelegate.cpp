@@ -43,6 +43,7 @@ void AppDelegate::applicationDidFinishLaunching(Face face)
     refreshCustomModels();
     poll();
     m_timer.start();
+    m_notices.memory.launchedAt = QDateTime::currentDateTimeUtc();
     watchEngineState();
 }
 

@@ -4,6 +4,8 @@
 #include "app/QueueStore.h"
 #include "intake/SetupState.h"
 #include "list/ListState.h"
+#include "list/NoticeState.h"
+#include "list/SoundState.h"
 #include "platform/PlatformState.h"
 #include "settings/ModelsState.h"
 #include "ui/UiState.h"
@@ -92,6 +94,17 @@ public:
     void flash(const QString &text);
     void reportFailure(int status, const QString &err, const QString &title);
 
+    // Sounds and notices
+    bool soundsOn() const;
+    void refreshSoundUI();
+    void toggleSounds();
+    void meow();
+    /// Starts the purr, or lets it fade, as the engine's work and the setting want it.
+    void updatePurr();
+    /// Tells the person of every job that has ended since the last history.
+    void notifyTransitions(const HistoryPointer &history);
+    void notify(const QString &title, const QString &body, const QString &callId);
+
     // Models
     void refreshCustomModels();
 
@@ -125,6 +138,11 @@ private:
     void resetEngineThatIsGone();
     void followDesktop();
     MediaLengths &mediaLengths();
+    SoundPlayer &soundPlayer();
+    void soundStarted(const QString &name, bool loaded, bool plays);
+    void soundLost(const QString &name);
+    void fadePurr();
+    void noticeClicked(const QString &identifier, const QString &token);
     QString jobIdOf(const QString &rowKey) const;
     void showRows();
     void showEmptyState();
@@ -138,6 +156,8 @@ private:
     SetupState m_setup;
     UiState m_ui;
     PlatformState m_platform;
+    SoundState m_sounds;
+    NoticeState m_notices;
     QTimer m_timer;
     QTimer m_watchDelay;
     QFileSystemWatcher m_stateWatch;

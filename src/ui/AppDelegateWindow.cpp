@@ -45,6 +45,7 @@ void AppDelegate::buildWindow()
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::rememberFrame);
     followDesktop();
     restoreFrame();
+    refreshSoundUI();
     refresh();
     window->bringForward();
 }
@@ -78,6 +79,7 @@ void AppDelegate::perform(const QString &action)
     using Command = void (AppDelegate::*)();
     static const QHash<QString, Command> commands{
         {u"chooseFiles"_s, &AppDelegate::chooseFiles},
+        {u"toggleSounds"_s, &AppDelegate::toggleSounds},
     };
     if (const Command command = commands.value(action))
         (this->*command)();
