@@ -52,6 +52,7 @@ void AppDelegate::startWork()
     refreshCustomModels();
     poll();
     m_timer.start();
+    m_notices.memory.launchedAt = QDateTime::currentDateTimeUtc();
     watchEngineState();
 }
 

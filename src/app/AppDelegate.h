@@ -4,6 +4,8 @@
 #include "app/QueueStore.h"
 #include "intake/SetupState.h"
 #include "list/ListState.h"
+#include "list/NoticeState.h"
+#include "list/SoundState.h"
 #include "platform/PlatformState.h"
 #include "settings/ModelsState.h"
 #include "settings/SettingsState.h"
@@ -116,6 +118,17 @@ public:
     void flash(const QString &text);
     void reportFailure(int status, const QString &err, const QString &title);
 
+    // Sounds and notices
+    bool soundsOn() const;
+    void refreshSoundUI();
+    void toggleSounds();
+    void meow();
+    /// Starts the purr, or lets it fade, as the engine's work and the setting want it.
+    void updatePurr();
+    /// Tells the person of every job that has ended since the last history.
+    void notifyTransitions(const HistoryPointer &history);
+    void notify(const QString &title, const QString &body, const QString &callId);
+
     // Models
     void refreshCustomModels();
     void rebuildModelsUI();
@@ -183,6 +196,11 @@ private:
     void openUrl(const QUrl &url);
     void followDesktop();
     MediaLengths &mediaLengths();
+    SoundPlayer &soundPlayer();
+    void soundStarted(const QString &name, bool loaded, bool plays);
+    void soundLost(const QString &name);
+    void fadePurr();
+    void noticeClicked(const QString &identifier, const QString &token);
     QString jobIdOf(const QString &rowKey) const;
     void showRows();
     void showEmptyState();
@@ -205,6 +223,8 @@ private:
     SettingsState m_settings;
     PlatformState m_platform;
     ViewerState m_viewer;
+    SoundState m_sounds;
+    NoticeState m_notices;
     QTimer m_timer;
     QTimer m_watchDelay;
     QFileSystemWatcher m_stateWatch;

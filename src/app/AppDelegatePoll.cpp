@@ -50,6 +50,8 @@ void AppDelegate::statusArrived(const std::optional<QJsonObject> &status, const 
         m_jobs.history = history;
         m_jobs.loaded = true;
         settleInterruptedStart(context.interruptedStartEnded);
+        updatePurr();
+        notifyTransitions(history);
     }
     // The summary line says so by itself only until a first history is there.
     if (m_jobs.engineBroken && m_jobs.loaded && !m_jobs.waiting.isEmpty())

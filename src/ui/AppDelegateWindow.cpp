@@ -47,6 +47,7 @@ void AppDelegate::buildWindow()
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::rememberFrame);
     followDesktop();
     restoreFrame();
+    refreshSoundUI();
     refresh();
     window->bringForward();
 }
@@ -89,6 +90,7 @@ void AppDelegate::perform(const QString &action)
         {u"openInstallLog"_s, &AppDelegate::openInstallLog},
         {u"showAbout"_s, &AppDelegate::showAbout},
         {u"showAcknowledgements"_s, &AppDelegate::showAcknowledgements},
+        {u"toggleSounds"_s, &AppDelegate::toggleSounds},
     };
     if (const Command command = commands.value(action))
         (this->*command)();
