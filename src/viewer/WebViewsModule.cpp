@@ -17,7 +17,7 @@ constexpr char flags[] = " --host-resolver-rules=\"MAP * ~NOTFOUND\""
                          " --force-webrtc-ip-handling-policy=disable_non_proxied_udp"
                          " --disable-blink-features=WebTransport,Prerender2"
                          " --disable-background-networking --disable-domain-reliability --disable-breakpad"
-                         " --no-pings";
+                         " --no-pings --log-level=3";
 
 /// Sets the engine's flags while the object lives; they are read when the first profile is made, and are nobody
 /// else's business.

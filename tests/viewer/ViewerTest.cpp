@@ -1,6 +1,7 @@
 #include "viewer/ViewerTest.h"
 
 #include "ui/MainWindow.h"
+#include "ui/Sheet.h"
 
 #include <QApplication>
 #include <QDir>
@@ -42,7 +43,7 @@ void ViewerTest::TearDown()
 QString ViewerTest::makeCall(const QString &name, const QByteArray &page)
 {
     QDir().mkpath(callDir(name));
-    writeFile(callDir(name) + u"/viewer.html"_s, page.contains("<html") ? page : head + page);
+    writeFile(callDir(name) + u"/viewer.html"_s, page.startsWith("<!doctype") ? page : head + page);
     return callDir(name);
 }
 
@@ -77,7 +78,10 @@ ViewerWindow *ViewerTest::open(const QString &callDir, bool summary)
 {
     m_app->showResult(row(callDir), summary);
     ViewerWindow *opened = viewer(callDir);
-    if (!opened || !becomes(opened, u"document.readyState"_s, "\"complete\""))
+    // A page that is being loaded loses the question.
+    constexpr int soon = 100;
+    const auto isLoaded = [&] { return ask(opened, u"document.readyState"_s, soon) == "\"complete\""; };
+    if (!opened || !waitFor(isLoaded))
         qFatal("the page did not open");
     return opened;
 }
@@ -87,23 +91,21 @@ WebView *ViewerTest::page(ViewerWindow *window)
     return static_cast<WebView *>(window->findChild<QWidget *>(u"viewerPage"_s));
 }
 
-QByteArray ViewerTest::ask(ViewerWindow *window, const QString &expression)
+QByteArray ViewerTest::ask(ViewerWindow *window, const QString &expression, int patienceMilliseconds)
 {
-    static int asked = 0;
+    const QString probe = QString::number(qHash(expression));
     WebView *view = page(window);
     QByteArray answer;
     const auto before = view->onMessage;
-    view->onMessage = [&, number = ++asked](const QJsonObject &body) {
-        if (body.value("probe"_L1).toInt() == number)
+    view->onMessage = [&](const QJsonObject &body) {
+        if (body.value("probe"_L1).toString() == probe)
             answer = body.value("value"_L1).toString().toUtf8();
         else if (!body.contains("probe"_L1))
             before(body);
     };
-    view->run(u"window.webkit.messageHandlers.tuppi.postMessage({probe: %1, value: JSON.stringify(%2) || 'undefined'})"_s
-                  .arg(asked)
-                  .arg(expression));
-    // A page that is being loaded anew loses the question.
-    const bool answered = QTest::qWaitFor([&] { return !answer.isEmpty(); }, 2000);
+    view->run(u"window.webkit.messageHandlers.tuppi.postMessage({probe: '%1', value: JSON.stringify(%2) || 'undefined'})"_s
+                  .arg(probe, expression));
+    const bool answered = QTest::qWaitFor([&] { return !answer.isEmpty(); }, patienceMilliseconds);
     view->onMessage = before;
     return answered ? answer : "(no answer)"_ba;
 }
@@ -118,15 +120,39 @@ void ViewerTest::post(ViewerWindow *window, const QString &body)
     page(window)->run(u"say(%1)"_s.arg(body));
 }
 
+Sheet *ViewerTest::sheet()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *sheet = qobject_cast<Sheet *>(widget); sheet && sheet->isVisible())
+            return sheet;
+    }
+    return nullptr;
+}
+
+namespace {
+
+int parentOf(int process)
+{
+    // The name before it may hold blanks, and ends in a parenthesis.
+    const QByteArray status = readFile(u"/proc/%1/stat"_s.arg(process));
+    return status.mid(status.lastIndexOf(')') + 2).split(' ').value(1).toInt();
+}
+
+bool isOurs(int process)
+{
+    while (process > 1 && process != ::getpid())
+        process = parentOf(process);
+    return process == ::getpid();
+}
+
+} // namespace
+
 QList<int> engineProcesses(const QByteArray &kind)
 {
     QList<int> found;
     for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
         const QByteArray line = readFile(u"/proc/%1/cmdline"_s.arg(name));
-        if (!line.contains("QtWebEngineProcess") || !line.contains("--type=" + kind))
-            continue;
-        // It is the zygote's child, and that is ours.
-        if (line.contains("--application-name=") || true)
+        if (line.contains("--type=" + kind) && isOurs(name.toInt()))
             found.append(name.toInt());
     }
     return found;

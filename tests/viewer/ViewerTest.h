@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppTest.h"
+#include "ui/Sheet.h"
 #include "viewer/ResultWindow.h"
 #include "viewer/ViewerWindow.h"
 #include "viewer/WebView.h"
@@ -16,7 +17,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Makes a call dir; a page without a html element gets one that keeps the answers in `answers`.
+    /// Makes a call dir; a page without a doctype gets a head that keeps the answers in `answers`.
     QString makeCall(const QString &name, const QByteArray &page = {});
     QString callDir(const QString &name) const { return m_calls.filePath(name); }
     static QJsonObject row(const QString &callDir, const QString &title = QStringLiteral("Talk"));
@@ -29,10 +30,15 @@ protected:
     ViewerWindow *open(const QString &callDir, bool summary = false);
     static WebView *page(ViewerWindow *window);
     /// What an expression is in the page, as JSON; "(no answer)" when the page does not say.
-    static QByteArray ask(ViewerWindow *window, const QString &expression);
+    static QByteArray ask(ViewerWindow *window, const QString &expression, int patienceMilliseconds = 2000);
     static bool becomes(ViewerWindow *window, const QString &expression, const QByteArray &json);
     static void post(ViewerWindow *window, const QString &body);
-    static QByteArray answers(ViewerWindow *window) { return ask(window, QStringLiteral("answers")); }
+    static bool isAnswered(ViewerWindow *window, const QByteArray &json)
+    {
+        return becomes(window, QStringLiteral("answers"), json);
+    }
+    /// The one that is open, null without.
+    static Sheet *sheet();
 
     QTemporaryDir m_calls;
 };
