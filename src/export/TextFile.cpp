@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -53,9 +54,11 @@ std::optional<QString> WriteTextFile(const QString &path, const QString &text)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    // On a full disk the last buffer may be written in part, which closing the file would take for success.
-    if (file.write(text.toUtf8()) < 0 || !file.flush()) {
-        const QString error = file.errorString();
+    const QByteArray bytes = text.toUtf8();
+    // On a full disk a write may end early, and closing the file would take that for success.
+    const bool isShort = file.write(bytes) != bytes.size() && file.error() == QFile::NoError;
+    if (isShort || !file.flush() || file.error() != QFile::NoError) {
+        const QString error = isShort ? qt_error_string(ENOSPC) : file.errorString();
         file.cancelWriting();
         return error;
     }
