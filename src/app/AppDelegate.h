@@ -22,7 +22,10 @@ namespace tuppi {
 
 class ViewerWindow;
 struct ResultPlan;
+class SaveTextDialog;
+enum class ShareChoice;
 struct DoomedFolder;
+struct SharedFile;
 struct TrashResult;
 
 /// The one controller. It owns all state and lives until the process ends; its methods gather, ask a rule,
@@ -110,6 +113,10 @@ public:
     void saveTextForDir(const QString &callDir, QWidget *window);
     /// Offers the transcript as a text file to other programs, in a menu at `anchor`.
     void shareTextForDir(const QString &callDir, QWidget *anchor);
+    void saveRowText(const QString &rowKey);
+    void shareRowText(const QString &rowKey);
+    /// Saves what is in front: the transcript of a result window, else the selected one.
+    void saveFrontText();
 
     // List
     void refresh();
@@ -180,6 +187,9 @@ private:
     QVariant storedStart() const;
     void runOnJob(const QStringList &arguments, const QString &title, std::function<void()> succeeded = {});
     void confirmTrash(const QList<QJsonObject> &rows);
+    void saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window);
+    void tellNotSaved(const QString &reason, QWidget *window);
+    void share(ShareChoice choice, const SharedFile &file);
     void trashFolders(const QList<QJsonObject> &rows);
     void trashEnded(const QList<DoomedFolder> &folders, const QList<TrashResult> &results, QStringList lines);
     void resetEngineThatIsGone();

@@ -72,6 +72,7 @@ const QList<DefaultKey> &DefaultsTable()
         {u"notify"_s, true, u"post a notification when a transcript is ready"_s},
         {u"sounds"_s, true, u"purr while working, mew when done"_s},
         {u"txtFormat"_s, u"timestamps"_s, u"last chosen export format"_s},
+        {u"saveFolder"_s, u""_s, u"folder of the last saved text; empty for Documents"_s},
         {u"waitingQueue"_s, QVariantList(), u"files not yet handed to the engine"_s},
         {u"startInFlight"_s, QVariant(), u"the file being handed to the engine, and the jobs known before it"_s},
         {u"windowFrame"_s, QVariant(), u"place and size of the main window, as the toolkit writes them"_s},

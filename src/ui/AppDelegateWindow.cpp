@@ -83,6 +83,7 @@ void AppDelegate::perform(const QString &action)
         {u"chooseFiles"_s, &AppDelegate::chooseFiles},
         {u"clearList"_s, &AppDelegate::clearList},
         {u"openLibrary"_s, &AppDelegate::openLibrary},
+        {u"saveFrontText"_s, &AppDelegate::saveFrontText},
         {u"showHidden"_s, &AppDelegate::showHidden},
         {u"showSettings"_s, &AppDelegate::showSettings},
         {u"changeLibrary"_s, &AppDelegate::changeLibrary},
@@ -109,6 +110,8 @@ void AppDelegate::performOnRow(const QString &rowKey, const QString &action)
         {u"showRowInFinder"_s, &AppDelegate::showRowInFinder},
         {u"renameRow"_s, &AppDelegate::renameRow},
         {u"removeRow"_s, &AppDelegate::removeRow},
+        {u"saveRowText"_s, &AppDelegate::saveRowText},
+        {u"shareRowText"_s, &AppDelegate::shareRowText},
     };
     if (const Command command = commands.value(action))
         (this->*command)(rowKey);
