@@ -169,6 +169,7 @@ void WindowTest::openEarly()
     }
     ASSERT_TRUE(m_window);
     ASSERT_TRUE(waitFor([this] { return m_window->windowHandle()->isExposed(); }));
+    ASSERT_TRUE(waitFor([this] { return jobs().polling || jobs().loaded; })); // asked once the window is painted
     activate();
 }
 

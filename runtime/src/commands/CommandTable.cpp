@@ -12,9 +12,12 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
-std::span<const Command> allCommands()
+namespace {
+
+// What starts, follows and stops the work on recordings.
+std::vector<Command> workCommands()
 {
-    static const std::vector<Command> table = {
+    return {
         {u"process",
          u"Take a recording and transcribe it",
          {u"process FILE [--background] [--engine ENGINE] [--language LANGUAGE] [--no-clean] [--no-analyze] "
@@ -48,6 +51,13 @@ std::span<const Command> allCommands()
          u"Start a failed or cancelled transcription again where it stopped",
          {u"retry ID", 1, 1, {}},
          &commands::retry},
+    };
+}
+
+// What is done with a transcript once it is there.
+std::vector<Command> correctionCommands()
+{
+    return {
         {u"rename", u"Give a transcript another title", {u"rename ID -- TITLE", 2, 2, {}}, &commands::rename},
         {u"hide",
          u"Take finished transcriptions off the list, or put them back; nothing is deleted",
@@ -80,6 +90,13 @@ std::span<const Command> allCommands()
           3,
           {{u"--join"}, {u"--json"}}},
          &commands::split},
+    };
+}
+
+// What concerns the engine as a whole.
+std::vector<Command> installationCommands()
+{
+    return {
         {u"models",
          u"List, add and remove speech models; choose the text model. Only “add” uses the internet",
          {u"models [add --name=NAME --kind=whisper --repo=OWNER/MODEL[:FILE] | remove --id=ID | "
@@ -101,6 +118,18 @@ std::span<const Command> allCommands()
          {u"doctor [--json]", 0, 0, {{u"--json"}}},
          &commands::doctor},
     };
+}
+
+} // namespace
+
+std::span<const Command> allCommands()
+{
+    static const std::vector<Command> table = [] {
+        std::vector<Command> all;
+        for (const std::vector<Command> &part : {workCommands(), correctionCommands(), installationCommands()})
+            all.insert(all.end(), part.begin(), part.end());
+        return all;
+    }();
     return table;
 }
 
