@@ -12,9 +12,11 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
-std::span<const Command> allCommands()
+namespace {
+
+std::vector<Command> jobCommands()
 {
-    static const std::vector<Command> table = {
+    return {
         {u"process",
          u"Take a recording and transcribe it",
          {u"process FILE [--background] [--engine ENGINE] [--language LANGUAGE] [--no-clean] [--no-analyze] "
@@ -48,6 +50,12 @@ std::span<const Command> allCommands()
          u"Start a failed or cancelled transcription again where it stopped",
          {u"retry ID", 1, 1, {}},
          &commands::retry},
+    };
+}
+
+std::vector<Command> transcriptCommands()
+{
+    return {
         {u"rename", u"Give a transcript another title", {u"rename ID -- TITLE", 2, 2, {}}, &commands::rename},
         {u"hide",
          u"Take finished transcriptions off the list, or put them back; nothing is deleted",
@@ -80,6 +88,12 @@ std::span<const Command> allCommands()
           3,
           {{u"--join"}, {u"--json"}}},
          &commands::split},
+    };
+}
+
+std::vector<Command> installationCommands()
+{
+    return {
         {u"settings",
          u"Show or change the transcripts folder",
          {u"settings [--library=FOLDER] [--json]", 0, 0, {{u"--library", Option::Value}, {u"--json"}}},
@@ -89,6 +103,18 @@ std::span<const Command> allCommands()
          {u"doctor [--json]", 0, 0, {{u"--json"}}},
          &commands::doctor},
     };
+}
+
+} // namespace
+
+std::span<const Command> allCommands()
+{
+    static const std::vector<Command> table = [] {
+        std::vector<Command> all;
+        for (const std::vector<Command> &part : {jobCommands(), transcriptCommands(), installationCommands()})
+            all.insert(all.end(), part.begin(), part.end());
+        return all;
+    }();
     return table;
 }
 
