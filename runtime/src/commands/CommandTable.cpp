@@ -16,6 +16,7 @@ namespace {
 
 // What starts, follows and stops the work on recordings.
 std::vector<Command> workCommands()
+std::vector<Command> jobCommands()
 {
     return {
         {u"process",
@@ -56,6 +57,7 @@ std::vector<Command> workCommands()
 
 // What is done with a transcript once it is there.
 std::vector<Command> correctionCommands()
+std::vector<Command> transcriptCommands()
 {
     return {
         {u"rename", u"Give a transcript another title", {u"rename ID -- TITLE", 2, 2, {}}, &commands::rename},
@@ -109,6 +111,9 @@ std::vector<Command> installationCommands()
            {u"--id", Option::Value},
            {u"--json"}}},
          &commands::models},
+std::vector<Command> installationCommands()
+{
+    return {
         {u"settings",
          u"Show or change the transcripts folder",
          {u"settings [--library=FOLDER] [--json]", 0, 0, {{u"--library", Option::Value}, {u"--json"}}},
@@ -127,6 +132,7 @@ std::span<const Command> allCommands()
     static const std::vector<Command> table = [] {
         std::vector<Command> all;
         for (const std::vector<Command> &part : {workCommands(), correctionCommands(), installationCommands()})
+        for (const std::vector<Command> &part : {jobCommands(), transcriptCommands(), installationCommands()})
             all.insert(all.end(), part.begin(), part.end());
         return all;
     }();

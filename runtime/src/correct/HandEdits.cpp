@@ -4,6 +4,7 @@
 #include "output/Formats.h"
 
 #include <QFile>
+#include <QStringDecoder>
 #include <QStringList>
 
 #include <algorithm>
@@ -22,9 +23,10 @@ QString textOf(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    const QByteArray bytes = file.readAll();
-    const QString text = QString::fromUtf8(bytes);
-    return text.toUtf8() == bytes ? text : QString();
+    // A byte order mark, which some editors put in front, is kept too.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = decoder(file.readAll());
+    return decoder.hasError() ? QString() : text;
 }
 
 // Where `ours` became `after`, the same rows of `theirs` become the same.

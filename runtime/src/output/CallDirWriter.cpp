@@ -72,6 +72,9 @@ void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
     discardStaged(callDir);
     const QString staged = stagedFolder(callDir, revision);
     const QString doing = u"The transcript's folder could not be written"_s;
+    // What another attempt has left would be published with the rest.
+    if (QFileInfo::exists(staged))
+        throw Failure(doing + u": “"_s + staged + u"” is in the way."_s);
     try {
         makeFolder(technicalFolder(callDir), doing);
         makeFolder(technicalFolder(staged), doing);

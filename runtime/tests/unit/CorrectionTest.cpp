@@ -192,6 +192,14 @@ TEST_F(CorrectionTest, aFolderThatIsAwayIsFinishedWhenItIsBack)
     EXPECT_TRUE(file(u"Transcript.txt"_s).contains("Boris"));
 }
 
+TEST_F(CorrectionTest, aByteOrderMarkIsKept)
+{
+    nameSpeaker(u"Anna"_s);
+    test::write(path(u"Technical files/transcript.txt"_s), "\xef\xbb\xbfMy own text.\n");
+    nameSpeaker(u"Boris"_s);
+    EXPECT_EQ(file(u"Technical files/transcript.txt"_s), "\xef\xbb\xbfMy own text.\n");
+}
+
 TEST_F(CorrectionTest, whatTheUserWroteIntoTheFilesStays)
 {
     nameSpeaker(u"Anna"_s);
