@@ -384,6 +384,19 @@ class BrokenDownloads(ModelTest):
         self.assertEqual(self.ranges(), ["bytes=120000-", "bytes=50000-"])
         self.assert_whole(self.body)
 
+    def test_network_that_wants_one_to_sign_in(self):
+        """Its page takes the place of every file; what was loaded before stays."""
+        self.part()
+        page = b"<html>Welcome. Please accept the terms of this network.</html>"
+        for headers in ({}, {"Content-Length": None}):
+            self.store.answers["/someone/whisper-small/" + SMALL] = Answer(200, headers, page)
+            self.assertIn("another file", self.refused_add())
+            self.assertEqual(os.path.getsize(self.part_of(self.body)), 120_000)
+        self.store.answers.clear()
+        self.add()
+        self.assertEqual(self.ranges()[-1], "bytes=120000-")
+        self.assert_whole(self.body)
+
     def test_file_that_has_changed_there(self):
         self.store.drops = [100_000]
         self.store.hold_after = 10_000
