@@ -35,7 +35,8 @@ CustomModel customModelById(const Paths &paths, const QString &id);
 // Where the model's own file stands: it goes by what it holds.
 QString customModelFile(const Paths &paths, const CustomModel &model);
 
-// Opens the file for a job. What is open stays readable, under /proc/self/fd, after the model was removed.
+// Opens the file for a job. What is open stays readable, also for other programs by /proc/PID/fd/N, when the
+// model is removed.
 // Throws Failure, with what to do, when it is missing or not whole.
 FileDescriptor openCustomModel(const Paths &paths, const CustomModel &model);
 

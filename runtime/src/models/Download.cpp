@@ -35,6 +35,11 @@ struct UselessAnswer
 {
 };
 
+Failure otherFile()
+{
+    return Failure(u"Hugging Face sent another file than it announced. Try again later."_s);
+}
+
 bool mayGetBetter(const HttpReply &reply)
 {
     switch (reply.end) {
@@ -175,7 +180,7 @@ HttpReply Download::ask(const Progress &progress)
             if (head.status != 200 && head.status != 206)
                 return; // a page about an error
             if (!begun)
-                begin(head);
+                begin(head, piece);
             begun = true;
             take(piece);
             progress(m_there, m_file.size);
@@ -196,7 +201,7 @@ QList<QByteArray> Download::headers() const
     return headers;
 }
 
-void Download::begin(const HttpReply &head)
+void Download::begin(const HttpReply &head, QByteArrayView firstPiece)
 {
     static const QRegularExpression rangeForm(u"^bytes (\\d+)-\\d+/(\\d+|\\*)$"_s);
     const QByteArray length = head.header("content-length");
@@ -208,9 +213,12 @@ void Download::begin(const HttpReply &head)
             (total != u"*" && total != QString::number(m_file.size)))
             throw UselessAnswer();
     } else {
+        // What is there is not given up for the page of a network that wants one to sign in.
+        const bool marked =
+            ggmlMark.startsWith(firstPiece.first(std::min(ggmlMark.size(), firstPiece.size())));
+        if ((!length.isEmpty() && length.toLongLong() != m_file.size) || (m_there > 0 && !marked))
+            throw otherFile();
         startAgain();
-        if (!length.isEmpty() && length.toLongLong() != m_file.size)
-            throw Failure(u"Hugging Face sent another file than it announced. Try again later."_s);
     }
     const QByteArray etag = head.header("etag");
     QFile kept(m_etagName);
@@ -222,7 +230,7 @@ void Download::take(QByteArrayView piece)
 {
     if (m_there + piece.size() > m_file.size) {
         startAgain();
-        throw Failure(u"Hugging Face sent another file than it announced. Try again later."_s);
+        throw otherFile();
     }
     // Known at once, and not after gigabytes.
     const qsizetype marked = std::min<qsizetype>(ggmlMark.size() - m_there, piece.size());

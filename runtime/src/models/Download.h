@@ -43,7 +43,7 @@ private:
     void loadRest(const Progress &progress);
     HttpReply ask(const Progress &progress);
     QList<QByteArray> headers() const;
-    void begin(const HttpReply &head);
+    void begin(const HttpReply &head, QByteArrayView firstPiece);
     void take(QByteArrayView piece);
     void startAgain();
     void finish();

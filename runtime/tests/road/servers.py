@@ -78,6 +78,7 @@ class Server:
             headers["Content-Length"] = str(len(answer.body))
         if headers["Content-Length"] is None:
             del headers["Content-Length"]
+        if headers.get("Content-Length") != str(len(answer.body)):
             headers["Connection"] = "close"
         for name, value in headers.items():
             handler.send_header(name, value)

@@ -152,13 +152,48 @@ class Contract(RoadTest):
             engine.ask("settings", "--library=" + library, "--json")
             self.assertEqual(json.loads(engine.ask("settings", "--json").out)["library"], library)
             self.assertEqual(engine.status()["library"], library)
-        # A file stands in the way; a path that depends on where one stands.
-        kept = engine.status()["library"]
-        for wrong in (engine.path, "records", ""):
-            reply = engine.call("settings", "--library=" + wrong, "--json")
-            self.assertIn(reply.status, (1, 2), reply)
-            self.assert_one_line(reply, reply.status)
-            self.assertEqual(engine.status()["library"], kept)
+        for form in ("records/", "./records", "other/../records", "records/."):
+            engine.ask("settings", "--library=" + os.path.join(engine.home, form), "--json")
+            self.assertEqual(engine.status()["library"], os.path.join(engine.home, "records"))
+        os.symlink("records", os.path.join(engine.home, "link"))
+        engine.ask("settings", "--library=" + os.path.join(engine.home, "link"), "--json")
+        self.assertEqual(engine.status()["library"], os.path.join(engine.home, "link"), "as the user chose it")
+        engine.transcribe(self.recording(engine))
+
+    def test_settings_that_cannot_be(self):
+        """A file stands in the way; a path depends on where one stands; a name is no text or too long."""
+        engine = self.engine()
+        kept, listing = engine.status()["library"], sorted(os.listdir(engine.home))
+        os.symlink("nowhere", os.path.join(engine.scratch, "broken"))
+        for wrong in (engine.path, engine.path + "/inside", "records", "", ".", "~/records", "file://" + engine.home,
+                      os.path.join(engine.home, "bad \udcff name"), os.path.join(engine.home, "x" * 300),
+                      os.path.join(engine.home, "made", "x" * 300), os.path.join(engine.scratch, "broken"),
+                      "/proc/nothing", "/dev/null"):
+            with self.subTest(wrong):
+                self.assert_one_line(engine.call("settings", "--library=" + wrong, "--json"), 1)
+                self.assertEqual(engine.status()["library"], kept)
+                self.assertEqual(sorted(os.listdir(engine.home)), listing, "nothing is left behind")
+
+    def test_library_that_vanishes(self):
+        engine = self.engine()
+        path = self.recording(engine)
+        engine.library = os.path.join(engine.home, "stick", "calls")
+        engine.ask("settings", "--library=" + engine.library, "--json")
+        entry = engine.transcribe(path)
+        away = os.path.join(engine.home, "away")
+        os.rename(os.path.join(engine.home, "stick"), away)
+        self.assertEqual(json.loads(engine.ask("settings", "--json").out)["library"], engine.library)
+        self.assertEqual(engine.history(), [entry])
+        self.assertIn("Connect its disk", self.refused(engine, path))
+        self.assertFalse(os.path.exists(os.path.join(engine.home, "stick")))
+        os.rename(away, os.path.join(engine.home, "stick"))
+        engine.transcribe(path)
+        # The usual one is made again.
+        os.rename(os.path.join(engine.home, "stick"), away)
+        engine.library = os.path.join(engine.home, "Documents", "CallsRawFiles")
+        engine.ask("settings", "--library=" + engine.library, "--json")
+        os.rmdir(engine.library)
+        engine.transcribe(path)
 
     def test_doctor(self):
         engine = self.engine()

@@ -5,14 +5,17 @@ Runs in a mount namespace of its own, so that the small disks go with the last p
 """
 
 import contextlib
+import hashlib
+import json
 import os
 import subprocess
 import sys
 import tempfile
 import unittest
 
-from road import ACTIVE, SENTENCES, RoadTest, main, several, steady, transcript, until
+from road import ACTIVE, PATIENCE, SENTENCES, RoadTest, main, several, steady, transcript, until
 from seeded import assert_agreement, seed
+from servers import Hub, model
 
 MARK = "ROAD_MOUNTS"
 
@@ -144,6 +147,93 @@ class Disk(RoadTest):
             engine.ask("retry", job)
         self.assertEqual(transcript(engine.wait(job, "ready")), expected)
         engine.transcribe(self.recording(engine, name="next.wav"))
+
+    def engine_with_hub(self):
+        hub, body = Hub(), model(300_000)
+        self.addCleanup(hub.close)
+        hub.add("someone/whisper-small", {"ggml-small.bin": body})
+        engine = self.engine(home=self.mount(os.path.join(self.folder(), "home"), "96m"))
+        engine.environment |= {"TUPPI_HUB": hub.address, "TUPPI_OLLAMA": "127.0.0.1:1", "NO_PROXY": "*"}
+        return engine, hub, body
+
+    ADD = ("models", "add", "--name=Mine", "--kind=whisper", "--repo=someone/whisper-small", "--json")
+
+    def test_no_room_for_a_model(self):
+        engine, hub, body = self.engine_with_hub()
+        hub.add("someone/whisper-small", {"ggml-small.bin": body}, sizes={"ggml-small.bin": 200 << 20})
+        reply = engine.call(*self.ADD)
+        self.assert_one_line(reply, 1)
+        self.assertIn("not enough room for this model: it needs 262.1 MB", reply.err)
+        self.print(reply.err.strip())
+        self.assertEqual(hub.store.requests, [])
+
+    def test_full_during_a_model(self):
+        engine, hub, body = self.engine_with_hub()
+        hub.store.hold_after = 120_000
+        process = subprocess.Popen(engine.command(*self.ADD), env=engine.environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.communicate)
+        self.assertTrue(hub.store.held.wait(PATIENCE))
+        models = os.path.join(engine.folder, "models")
+        until(lambda: [f for f in os.listdir(models) if os.path.getsize(os.path.join(models, f)) == 120_000], "half")
+        filler = self.fill(engine.home)
+        hub.store.go.set()
+        out, err = process.communicate()
+        self.assertEqual((process.returncode, out), (1, ""))
+        self.assertIn("the disk is full", err)
+        self.print(err.strip())
+        # What the download had taken is given back: transcripts need it more.
+        self.assertEqual({os.path.getsize(os.path.join(models, f)) for f in os.listdir(models)
+                          if f.endswith((".part", ".bin"))}, {0})
+        self.assertEqual(engine.status()["latest_job"], None)
+        os.remove(filler)
+        engine.ask(*self.ADD)
+
+    def test_full_when_the_model_is_recorded(self):
+        engine, hub, body = self.engine_with_hub()
+        engine.ask("models", "--json")
+        folder = os.path.join(engine.folder, "models")
+        os.makedirs(folder)
+        with open(os.path.join(folder, hashlib.sha256(body).hexdigest() + ".bin"), "wb") as file:
+            file.write(body)
+        open(os.path.join(folder, "lock"), "wb").close()
+        filler = self.fill(engine.home)
+        self.assert_one_line(engine.call(*self.ADD), 1)
+        self.assertEqual(json.loads(engine.ask("models", "--json").out)["custom"], [])
+        refused = engine.call("models", "text-model", "--name=x", "--json")
+        self.assert_one_line(refused, 1)
+        os.remove(filler)
+        engine.ask(*self.ADD)
+        self.assertEqual(hub.store.requests, [])
+
+    def test_library_on_a_disk_that_takes_nothing(self):
+        engine, disk = self.engine_with_library("4m")
+        chosen = engine.library
+        full = self.mount(os.path.join(self.folder(), "full"), "64k")
+        self.fill(full)
+        for name in ("calls", "some/more/folders"):
+            reply = engine.call("settings", "--library=" + os.path.join(full, name), "--json")
+            self.assert_one_line(reply, 1)
+            self.assertIn("the disk is full", reply.err)
+            self.assertEqual(os.listdir(full), ["filler"], "nothing is left behind")
+            self.assertEqual(engine.status()["library"], chosen)
+        subprocess.run(["mount", "-o", "remount,ro", full], check=True)
+        reply = engine.call("settings", "--library=" + full, "--json")
+        self.assert_one_line(reply, 1)
+        self.assertIn("can only be read", reply.err)
+        self.assertEqual(engine.status()["library"], chosen)
+
+    def test_library_on_a_disk_that_is_not_connected(self):
+        """Nothing is put where the disk would hide it."""
+        engine, disk = self.engine_with_library("8m")
+        subprocess.run(["umount", disk], check=True)
+        path = self.recording(engine)
+        self.assertIn("Connect its disk", self.refused(engine, path))
+        self.assertEqual(os.listdir(disk), [])
+        self.assertEqual(engine.status()["library"], engine.library)
+        subprocess.run(["mount", "-t", "tmpfs", "tmpfs", disk], check=True)
+        os.mkdir(engine.library)
+        engine.transcribe(path)
 
     def test_read_only_library(self):
         engine, disk = self.engine_with_library("8m")
