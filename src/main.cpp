@@ -48,9 +48,9 @@ void installLanguage(InterfaceTexts &texts, const Defaults &defaults)
     QLocale::setDefault(locale);
     if (texts.own.isEmpty())
         return; // English stands in the code, ours and Qt's
+    QCoreApplication::installTranslator(&texts.own);
     if (texts.qt.load(locale, u"qtbase"_s, u"_"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(&texts.qt);
-    QCoreApplication::installTranslator(&texts.own);
 }
 
 /// The program without a window, its messages in the interface language.

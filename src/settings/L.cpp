@@ -6,6 +6,9 @@
 #include <QJsonObject>
 #include <QVariant>
 
+#include <algorithm>
+#include <array>
+
 namespace tuppi {
 namespace {
 
@@ -18,6 +21,15 @@ struct InterfaceLanguage
     QString code;
     QString name;
 };
+
+/// Where Qt keeps the texts of standard buttons and of the commands in a text field's menu.
+bool isStandardContext(const char *context)
+{
+    static constexpr std::array contexts{"QPlatformTheme", "QDialogButtonBox", "QFileDialog", "QLineEdit",
+                                         "QWidgetTextControl"};
+    return std::any_of(contexts.begin(), contexts.end(),
+                       [context](const char *standard) { return qstrcmp(context, standard) == 0; });
+}
 
 const QList<InterfaceLanguage> &interfaceLanguages()
 {
@@ -54,9 +66,11 @@ bool LocalTable::loadTable(const QString &path)
 
 QString LocalTable::translate(const char *context, const char *sourceText, const char *, int) const
 {
-    if (qstrcmp(context, tableName) != 0)
-        return {};
-    return m_texts.value(QString::fromUtf8(sourceText));
+    const QString text = QString::fromUtf8(sourceText);
+    if (qstrcmp(context, tableName) == 0)
+        return m_texts.value(text);
+    // The marks of access keys are left out: where they would stand is for each language to say.
+    return isStandardContext(context) ? m_texts.value(QString(text).remove(u'&')) : QString();
 }
 
 QStringList InterfaceLanguageCodes()

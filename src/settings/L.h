@@ -20,7 +20,8 @@ inline QString LText(const QString &text)
 }
 
 /// One localisation table: JSON object of English text to translation. Installed into the application, it is
-/// what L() looks into.
+/// what L() looks into. It also names the standard buttons and editing commands of Qt that it has texts for:
+/// not every language has a catalogue of Qt's own.
 class LocalTable : public QTranslator
 {
     Q_OBJECT

@@ -33,6 +33,23 @@ QString withoutTrailingBlanks(QString line)
     return line;
 }
 
+/// How much taller a line is than the font's own, where another font stands in for the script.
+double extraHeight(const QTextLine &line, const QFontMetricsF &metrics)
+{
+    return line.isValid() ? qMax(0.0, line.height() - metrics.height()) : 0;
+}
+
+double extraHeight(const QString &text, const QLabel &label)
+{
+    QTextLayout layout(text, label.font(), const_cast<QLabel *>(&label));
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid())
+        line.setNumColumns(int(text.size()));
+    layout.endLayout();
+    return extraHeight(line, QFontMetricsF(label.font(), &label));
+}
+
 /// The alignment for the label's own direction, which the direction of the text must not turn round.
 Qt::Alignment absolute(const QLabel &label)
 {
@@ -68,12 +85,13 @@ QString ElidedLabel::shownText() const
 
 QSize ElidedLabel::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(onOneLine(text())) + 1, fontMetrics().height()};
+    const QString line = onOneLine(text());
+    return {fontMetrics().horizontalAdvance(line) + 1, fontMetrics().height() + qRound(extraHeight(line, *this))};
 }
 
 QSize ElidedLabel::minimumSizeHint() const
 {
-    return {0, fontMetrics().height()};
+    return {0, sizeHint().height()};
 }
 
 bool ElidedLabel::event(QEvent *event)
@@ -101,6 +119,7 @@ struct WrapLabel::Lines
 {
     QStringList texts;
     double width = 0;
+    double spacing = 0; ///< from one line to the next
 };
 
 WrapLabel::WrapLabel(QWidget *parent)
@@ -137,6 +156,7 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
 {
     Lines lines;
     const QFontMetricsF metrics(font(), this);
+    double extra = 0;
     QString whole = text();
     whole.replace(u'\n', QChar::LineSeparator);
     QTextLayout layout(whole, font(), const_cast<WrapLabel *>(this));
@@ -146,6 +166,7 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
+        extra = qMax(extra, extraHeight(line, metrics));
         const bool last = m_maximumLines > 0 && lines.texts.size() == m_maximumLines - 1;
         const int end = line.textStart() + line.textLength();
         if (last && end < whole.size()) {
@@ -158,6 +179,7 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
         lines.width = qMax(lines.width, line.naturalTextWidth());
     }
     layout.endLayout();
+    lines.spacing = metrics.lineSpacing() + extra;
     return lines;
 }
 
@@ -175,7 +197,8 @@ QSize WrapLabel::minimumSizeHint() const
 
 int WrapLabel::heightForWidth(int width) const
 {
-    return int(std::ceil(breakLines(width).texts.size() * QFontMetricsF(font(), this).lineSpacing()));
+    const Lines lines = breakLines(width);
+    return int(std::ceil(double(lines.texts.size()) * lines.spacing));
 }
 
 void WrapLabel::paintEvent(QPaintEvent *)
@@ -183,14 +206,13 @@ void WrapLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     painter.setPen(Colours::withOpacity(m_colour, isEnabled() ? 1 : 0.5));
-    const double spacing = QFontMetricsF(font(), this).lineSpacing();
     const Lines lines = breakLines(width());
     const int across = int(absolute(*this) & ~Qt::AlignVertical_Mask) | Qt::AlignTop | oneLine;
-    const double free = qMax(0.0, height() - double(lines.texts.size()) * spacing);
+    const double free = qMax(0.0, height() - double(lines.texts.size()) * lines.spacing);
     double y = alignment() & Qt::AlignVCenter ? free / 2 : 0;
     for (const QString &line : lines.texts) {
-        painter.drawText(QRectF(0, y, width(), spacing), across, line);
-        y += spacing;
+        painter.drawText(QRectF(0, y, width(), lines.spacing), across, line);
+        y += lines.spacing;
     }
 }
 

@@ -79,6 +79,14 @@ TEST_F(LTest, AnotherContextIsNotLookedUp)
     EXPECT_EQ(QCoreApplication::translate("Dialog", "Paused"), u"Paused"_s);
 }
 
+TEST_F(LTest, StandardButtonsAndCommandsOfQtAreNamed)
+{
+    ASSERT_TRUE(load(R"({"Cancel":"रद्द करें","Copy":"कॉपी करें"})"));
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"रद्द करें"_s);
+    EXPECT_EQ(QCoreApplication::translate("QLineEdit", "&Copy"), u"कॉपी करें"_s);
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Look in:"), u"Look in:"_s);
+}
+
 TEST_F(LTest, MissingFileGivesAnEmptyTable)
 {
     EXPECT_FALSE(m_table.loadTable(m_folder.filePath(u"none.json"_s)));

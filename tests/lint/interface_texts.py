@@ -445,9 +445,25 @@ def read_tree(root):
     return tree
 
 
-def main():
-    """Tells what stands where, for whoever translates."""
-    tree = read_tree(sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
+def settle(root):
+    """Takes out of the planned texts what the code uses by now; the list goes with its last one."""
+    tree = read_tree(root)
+    used = {*texts_of(tree), *engine_literals(tree)}
+    left = [text.replace("\n", "\\n") + "\n" for text in planned_texts(tree) if text not in used]
+    path = os.path.join(root, PLANNED)
+    if left:
+        with open(path, "w", encoding="utf-8") as file:
+            file.writelines(left)
+    elif os.path.exists(path):
+        os.remove(path)
+
+
+def main(words):
+    """Tells what stands where, for whoever translates; with --settle, tidies the planned texts first."""
+    root = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+    if "--settle" in words:
+        settle(root)
+    tree = read_tree(root)
     sentences, filled = engine_texts(tree)
     print(f"{len(code_texts(tree))} texts in the code, {len(page_texts(tree))} of the page, {len(sentences)} of the engine, "
           f"{len(planned_texts(tree))} planned")
@@ -458,4 +474,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(sys.argv[1:]))

@@ -3,6 +3,7 @@
 import json
 import os
 import sys
+import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
@@ -190,6 +191,19 @@ class TheRules(unittest.TestCase):
     def test_planned_text_that_a_table_lacks(self):
         self.assert_found(texts.planned_and_missing(sample(planned="Soon\n", own={language: {"Soon": "Ö"} for language in texts.LANGUAGES[1:]})),
                           "uk lacks 'Soon'")
+
+    def test_settling_takes_out_what_is_used(self):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in sample(code='L(u"Two\\nlines"_s);', planned="Soon\\nhere\nTwo\\nlines\n").items():
+                os.makedirs(os.path.dirname(os.path.join(root, path)), exist_ok=True)
+                with open(os.path.join(root, path), "w", encoding="utf-8") as file:
+                    file.write(text)
+            texts.settle(root)
+            self.assertEqual(texts.planned_texts(texts.read_tree(root)), ["Soon\nhere"])
+            with open(os.path.join(root, "src/a.cpp"), "a", encoding="utf-8") as file:
+                file.write('L(u"Soon\\nhere"_s);')
+            texts.settle(root)
+            self.assertNotIn(texts.PLANNED, texts.read_tree(root))
 
     def test_broken_places(self):
         for english, translation in (("%@", ""), ("%@", "%@ %@"), ("%lu", "%@"), ("%.0f", "%.1f"), ("%@ %lu", "%lu %@"), ("%@ %@", "%1$@"),

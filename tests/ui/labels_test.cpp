@@ -4,6 +4,7 @@
 #include "uitest.h"
 
 #include <QHBoxLayout>
+#include <QTextLayout>
 
 using namespace tuppi;
 
@@ -28,6 +29,31 @@ TEST(ElidedLabel, staysOnOneLineAndPlain)
     label.setText(u"two\nlines <b>x</b>"_qs);
     label.resize(label.sizeHint());
     EXPECT_EQ(label.shownText(), u"two lines <b>x</b>"_qs);
+}
+
+/// How tall a line of the text is in the fonts that draw it.
+double lineHeight(const QString &text, const QFont &font)
+{
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setNumColumns(int(text.size()));
+    layout.endLayout();
+    return line.height();
+}
+
+/// Fonts that stand in for a script may be taller than the label's own.
+TEST(Labels, haveTheHeightOfTheirScript)
+{
+    for (const QString &text : {u"Interview"_qs, u"हिन्दी में टेक्स्ट"_qs, u"مقابلة"_qs, u"新转写"_qs}) {
+        ElidedLabel line;
+        line.setText(text);
+        EXPECT_GE(line.sizeHint().height() + 1, lineHeight(text, line.font())) << text.toStdString();
+        EXPECT_EQ(line.minimumSizeHint().height(), line.sizeHint().height());
+        WrapLabel lines;
+        lines.setText(text + u'\n' + text);
+        EXPECT_GE(lines.heightForWidth(1000), 2 * lineHeight(text, lines.font())) << text.toStdString();
+    }
 }
 
 /// The first and last columns that are drawn on.
