@@ -55,8 +55,11 @@ class EngineWebViews : public WebViews
 public:
     EngineWebViews()
     {
-        if (!filterBefore)
-            filterBefore = QLoggingCategory::installFilter(silenceParameters);
+        if (!filterBefore) {
+            // Known before the new one is installed, which is called at once.
+            filterBefore = QLoggingCategory::installFilter(nullptr);
+            QLoggingCategory::installFilter(silenceParameters);
+        }
         const EngineFlags forTheFirst;
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
