@@ -3,6 +3,7 @@
 #include "viewer/EngineWebView.h"
 #include "viewer/WebPage.h"
 
+#include <QLoggingCategory>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineProfile>
 
@@ -38,12 +39,27 @@ private:
     QByteArray m_before = qgetenv(flagsName);
 };
 
+QLoggingCategory::CategoryFilter filterBefore = nullptr;
+
+/// The engine lists its parameters on standard error at every start.
+void silenceParameters(QLoggingCategory *category)
+{
+    filterBefore(category);
+    if (qstrcmp(category->categoryName(), "qt.webenginecontext") == 0)
+        category->setEnabled(QtInfoMsg, false);
+}
+
 /// One profile for all views, which keeps nothing on the disk.
 class EngineWebViews : public WebViews
 {
 public:
     EngineWebViews()
     {
+        if (!filterBefore) {
+            // Known before the new one is installed, which is called at once.
+            filterBefore = QLoggingCategory::installFilter(nullptr);
+            QLoggingCategory::installFilter(silenceParameters);
+        }
         const EngineFlags forTheFirst;
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
