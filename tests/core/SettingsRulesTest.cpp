@@ -3,12 +3,15 @@
 #include "settings/Acknowledgements.h"
 #include "settings/EngineErrors.h"
 #include "settings/Health.h"
+#include "settings/L.h"
 #include "settings/LibraryTexts.h"
 #include "settings/ModelLines.h"
 #include "settings/SettingsChoices.h"
 #include "support/Support.h"
 
 #include <QUrl>
+
+#include <limits>
 
 #include <gtest/gtest.h>
 
