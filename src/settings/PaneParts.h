@@ -25,7 +25,7 @@ class TickBox;
 namespace PaneMetrics {
 
 inline constexpr int width = 560;
-inline constexpr int widest = 760; ///< as far as a translation may stretch a pane
+inline constexpr int widest = 900; ///< as far as a translation may stretch a pane
 inline constexpr int leastHeight = 120;
 inline constexpr QMargins margins{32, 24, 32, 28};
 inline constexpr int noteWidth = 470;

@@ -162,7 +162,6 @@ INSTANTIATE_TEST_SUITE_P(Scripts, Layout,
                                          Script{"long", std::make_shared<LongTexts>()},
                                          Script{"longMirrored", std::make_shared<LongTexts>(), true},
                                          Script{"arabic", std::make_shared<OtherScript>(u"إعدادات"_s), true},
-                                         Script{"hindi", std::make_shared<OtherScript>(u"सेटिंग्स"_s)},
                                          Script{"chinese", std::make_shared<OtherScript>(u"设置"_s)}),
                          test::caseName);
 

@@ -62,7 +62,6 @@ protected:
     {
         click(button(u"addCustomModel"_s));
         ASSERT_TRUE(settingsSheetOpens());
-        ASSERT_TRUE(waitFor([this] { return settingsSheet()->isActiveWindow(); }));
     }
 };
 
@@ -147,7 +146,7 @@ TEST_F(ModelsPaneTest, AFailedAddIsReportedAndNothingIsAskedAgain)
     const int asked = int(calls(u"--json"_s).size());
     settingsSheet()->answer(0);
     ASSERT_TRUE(waitFor([this] { return settingsSheet() && settingsSheet()->text().message == u"Could not add this model"_s; }));
-    EXPECT_EQ(sheetSays(), u"Could not add this model|no such model"_s);
+    EXPECT_EQ(sheetSays(), u"Could not add this model|no such model|OK"_s);
     EXPECT_EQ(calls(u"add"_s).first(), (QStringList{u"models"_s, u"add"_s, u"--name="_s, u"--kind=parakeet"_s, u"--repo="_s,
                                                     u"--json"_s}));
     EXPECT_EQ(status(), QString());
@@ -189,7 +188,6 @@ TEST_F(ModelsPaneTest, RemovingIsNeverTheDefault)
     openModels();
     click(button(u"removeModel.0"_s));
     ASSERT_TRUE(settingsSheetOpens());
-    ASSERT_TRUE(waitFor([this] { return settingsSheet()->isActiveWindow(); }));
     press(Qt::Key_Return);
     ASSERT_TRUE(settingsSheetCloses());
     settle();
@@ -234,7 +232,7 @@ TEST_F(ModelsPaneTest, AfterAFailureTheMenuShowsTheEnginesChoiceAgain)
     answerNext(Answer::failure(1, "Error: Ollama is not running\n"));
     choose(u"textModel"_s, u"llama"_s);
     ASSERT_TRUE(settingsSheetOpens());
-    EXPECT_EQ(sheetSays(), u"Could not use this text model|Ollama is not running"_s);
+    EXPECT_EQ(sheetSays(), u"Could not use this text model|Ollama is not running|OK"_s);
     EXPECT_TRUE(waitFor([this] { return menu(u"textModel"_s)->currentText() == u"qwen3:8b"_s; }));
     EXPECT_EQ(calls(u"text-model"_s).size(), 1) << "showing it again is no choice";
 }
@@ -258,7 +256,7 @@ TEST_F(ModelsPaneTest, AFailedDownloadKeepsWhatWasTyped)
     answerNext(Answer::failure(1, ""));
     click(button(u"pullTextModel"_s));
     ASSERT_TRUE(settingsSheetOpens());
-    EXPECT_EQ(sheetSays(), u"Could not use this text model|"_s);
+    EXPECT_EQ(sheetSays(), u"Could not use this text model||OK"_s);
     EXPECT_EQ(pullField()->text(), u"mistral"_s);
 }
 

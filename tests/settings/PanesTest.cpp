@@ -150,6 +150,7 @@ TEST_F(Panes, ALanguageIsStoredBeforeTheAnswerAndLaterRestartsNothing)
     EXPECT_EQ(settings()[u"AppleLanguages"_s].toArray(), QJsonArray{u"es"_s});
     EXPECT_EQ(sheetSays(), u"Restart Tuppi Transcriber to switch the language?|Transcriptions in progress keep running "
                             "while the app restarts.|Restart Now|Later"_s);
+    ASSERT_TRUE(settingsSheetOpens());
     press(Qt::Key_Escape);
     ASSERT_TRUE(settingsSheetCloses());
     EXPECT_EQ(relaunches, 0);
@@ -247,7 +248,7 @@ TEST_F(Panes, AnotherFolderIsHandedToTheEngine)
     EXPECT_EQ(dialog->labelText(QFileDialog::Accept), u"Use This Folder"_s);
     const int polls = m_engine.count(u"history"_s);
     ASSERT_TRUE(pollEnds());
-    dialog->selectFile(folder);
+    dialog->setDirectory(folder);
     QMetaObject::invokeMethod(dialog, "accept");
     ASSERT_TRUE(waitFor([this] { return m_engine.count(u"settings"_s) == 3; }));
     EXPECT_EQ(m_engine.calls(u"settings"_s).at(1), (QStringList{u"settings"_s, u"--library="_s + folder, u"--json"_s}));
@@ -265,7 +266,7 @@ TEST_F(Panes, ARefusedFolderIsReportedAsItStands)
     dialog->selectFile(m_engine.home());
     QMetaObject::invokeMethod(dialog, "accept");
     ASSERT_TRUE(settingsSheetOpens());
-    EXPECT_EQ(sheetSays(), u"Could not use this folder|not there\nPaused\n"_s);
+    EXPECT_EQ(sheetSays(), u"Could not use this folder|not there\nPaused\n|OK"_s);
     EXPECT_TRUE(waitFor([this] { return m_engine.count(u"settings"_s) == 3; })) << "asked again all the same";
 }
 

@@ -65,7 +65,7 @@ Sheet *SettingsTest::settingsSheet() const
 
 bool SettingsTest::settingsSheetOpens() const
 {
-    return waitFor([this] { return settingsSheet() != nullptr; });
+    return waitFor([this] { return settingsSheet() && settingsSheet()->isActiveWindow(); });
 }
 
 bool SettingsTest::settingsSheetCloses() const

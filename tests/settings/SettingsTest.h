@@ -38,6 +38,7 @@ protected:
     void choose(const QString &name, const QString &value) const;
     /// The sheet over the Settings window, null when there is none.
     Sheet *settingsSheet() const;
+    /// Waits until it is there and has the keyboard.
     bool settingsSheetOpens() const;
     bool settingsSheetCloses() const;
     /// "message|detail|button|button…"

@@ -12,7 +12,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scripts"))
 from xwindow import Screen, until  # noqa: E402
 
-PROGRAM = sys.argv.pop(1)
+PROGRAM = os.path.abspath(sys.argv.pop(1))
 
 
 def running():
@@ -62,7 +62,9 @@ class Relaunch(unittest.TestCase):
         subprocess.run(["xdotool", "windowfocus", "--sync", str(window), "key", *keys], check=True)
 
     def other(self, known):
-        return until(lambda: next((box.window for box in self.screen.windows() if box.window not in known), None), "a window")
+        """A window beside those, painted or not."""
+        return until(lambda: next((box.window for box in self.screen.windows(smallest=100) if box.window not in known), None),
+                     "a window")
 
     def choose_spanish_and_restart(self, command):
         first = subprocess.Popen(command, env=self.environment, cwd=self.home.name, stdin=subprocess.DEVNULL)
@@ -72,18 +74,18 @@ class Relaunch(unittest.TestCase):
         settings = self.other({main})
         # Into the language menu, its fifth choice after the present one, and it is chosen.
         self.key(settings, "Tab", "Down")
-        self.other({main, settings})
+        menu = self.other({main, settings})
         subprocess.run(["xdotool", "key", *["Down"] * 5, "Return"], check=True)
         path = os.path.join(self.home.name, ".config", "tuppi-transcriber", "settings.json")
 
         def stored():
+            if not os.path.exists(path):
+                return None
             with open(path, encoding="utf-8") as file:
                 return json.load(file).get("AppleLanguages")
 
         self.assertEqual(until(stored, "the stored choice"), ["es"])
-        sheet = until(lambda: next((box.window for box in self.screen.windows()
-                                    if box.window not in (main, settings) and box.height > 100), None), "the sheet")
-        self.key(sheet, "Return")
+        self.key(self.other({main, settings, menu}), "Return")
         self.assertEqual(first.wait(timeout=60), 0)
         return old
 
