@@ -32,8 +32,7 @@ EnginePane::EnginePane(QWidget *parent)
     column->addWidget(m_summary);
     column->addLayout(m_list);
     column->addWidget(sideBySide({again, log}), 0, Qt::AlignLeading);
-    column->addWidget(
-        hint(L(u"If something shows ✗, run the installer again — it repairs missing parts and keeps your transcripts."_s)));
+    column->addLayout(paneHint(L(u"If something shows ✗, run the installer again — it repairs missing parts and keeps your transcripts."_s)));
 }
 
 void EnginePane::setSummary(const ToneText &summary)

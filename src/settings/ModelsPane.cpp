@@ -67,9 +67,9 @@ void ModelsPane::addSpeechModels(QVBoxLayout *column)
     column->addWidget(paneTitle(L(u"Speech models"_s), u"speechModelsTitle"_s));
     column->addLayout(m_list);
     column->addWidget(add, 0, Qt::AlignLeading);
-    column->addWidget(hint(L(u"Add any Whisper- or Parakeet-compatible model in Apple's MLX format from Hugging Face, for "
-                             "example mlx-community/whisper-large-v3-mlx. Tuppi downloads it, checks it, and lists it in "
-                             "the Model menu."_s)));
+    column->addLayout(paneHint(L(u"Add any Whisper- or Parakeet-compatible model in Apple's MLX format from Hugging Face, for "
+                                 "example mlx-community/whisper-large-v3-mlx. Tuppi downloads it, checks it, and lists it in "
+                                 "the Model menu."_s)));
 }
 
 void ModelsPane::addTextModel(QVBoxLayout *column)
@@ -78,6 +78,7 @@ void ModelsPane::addTextModel(QVBoxLayout *column)
     m_textModels = new PopUpButton;
     m_textModels->setObjectName("textModel"_L1);
     m_textModels->setAccessibleName(title);
+    m_textModels->setMinimumWidth(pullWidth);
     connect(m_textModels, &QComboBox::currentIndexChanged, this,
             [this] { Q_EMIT textModelChosen(m_textModels->currentData().toString()); });
     const QString placeholder = L(u"Another Ollama model, e.g. qwen3:8b"_s);
@@ -96,8 +97,8 @@ void ModelsPane::addTextModel(QVBoxLayout *column)
 
     column->addWidget(paneTitle(title, u"textModelTitle"_s));
     column->addWidget(m_textModels, 0, Qt::AlignLeading);
-    column->addWidget(hint(L(u"Writes the summaries, tasks and titles. It runs in Ollama on this Mac. A smaller model is "
-                             "faster on Macs with 16 GB of memory."_s)));
+    column->addLayout(paneHint(L(u"Writes the summaries, tasks and titles. It runs in Ollama on this Mac. A smaller model is "
+                                 "faster on Macs with 16 GB of memory."_s)));
     column->addWidget(sideBySide({m_pull, pull}), 0, Qt::AlignLeading);
     column->addWidget(m_status);
 }
@@ -149,6 +150,7 @@ void ModelsPane::setTextModels(const QStringList &names, const QString &current)
     for (const QString &name : names)
         m_textModels->addItem(name, name);
     m_textModels->setCurrentIndex(current.isEmpty() ? -1 : m_textModels->findData(current));
+    m_textModels->setEnabled(!names.isEmpty());
     m_textModels->updateGeometry();
 }
 

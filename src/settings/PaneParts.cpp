@@ -104,6 +104,17 @@ ElidedLabel *paneTitle(const QString &text, const QString &name)
     return title;
 }
 
+QLayout *paneHint(const QString &text, int width)
+{
+    WrapLabel *label = hint(text);
+    label->setPreferredWidth(width);
+    label->setMaximumWidth(width);
+    auto *row = new QHBoxLayout;
+    row->addWidget(label, 1);
+    row->addStretch();
+    return row;
+}
+
 QVBoxLayout *paneColumn(QWidget *pane, int spacing)
 {
     auto *column = new QVBoxLayout(pane);
@@ -117,12 +128,8 @@ QWidget *pane(BaselineForm *rows, const QString &note)
     auto *pane = new QWidget;
     QVBoxLayout *column = paneColumn(pane, 18);
     column->addLayout(rows);
-    if (!note.isEmpty()) {
-        WrapLabel *label = hint(note);
-        label->setPreferredWidth(PaneMetrics::noteWidth);
-        label->setMaximumWidth(PaneMetrics::noteWidth);
-        column->addWidget(label);
-    }
+    if (!note.isEmpty())
+        column->addLayout(paneHint(note, PaneMetrics::noteWidth));
     return pane;
 }
 

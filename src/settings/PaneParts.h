@@ -8,6 +8,7 @@
 
 QT_BEGIN_NAMESPACE
 class QLabel;
+class QLayout;
 class QVBoxLayout;
 class QWidget;
 QT_END_NAMESPACE
@@ -24,10 +25,11 @@ class TickBox;
 namespace PaneMetrics {
 
 inline constexpr int width = 560;
-inline constexpr int widest = 760; ///< as far as a translation may stretch a pane
+inline constexpr int widest = 900; ///< as far as a translation may stretch a pane
 inline constexpr int leastHeight = 120;
 inline constexpr QMargins margins{32, 24, 32, 28};
 inline constexpr int noteWidth = 470;
+inline constexpr int hintWidth = 400;
 
 } // namespace PaneMetrics
 
@@ -48,6 +50,9 @@ PillButton *paneButton(const QString &title, const QString &name);
 QWidget *sideBySide(const QList<QWidget *> &widgets);
 /// A heading within a pane.
 ElidedLabel *paneTitle(const QString &text, const QString &name);
+
+/// A hint at the leading edge, wrapped at a width.
+QLayout *paneHint(const QString &text, int width = PaneMetrics::hintWidth);
 
 /// The column of a pane; `spacing` is between its views.
 QVBoxLayout *paneColumn(QWidget *pane, int spacing);

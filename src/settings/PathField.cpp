@@ -11,9 +11,9 @@
 namespace tuppi {
 namespace {
 
-constexpr int padX = 4; ///< for the focus ring
-constexpr int slack = 4; ///< what the line editor itself keeps free
-constexpr double radius = 6;
+constexpr int editorPad = 2; ///< what the line editor keeps free on either side
+constexpr int caret = 2;
+constexpr int focusLine = 2;
 
 } // namespace
 
@@ -24,7 +24,7 @@ PathField::PathField(int mostWidth, QWidget *parent)
     setFont(System(13));
     setReadOnly(true);
     setFrame(false);
-    setTextMargins(padX, 0, padX, 0);
+    setTextMargins(-editorPad, 0, -editorPad, 0); // in line with what stands above and below
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     QPalette light = LightPalette();
     light.setColor(QPalette::Base, Colours::window);
@@ -42,8 +42,8 @@ void PathField::setPath(const QString &shown, const QString &tip)
 
 QSize PathField::sizeHint() const
 {
-    const int text = fontMetrics().horizontalAdvance(m_path) + 2 * (padX + slack);
-    return {qMin(m_mostWidth, text), fontMetrics().height() + 6};
+    const int text = fontMetrics().horizontalAdvance(m_path) + 1 + caret;
+    return {qMin(m_mostWidth, text), fontMetrics().height() + 2 * (focusLine + 1)};
 }
 
 /// A path runs from the left, but stands where the interface's texts begin.
@@ -52,7 +52,7 @@ void PathField::showPath()
     setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
     if (hasFocus())
         return;
-    setText(fontMetrics().elidedText(m_path, Qt::ElideMiddle, width() - 2 * (padX + slack)));
+    setText(fontMetrics().elidedText(m_path, Qt::ElideMiddle, width() - caret));
     setCursorPosition(0);
 }
 
@@ -91,7 +91,7 @@ void PathField::paintEvent(QPaintEvent *event)
     if (!hasFocus())
         return;
     QPainter painter(this);
-    drawFocusRing(painter, QRectF(rect()), radius);
+    painter.fillRect(0, height() - focusLine, width(), focusLine, Colours::focusRing);
 }
 
 } // namespace tuppi

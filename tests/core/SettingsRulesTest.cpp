@@ -11,6 +11,8 @@
 
 #include <QUrl>
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
