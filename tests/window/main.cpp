@@ -13,6 +13,7 @@ int main(int argc, char *argv[])
     // No desktop is asked for its wishes, and none is kept awake.
     for (const char *bus : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
         qputenv(bus, "unix:path=/nonexistent/bus");
+    qputenv("PULSE_SERVER", "unix:/nonexistent/sound"); // and nobody hears a cat
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
