@@ -14,8 +14,6 @@ namespace engine {
 
 namespace {
 
-// What starts, follows and stops the work on recordings.
-std::vector<Command> workCommands()
 std::vector<Command> jobCommands()
 {
     return {
@@ -55,8 +53,6 @@ std::vector<Command> jobCommands()
     };
 }
 
-// What is done with a transcript once it is there.
-std::vector<Command> correctionCommands()
 std::vector<Command> transcriptCommands()
 {
     return {
@@ -95,7 +91,6 @@ std::vector<Command> transcriptCommands()
     };
 }
 
-// What concerns the engine as a whole.
 std::vector<Command> installationCommands()
 {
     return {
@@ -111,9 +106,6 @@ std::vector<Command> installationCommands()
            {u"--id", Option::Value},
            {u"--json"}}},
          &commands::models},
-std::vector<Command> installationCommands()
-{
-    return {
         {u"settings",
          u"Show or change the transcripts folder",
          {u"settings [--library=FOLDER] [--json]", 0, 0, {{u"--library", Option::Value}, {u"--json"}}},
@@ -131,7 +123,6 @@ std::span<const Command> allCommands()
 {
     static const std::vector<Command> table = [] {
         std::vector<Command> all;
-        for (const std::vector<Command> &part : {workCommands(), correctionCommands(), installationCommands()})
         for (const std::vector<Command> &part : {jobCommands(), transcriptCommands(), installationCommands()})
             all.insert(all.end(), part.begin(), part.end());
         return all;
