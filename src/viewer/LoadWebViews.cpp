@@ -49,16 +49,12 @@ bool canSandbox()
     return ::geteuid() != 0 && canMakeUserNamespace();
 }
 
-/// The engine shares it with the windows' pictures and wants it before it is loaded. Made here and not at the
-/// start of the program, where it would cost every start a driver.
-void makeShareContext()
+/// The engine wants one to be there before it is loaded, though its pages are drawn without it. It is never
+/// created, and so loads no driver; asking for it at the start of the program would.
+void provideShareContext()
 {
-    if (qt_gl_global_share_context())
-        return;
-    auto *context = new QOpenGLContext(QCoreApplication::instance());
-    if (!context->create())
-        qputenv("QT_QUICK_BACKEND", "software");
-    qt_gl_set_global_share_context(context);
+    if (!qt_gl_global_share_context())
+        qt_gl_set_global_share_context(new QOpenGLContext(QCoreApplication::instance()));
 }
 
 decltype(&tuppiWebViews) resolveModule()
@@ -83,7 +79,7 @@ LoadedWebViews LoadWebViews(Sandboxing sandboxing)
         qputenv(noSandbox, "1");
     else if (!qEnvironmentVariableIsSet(noSandbox) && !canSandbox())
         return {nullptr, WebViewsLack::Sandbox};
-    makeShareContext();
+    provideShareContext();
     const auto makeViews = resolveModule();
     return {std::unique_ptr<WebViews>(makeViews ? makeViews() : nullptr), WebViewsLack::Missing};
 }

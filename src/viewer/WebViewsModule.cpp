@@ -4,6 +4,7 @@
 #include "viewer/WebPage.h"
 
 #include <QLoggingCategory>
+#include <QQuickWindow>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineProfile>
 
@@ -60,6 +61,9 @@ public:
             filterBefore = QLoggingCategory::installFilter(nullptr);
             QLoggingCategory::installFilter(silenceParameters);
         }
+        // A page of text needs no graphics processor: without one it is drawn as fast, and a viewer takes less
+        // memory and depends on no driver.
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
         const EngineFlags forTheFirst;
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
