@@ -279,16 +279,38 @@ void TranscriptList::typeSelect(const QString &text)
 void TranscriptList::keyPressEvent(QKeyEvent *event)
 {
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-    if (m_selected >= 0 && (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)) {
-        Q_EMIT removeRequested(m_selectedKey);
-    } else if (m_selected >= 0 && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
-        Q_EMIT openRequested(m_selectedKey);
+    const QString key = keyWithKeyboard();
+    if (!key.isEmpty() && (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)) {
+        Q_EMIT removeRequested(key);
+    } else if (!key.isEmpty() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        Q_EMIT openRequested(key);
+    } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        askForMenu();
     } else if (!moveSelection(event)) {
         if (plain && !event->text().isEmpty() && event->text().at(0).isPrint())
             typeSelect(event->text());
         else
             QAbstractScrollArea::keyPressEvent(event);
     }
+}
+
+/// The row that a key is for: the one whose button has the keyboard, else the selected one.
+QString TranscriptList::keyWithKeyboard() const
+{
+    for (const RowView *view : m_shown) {
+        if (view->isAncestorOf(QApplication::focusWidget()))
+            return view->look().key;
+    }
+    return m_selectedKey;
+}
+
+/// As the menu key does, which not every keyboard has.
+void TranscriptList::askForMenu()
+{
+    QWidget *focus = QApplication::focusWidget() ? QApplication::focusWidget() : this;
+    const QPoint centre = focus->rect().center();
+    QContextMenuEvent asked(QContextMenuEvent::Keyboard, centre, focus->mapToGlobal(centre));
+    QCoreApplication::sendEvent(focus, &asked);
 }
 
 /// Of the menu key alone: a click is the viewport's.

@@ -68,7 +68,8 @@ private:
     void scrollTo(int index);
     bool moveSelection(QKeyEvent *event);
     void typeSelect(const QString &text);
-    bool isRowChild(const QObject *object) const;
+    QString keyWithKeyboard() const;
+    void askForMenu();
     void pressed(const QPoint &viewportPosition, Qt::MouseButton button);
 
     RowFactory m_makeRow;
