@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <limits>
@@ -73,6 +74,28 @@ QVariant orNull(const std::optional<double> &number)
 }
 
 const QString unfinished = u"status IN ('queued', 'transcribing', 'cleaning', 'analyzing')"_s;
+
+// Of places (a job's number and its call dir, one behind the other), those whose folder alone is gone: their
+// numbers, for a list in a statement.
+QByteArray thrownAway(const QByteArray &places)
+{
+    QByteArrayList gone;
+    for (const QByteArray &place : places.split('\0')) {
+        const QByteArray folder = place.mid(place.indexOf('/'));
+        if (folder.isEmpty() || ::access(folder.constData(), F_OK) == 0 || errno != ENOENT)
+            continue;
+        if (::access(folder.left(folder.lastIndexOf('/') + 1).constData(), F_OK) == 0)
+            gone.append(place.left(place.indexOf('/')));
+    }
+    return gone.join(',');
+}
+
+QByteArray entriesWithout(Database &database, const QByteArray &gone, qint64 first, qint64 before)
+{
+    const QString sql = u"SELECT CAST(group_concat(entry, ?) AS BLOB) FROM (SELECT entry FROM entries WHERE "
+                        "seq >= ? AND seq < ? AND seq NOT IN (%1) ORDER BY seq DESC)"_s;
+    return database.value(sql.arg(QString::fromLatin1(gone)), {u",\n"_s, first, before}).toByteArray();
+}
 
 } // namespace
 
@@ -148,15 +171,25 @@ std::optional<Job> latestJob(Database &database)
 void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take)
 {
     // SQLite joins the texts of a block faster than ten thousand rows come up through the layers above it.
-    const QString block = u"SELECT CAST(group_concat(entry, ?) AS BLOB), min(seq) FROM "
-                          "(SELECT seq, entry FROM entries WHERE seq < ? ORDER BY seq DESC LIMIT 256)"_s;
+    const QString block =
+        u"SELECT CAST(group_concat(entry, ?) AS BLOB), min(seq), CAST(group_concat(place, char(0)) AS BLOB) "
+        u"FROM "
+        "(SELECT seq, entry, CASE WHEN "_s +
+        unfinished +
+        u" THEN NULL ELSE seq || call_dir END AS place FROM entries JOIN jobs USING (seq) WHERE seq < ? "
+        "ORDER BY seq DESC LIMIT 256)"_s;
     database.run(u"BEGIN"_s);
     for (qint64 before = std::numeric_limits<qint64>::max();;) {
         QSqlQuery query = database.run(block, {u",\n"_s, before});
         if (!query.next() || query.isNull(1))
             break;
-        take(query.value(0).toByteArray());
-        before = query.value(1).toLongLong();
+        const qint64 last = query.value(1).toLongLong();
+        const QByteArray gone = thrownAway(query.value(2).toByteArray());
+        const QByteArray entries =
+            gone.isEmpty() ? query.value(0).toByteArray() : entriesWithout(database, gone, last, before);
+        if (!entries.isEmpty())
+            take(entries);
+        before = last;
     }
     database.run(u"COMMIT"_s);
 }

@@ -229,6 +229,7 @@ class Commands(CorrectionTest):
             self.refused("folder is gone", *change)
         self.assertFalse(os.path.exists(self.entry["call_dir"]))
         self.assertEqual(stored(self.runtime, self.entry), kept)
+        self.assertEqual(self.runtime.history(), [])
         os.rename(away, self.entry["call_dir"])
         self.edit(0, "behind")
         self.agreed()

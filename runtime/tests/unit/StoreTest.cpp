@@ -97,6 +97,41 @@ TEST(Store, historyIsNewestFirstAndWholeAcrossBlocks)
         EXPECT_EQ(entries[i][u"title"].toString(), u"Job %1"_s.arg(699 - i));
 }
 
+TEST(Store, aFolderThatWasThrownAwayIsNotListed)
+{
+    const test::Home home;
+    Database database(home.paths());
+    const auto add = [&](const QString &title, QStringView status) {
+        Job job = test::sampleJob(title);
+        job.callDir = home.file(u"library/"_s + title);
+        QDir().mkpath(job.callDir);
+        job = test::addJob(database, job);
+        return changeJob(database, job.id, [&](Job &changed) { changed.status = status.toString(); });
+    };
+    const Job done = add(u"Done, 1 of 2"_s, Status::ready);
+    const Job failed = add(u"Failed"_s, Status::failed);
+    const Job working = add(u"Working"_s, Status::cleaning);
+    const auto titles = [&] {
+        QStringList found;
+        for (const QJsonValue &entry : history(database))
+            found.append(entry[u"title"].toString());
+        return found;
+    };
+    const QStringList all{u"Working"_s, u"Failed"_s, u"Done, 1 of 2"_s};
+    EXPECT_EQ(titles(), all);
+    for (const Job &job : {failed, working})
+        QDir(job.callDir).removeRecursively();
+    EXPECT_EQ(titles(), (QStringList{u"Working"_s, u"Done, 1 of 2"_s})) << "what is worked on is listed";
+    QDir(done.callDir).removeRecursively();
+    EXPECT_EQ(titles(), QStringList{u"Working"_s});
+    changeJob(database, working.id, [](Job &job) { job.status = Status::cancelled.toString(); });
+    EXPECT_TRUE(titles().isEmpty());
+    QDir().mkpath(failed.callDir);
+    EXPECT_EQ(titles(), QStringList{u"Failed"_s}) << "restored";
+    QDir(home.file(u"library"_s)).removeRecursively();
+    EXPECT_EQ(titles(), all) << "the whole library is away";
+}
+
 TEST(Store, theEntryChangesWithTheJob)
 {
     const test::Home home;
