@@ -56,7 +56,8 @@ QString SaveTextDialog::chosenFormat() const
 {
     const QString selected = selectedNameFilter();
     for (const ExportFormat &format : ExportFormats()) {
-        if (filterOf(format) == selected)
+        // Qt's own dialog gives the filter without the details that it hides.
+        if (selected == filterOf(format) || selected == L(format.title))
             return format.key;
     }
     return u"timestamps"_s;

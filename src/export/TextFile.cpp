@@ -1,6 +1,7 @@
 #include "export/TextFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cerrno>
@@ -68,6 +69,8 @@ std::optional<QString> WriteTextFile(const QString &path, const QString &text)
 QString PrivateFolder(const QString &parent, const QString &name)
 {
     constexpr int most = 100; // names that somebody else can have taken
+    if (!QFileInfo(parent).isDir()) // nor is an empty one the root folder
+        return {};
     for (int number = 1; number <= most; ++number) {
         const QString path = parent + u'/' + name + (number == 1 ? QString() : u" %1"_s.arg(number));
         if (isOwnPrivateFolder(QFile::encodeName(path)))

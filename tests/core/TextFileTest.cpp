@@ -178,6 +178,7 @@ TEST_F(PrivateFolderTest, SomebodyElsesIsPassedOver)
 TEST_F(PrivateFolderTest, ThereIsNoneWhereNothingCanBeMade)
 {
     EXPECT_EQ(PrivateFolder(path(u"gone"_s), u"Tuppi"_s), QString());
+    EXPECT_EQ(PrivateFolder({}, u"Tuppi"_s), QString());
 }
 
 TEST(ShareChoices, OnlyWhatTheDesktopCanDo)

@@ -549,9 +549,8 @@ TEST_F(RowCommands, ShiftF10OpensTheMenuOfTheSelectedRow)
     ASSERT_NE(menu, nullptr);
     EXPECT_TRUE(menu->findChild<QAction *>(u"retryRow"_s)->isEnabled());
     menu->close();
-    activate();
     rowButton(u"a"_s, u"copyRowText"_s)->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_F10, Qt::ShiftModifier);
+    QTest::keyClick(window()->windowHandle(), Qt::Key_F10, Qt::ShiftModifier);
     menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
     EXPECT_FALSE(menu->findChild<QAction *>(u"retryRow"_s)->isEnabled()) << "of the row that has the keyboard";
