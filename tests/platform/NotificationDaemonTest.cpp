@@ -29,7 +29,7 @@ class NotificationDaemonTest : public QObject
     }
     static bool shows(int count)
     {
-        return QTest::qWaitFor([&] { return control({u"count"_s, u"displayed"_s}).toInt() == count; }, 8'000);
+        return QTest::qWaitFor([&] { return control({u"count"_s, u"displayed"_s}).toInt() == count; }, 30'000);
     }
     /// What has been shown and is closed, latest first: "title: body".
     static QStringList history()
@@ -48,7 +48,7 @@ class NotificationDaemonTest : public QObject
         if (!shows(1))
             return false;
         control({u"action"_s, u"0"_s});
-        const bool told = QTest::qWaitFor([&] { return clicked.size() == 1; }, 8'000);
+        const bool told = QTest::qWaitFor([&] { return clicked.size() == 1; }, 30'000);
         control({u"close-all"_s});
         return told && clicked.at(0).at(0).toString() == identifier && shows(0);
     }
@@ -57,7 +57,7 @@ class NotificationDaemonTest : public QObject
         m_daemon.start(u"dunst"_s, {u"-conf"_s, m_dir.filePath(u"dunstrc"_s)});
         const QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
         return QTest::qWaitFor([&] { return bus->isServiceRegistered(u"org.freedesktop.Notifications"_s).value(); },
-                               8'000);
+                               30'000);
     }
     void stopDaemon()
     {
