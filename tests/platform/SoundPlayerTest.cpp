@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int generous = 20'000;
+constexpr int generous = 60'000;
 
 /// An output that writes down what it is told, and waits as often as the test wants.
 struct FakeOutput : SoundOutput
@@ -224,7 +224,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitFor([&] { return find(recording.samples(), overTheSeam) >= 0; }, generous));
     }
 
-    void theMewPlaysOnceAndBothPlayTogether()
+    void theMewPlaysOnce()
     {
         SoundServer server;
         QVERIFY(server.start());

@@ -1,0 +1,240 @@
+// What is heard and told of while the engine works: the log, the footer, the notices on a bus, the sounds on a
+// server. The bus and the server are the test's own.
+
+#include "platform/PrivateBus.h"
+#include "platform/SoundServer.h"
+#include "window/WindowTest.h"
+
+#include "engine/DebugLog.h"
+
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+using namespace tuppi;
+using test::job;
+using test::waitFor;
+
+namespace {
+
+class SoundsAndNotices : public test::WindowTest
+{
+protected:
+    void SetUp() override
+    {
+        // Read when the first connection of the process is made; each test has a process of its own.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
+        m_service.answer = [this](const QDBusMessage &call) {
+            if (call.member() == u"GetCapabilities"_s)
+                m_service.send(call.createReply(QStringList{u"actions"_s, u"body"_s}));
+            else
+                m_service.send(call.createReply(++m_number));
+        };
+        ASSERT_TRUE(m_service.takeName());
+    }
+    QStringList notices() const
+    {
+        QStringList result;
+        for (const QDBusMessage &call : m_service.calls) {
+            if (call.member() == u"Notify"_s)
+                result.append(call.arguments().value(3).toString() + u": "_s + call.arguments().value(4).toString());
+        }
+        return result;
+    }
+    /// The messages of the diagnostic log.
+    static QStringList log()
+    {
+        constexpr qsizetype dateAndBlank = 26;
+        QStringList messages;
+        for (const QString &line : QString::fromUtf8(test::readFile(DebugLogPath())).split(u'\n', Qt::SkipEmptyParts))
+            messages.append(line.sliced(dateAndBlank));
+        return messages;
+    }
+    static bool logged(const QString &line, int times = 1)
+    {
+        return waitFor([&] { return log().count(line) == times; });
+    }
+    void work(const QString &status, bool paused = false)
+    {
+        show({job(u"a"_s, u"Talk"_s, status, paused)});
+    }
+    static qint16 loudest(const QList<qint16> &samples)
+    {
+        qint16 most = 0;
+        for (const qint16 sample : samples)
+            most = qMax(most, qint16(qAbs(sample)));
+        return most;
+    }
+
+    PrivateBus m_bus;
+    MockService m_service{m_bus.connection(), u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s};
+    uint m_number = 0;
+};
+
+const QString purrsNot = u"sound purr start play=0 sound=loaded"_s;
+const QString mewsNot = u"sound meow play=0 sound=loaded"_s;
+
+TEST_F(SoundsAndNotices, ATranscriptThatBecomesReadyIsAnnouncedOnce)
+{
+    openWindow();
+    work(u"transcribing"_s);
+    work(u"analyzing"_s);
+    work(u"ready"_s);
+    show({job(u"a"_s, u"Talk"_s, u"ready"_s), job(u"b"_s, u"Old"_s, u"ready"_s)});
+    EXPECT_TRUE(logged(mewsNot));
+    EXPECT_TRUE(waitFor([this] { return notices().size() == 1; }));
+    EXPECT_EQ(notices(), QStringList{u"Transcript ready: Talk"_s});
+    QStringList lines = log().filter(u"sound status"_s);
+    EXPECT_EQ(lines, (QStringList{u"sound status a: (new) -> transcribing"_s, u"sound status a: transcribing -> analyzing"_s,
+                                  u"sound status a: analyzing -> ready"_s, u"sound status b: (new) -> ready"_s}));
+    EXPECT_TRUE(logged(purrsNot)) << "the first attempt is logged, the others of the same work are not";
+}
+
+TEST_F(SoundsAndNotices, AFailureIsToldWithoutAMew)
+{
+    openWindow();
+    work(u"cleaning"_s);
+    work(u"failed"_s);
+    EXPECT_TRUE(waitFor([this] { return notices() == QStringList{u"Transcription failed: Talk"_s}; }));
+    work(u"queued"_s);
+    work(u"cancelled"_s);
+    EXPECT_TRUE(logged(purrsNot));
+    EXPECT_TRUE(log().filter(u"meow"_s).isEmpty());
+    EXPECT_EQ(notices().size(), 1);
+}
+
+TEST_F(SoundsAndNotices, WithoutNoticesTheMewStays)
+{
+    QDir().mkpath(QFileInfo(settingsPath()).path());
+    test::writeFile(settingsPath(), R"({"notify": false})");
+    openWindow();
+    work(u"cleaning"_s);
+    work(u"ready"_s);
+    EXPECT_TRUE(logged(mewsNot));
+    EXPECT_TRUE(m_service.calls.isEmpty());
+}
+
+TEST_F(SoundsAndNotices, SpeakerButtonSwitchesThemOffAndOn)
+{
+    openWindow();
+    auto *button = window()->findChild<IconButton *>(u"soundButton"_s);
+    EXPECT_EQ(button->symbol(), u"speaker.wave.2.fill"_s);
+    test::click(button);
+    EXPECT_EQ(summary(), u"Sounds off"_s);
+    EXPECT_EQ(button->symbol(), u"speaker.slash.fill"_s);
+    EXPECT_EQ(button->toolTip(), u"Turn Tuppi's sounds on"_s);
+    EXPECT_EQ(settings().value(u"sounds"_s), QJsonValue(false));
+    work(u"cleaning"_s);
+    work(u"ready"_s);
+    EXPECT_TRUE(waitFor([this] { return notices().size() == 1; }));
+    EXPECT_TRUE(log().filter(u"meow"_s).isEmpty() && log().filter(u"purr"_s).isEmpty());
+    destroy();
+
+    openWindow();
+    button = window()->findChild<IconButton *>(u"soundButton"_s);
+    EXPECT_EQ(button->symbol(), u"speaker.slash.fill"_s) << "shown as stored from the start";
+    work(u"transcribing"_s);
+    test::click(button);
+    EXPECT_EQ(summary(), u"Sounds on"_s);
+    EXPECT_TRUE(logged(purrsNot)) << "switched on during work";
+}
+
+TEST_F(SoundsAndNotices, AClickOnANoticeBringsTheWindowBack)
+{
+    openWindow();
+    work(u"cleaning"_s);
+    work(u"ready"_s);
+    ASSERT_TRUE(waitFor([this] { return notices().size() == 1 && m_number == 1; }));
+    window()->close();
+    // Its number is known to the application once another notice has gone out.
+    show({job(u"a"_s, u"Talk"_s, u"ready"_s), job(u"b"_s, u"B"_s, u"cleaning"_s)});
+    show({job(u"b"_s, u"B"_s, u"ready"_s)});
+    ASSERT_TRUE(waitFor([this] { return notices().size() == 2; }));
+    EXPECT_FALSE(window()->isVisible());
+    QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s,
+                                                     u"org.freedesktop.Notifications"_s, u"ActionInvoked"_s);
+    signal << uint(1) << u"default"_s; // of a transcript that is gone: the window comes, and that is all
+    m_service.send(signal);
+    EXPECT_TRUE(waitFor([this] { return window()->isVisible(); }));
+}
+
+class Heard : public SoundsAndNotices
+{
+protected:
+    void SetUp() override
+    {
+        SoundsAndNotices::SetUp();
+        ASSERT_TRUE(m_server.start());
+        qputenv("PULSE_SERVER", m_server.address().toUtf8());
+    }
+    static QList<qint16> file(const QString &name)
+    {
+        QList<qint16> samples = SoundFile(name);
+        for (qint16 &sample : samples)
+            sample = qint16(sample * 0.5);
+        return samples;
+    }
+
+    SoundServer m_server;
+};
+
+TEST_F(Heard, PurrsFadesInNineStepsAndIsSilent)
+{
+    Recording recording(m_server);
+    openWindow();
+    work(u"queued"_s);
+    work(u"transcribing"_s);
+    ASSERT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s));
+    const QList<qint16> purr = SoundFile(u"cat-purr"_s);
+    constexpr qsizetype second = 44100;
+    ASSERT_TRUE(waitFor([&] { return recording.samples().size() > 2 * second && loudest(recording.samples().last(second)) > 500; }));
+    work(u"transcribing"_s, true);
+    ASSERT_TRUE(waitFor([&] { return loudest(recording.samples().last(second / 2)) == 0; }));
+
+    // Where the purr begins in the recording, and from there on the factor between it and its file.
+    const QList<qint16> samples = recording.samples();
+    const QList<qint16> opening = file(u"cat-purr"_s).first(second / 4);
+    const auto start = std::search(samples.cbegin(), samples.cend(), opening.cbegin(), opening.cend());
+    ASSERT_NE(start, samples.cend());
+    QList<int> steps;
+    for (qsizetype at = 0; start + at < samples.cend(); at += 64) {
+        double heard = 0, whole = 0;
+        for (qsizetype index = at; index < at + 64 && start + index < samples.cend(); ++index) {
+            heard += qAbs(double(start[index]));
+            whole += qAbs(double(purr.at(index % purr.size())));
+        }
+        const int percent = int(std::lround(100 * heard / qMax(whole, 1.0)));
+        for (const int known : {50, 44, 38, 32, 26, 20, 14, 8, 2, 0}) {
+            if (whole > 64 * 200 && percent == known && (steps.isEmpty() || steps.last() != known))
+                steps.append(known);
+        }
+    }
+    EXPECT_EQ(steps, (QList<int>{50, 44, 38, 32, 26, 20, 14, 8, 2, 0}));
+
+    work(u"analyzing"_s);
+    EXPECT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s, 2)) << "resumed work purrs again";
+}
+
+TEST_F(Heard, TwoReadyTranscriptsGiveOneMew)
+{
+    openWindow();
+    show({job(u"a"_s, u"A"_s, u"queued"_s), job(u"b"_s, u"B"_s, u"queued"_s)});
+    Recording recording(m_server);
+    show({job(u"a"_s, u"A"_s, u"ready"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
+    ASSERT_TRUE(logged(u"sound meow play=1 sound=loaded"_s, 2));
+    const QList<qint16> mew = file(u"cat-meow"_s);
+    // Its loud middle tells it from silence.
+    const QList<qint16> middle = mew.sliced(mew.size() / 3, 4410);
+    const auto find = [&](qsizetype from) {
+        const QList<qint16> &samples = recording.samples();
+        const auto place = std::search(samples.cbegin() + from, samples.cend(), middle.cbegin(), middle.cend());
+        return place == samples.cend() ? -1 : place - samples.cbegin();
+    };
+    ASSERT_TRUE(waitFor([&] { return find(0) >= 0; }));
+    const qsizetype first = find(0);
+    ASSERT_TRUE(waitFor([&] { return recording.samples().size() > first + 3 * mew.size(); }));
+    EXPECT_EQ(find(first + 1), -1);
+    EXPECT_EQ(loudest(recording.samples().sliced(first + mew.size())), 0);
+    EXPECT_TRUE(waitFor([this] { return notices().size() == 2; }));
+}
+
+} // namespace
