@@ -39,8 +39,11 @@ AboutWindow::AboutWindow(const QString &version)
     setObjectName("About"_L1);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
                    | Qt::WindowCloseButtonHint);
+    // The icon of the windows has no picture large enough for a fine screen.
+    QIcon picture = QApplication::windowIcon();
+    picture.addFile(u":/icons/256x256/apps/tuppi-transcriber.png"_s, QSize(256, 256));
     auto *icon = new QLabel;
-    icon->setPixmap(QApplication::windowIcon().pixmap(QSize(iconSize, iconSize), devicePixelRatio()));
+    icon->setPixmap(picture.pixmap(QSize(iconSize, iconSize), devicePixelRatio()));
     icon->setAlignment(Qt::AlignCenter);
 
     auto *column = new QVBoxLayout(this);

@@ -29,6 +29,14 @@ QTextCharFormat format(const QFont &font)
     return format;
 }
 
+/// What the cursor writes next stands this far below what it wrote before.
+void leave(QTextCursor &cursor, int space)
+{
+    QTextBlockFormat block;
+    block.setTopMargin(space);
+    cursor.setBlockFormat(block);
+}
+
 QTextCharFormat link(const QFont &font, const QString &address)
 {
     QTextCharFormat format;
@@ -44,6 +52,7 @@ void write(QTextCursor &cursor, const Acknowledgement &row)
 {
     const QFont small = System(12);
     cursor.insertText(L(row.component) + u'\n', format(Rounded(15, QFont::DemiBold)));
+    leave(cursor, 3);
     cursor.insertText(Fill(L(u"%@ · "_s), {row.holder}), format(small));
     cursor.insertText(row.licence, link(small, LicenceLink(row.licence)));
     cursor.insertText(u" · "_s, format(small));
@@ -74,6 +83,7 @@ AcknowledgementsWindow::AcknowledgementsWindow(const QList<Acknowledgement> &row
 
     QTextCursor cursor(text->document());
     cursor.insertText(windowTitle() + u'\n', format(Rounded(22, QFont::DemiBold)));
+    leave(cursor, 6);
     cursor.insertText(L(u"Tuppi Transcriber runs entirely on your Mac and is built on these open models and tools. Thank "
                         "you to everyone who made them. Your transcripts belong to you; none of these licences gives "
                         "their authors any claim over what you transcribe."_s)

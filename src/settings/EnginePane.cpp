@@ -47,12 +47,14 @@ void EnginePane::setReport(const HealthReport &report)
         delete old->widget();
         delete old;
     }
+    // The marks stand at the leading edge, whatever language the engine words its checks in.
+    const QString direction = isRightToLeft() ? QString(QChar(0x200f)) : QString();
     for (const ToneText &line : report.lines) {
         auto *label = new ElidedLabel(this);
         label->setObjectName("healthLine"_L1);
         label->setFont(System(13));
         label->setColour(ColourOf(line.tone));
-        label->setText(line.text);
+        label->setText(direction + line.text);
         m_list->addWidget(label);
     }
     setSummary(report.summary);
