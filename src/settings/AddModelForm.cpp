@@ -25,6 +25,9 @@ AddModelForm::AddModelForm(QWidget *parent)
 {
     m_name->setObjectName("modelName"_L1);
     m_repo->setObjectName("modelRepo"_L1);
+    const int widest = qMax(m_name->sizeHint().width(), m_repo->sizeHint().width());
+    for (TextField *field : {m_name, m_repo})
+        field->setMinimumWidth(widest);
     auto *rows = new BaselineForm(this);
     rows->setSpacing(rowGap);
     addRow(rows, L(u"Name:"_s), m_name);
