@@ -17,6 +17,7 @@ struct Cue
 {
     qint64 startMs = 0;
     qint64 endMs = 0;
+    QString speaker;
     QString text;
 };
 
@@ -47,7 +48,7 @@ std::vector<Cue> cues(const std::vector<Segment> &segments)
             const bool full = open && (found.back().text.size() + word.text.size() >= longestCue ||
                                        word.endMs - found.back().startMs > longestCueMs);
             if (!open || full) {
-                found.push_back({word.startMs, word.endMs, word.text});
+                found.push_back({word.startMs, word.endMs, segment.speaker, word.text});
                 open = true;
             } else {
                 found.back().text += u' ' + word.text;
@@ -81,7 +82,8 @@ QByteArray transcriptFile(const std::vector<Segment> &segments)
     QString text;
     for (const Segment &segment : segments) {
         if (const QString line = segment.text(); !line.isEmpty())
-            text += u'[' + clock(segment.startMs) + u"] "_s + line + u'\n';
+            text += u'[' + clock(segment.startMs) + u"] "_s +
+                    (segment.speaker.isEmpty() ? QString() : segment.speaker + u": "_s) + line + u'\n';
     }
     return text.toUtf8();
 }
@@ -101,6 +103,7 @@ QByteArray webVttFile(const std::vector<Segment> &segments)
     QString text = u"WEBVTT\n\n"_s;
     for (const Cue &cue : cues(segments))
         text += fineClock(cue.startMs, u'.') + u" --> "_s + fineClock(cue.endMs, u'.') + u'\n' +
+                (cue.speaker.isEmpty() ? QString() : u"<v "_s + cue.speaker.toHtmlEscaped() + u'>') +
                 cue.text.toHtmlEscaped() + u"\n\n"_s;
     return text.toUtf8();
 }
@@ -119,7 +122,7 @@ QByteArray segmentsFile(const Job &job, const std::vector<Segment> &segments)
         list.append(QJsonObject{{u"index"_s, list.size()},
                                 {u"start"_s, double(segment.startMs) / 1000},
                                 {u"end"_s, double(segment.endMs) / 1000},
-                                {u"speaker"_s, QJsonValue()},
+                                {u"speaker"_s, segment.speaker.isEmpty() ? QJsonValue() : QJsonValue(segment.speaker)},
                                 {u"text"_s, segment.text()},
                                 {u"words"_s, words}});
     }
