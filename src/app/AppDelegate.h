@@ -196,7 +196,6 @@ private:
     void buildSettings();
     void connectModelsPane();
     QWidget *settingsSheetWindow() const;
-    void soundsChanged();
     FolderSize &folderSize();
     void useLibrary(const QString &folder);
     void modelsBusy(const QString &text);

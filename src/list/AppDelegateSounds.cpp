@@ -3,6 +3,7 @@
 #include "engine/DebugLog.h"
 #include "platform/SoundPlayer.h"
 #include "settings/L.h"
+#include "settings/SettingsWindow.h"
 #include "ui/MainWindow.h"
 
 namespace tuppi {
@@ -26,6 +27,8 @@ bool AppDelegate::soundsOn() const
 void AppDelegate::refreshSoundUI()
 {
     m_ui.window->setSoundsOn(soundsOn());
+    if (m_settings.window)
+        m_settings.window->setToggle(u"sounds"_s, soundsOn());
 }
 
 void AppDelegate::toggleSounds()

@@ -63,13 +63,10 @@ QWidget *AppDelegate::settingsSheetWindow() const
 void AppDelegate::settingToggleChanged(const QString &key, bool on)
 {
     m_queue.defaults.setValue(key, on);
-    if (key == "sounds"_L1)
-        soundsChanged();
-}
-
-void AppDelegate::soundsChanged()
-{
-    m_ui.window->setSoundsOn(m_queue.defaults.isOn(u"sounds"_s));
+    if (key == "sounds"_L1) {
+        refreshSoundUI();
+        updatePurr();
+    }
 }
 
 void AppDelegate::settingPopupChanged(const QString &key, const QString &value)

@@ -34,8 +34,12 @@ bool alwaysCapital(const QString &word)
 class SentenceBuilder
 {
 public:
-    void add(const Word &word)
+    void add(const Word &word, const QString &speaker)
     {
+        if (!m_current.text.isEmpty() && speaker != m_speaker)
+            finishSentence();
+        m_newSpeaker = m_newSpeaker || speaker != m_speaker;
+        m_speaker = speaker;
         const qint64 pause = m_lastEnd < 0 ? 0 : word.startMs - m_lastEnd;
         if (!m_current.text.isEmpty() && pause >= sentencePauseMs)
             finishSentence();
@@ -57,7 +61,8 @@ private:
     void startSentence(const Word &word, qint64 pause)
     {
         const bool longEnough = m_inParagraph >= longParagraph && pause >= shortParagraphPauseMs;
-        m_current.startsParagraph = m_sentences.empty() || pause >= paragraphPauseMs || longEnough;
+        m_current.startsParagraph = m_sentences.empty() || pause >= paragraphPauseMs || longEnough || m_newSpeaker;
+        m_newSpeaker = false;
         m_inParagraph = m_current.startsParagraph ? 1 : m_inParagraph + 1;
         m_current.startMs = word.startMs;
         m_current.text = capitalised(word.text);
@@ -71,6 +76,8 @@ private:
 
     std::vector<Sentence> m_sentences;
     Sentence m_current;
+    QString m_speaker;
+    bool m_newSpeaker = false; // since the last sentence
     qint64 m_lastEnd = -1;
     int m_inParagraph = 0;
 };
@@ -84,7 +91,7 @@ std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments)
         if (!segment.words)
             continue;
         for (const Word &word : *segment.words)
-            builder.add(word);
+            builder.add(word, segment.speaker);
     }
     return builder.finish();
 }

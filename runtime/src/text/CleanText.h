@@ -17,7 +17,7 @@ struct Sentence
     bool startsParagraph = false;
 };
 
-// Sentences by the pauses that were spoken, with capitals and full stops. No word is added, dropped or
+// Sentences by the pauses that were spoken and by speakers, with capitals and full stops. No word is added, dropped or
 // replaced.
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments);
 

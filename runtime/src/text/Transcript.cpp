@@ -64,7 +64,7 @@ std::vector<Line> linesFrom(const std::vector<Segment> &segments)
             continue;
         lines.push_back({segment.startMs,
                          segment.endMs,
-                         {},
+                         segment.speaker,
                          text,
                          timed(wordsOf(text), *segment.words, segment.startMs, segment.endMs)});
     }

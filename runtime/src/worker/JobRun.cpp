@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "media/Segmenter.h"
 #include "output/CallDirWriter.h"
+#include "speakers/SpeakerLines.h"
 #include "store/Transcripts.h"
 #include "worker/SegmentProcess.h"
 
@@ -17,12 +18,13 @@ namespace {
 constexpr int waitMs = 100;
 constexpr int mostDeaths = 10; // of the recogniser in one segment
 constexpr size_t blockSamples = 16384;
+constexpr size_t segmentsPerSpeakerStep = 20; // telling speakers apart counts as so much more to recognise
 
 std::vector<Segment> numbered(const std::vector<Span> &spans)
 {
     std::vector<Segment> segments;
     for (const Span &span : spans)
-        segments.push_back({int(segments.size()), span.startMs, span.endMs, std::nullopt});
+        segments.push_back({int(segments.size()), span.startMs, span.endMs, std::nullopt, {}});
     return segments;
 }
 
@@ -88,7 +90,7 @@ void JobRun::plan()
         [&](Job &job) {
             job.planned = true;
             job.durationSeconds = double(reader.position()) / sampleRate;
-            job.progress = segments.empty() ? QString() : progressText(0, int(segments.size()));
+            job.progress = segments.empty() ? QString() : progressText(0, int(segments.size()) + speakerSteps(segments.size()));
         },
         [&] { planSegments(m_database, m_control.job().seq, segments); });
 }
@@ -109,7 +111,7 @@ void JobRun::recogniseMissing()
             continue;
         const std::vector<Word> words = recogniseSegment(reader, segment);
         ++kept;
-        m_control.progress([&](Job &job) { job.progress = progressText(kept, int(segments.size())); },
+        m_control.progress([&](Job &job) { job.progress = progressText(kept, int(segments.size()) + speakerSteps(segments.size())); },
                            [&] { keepSegment(m_database, m_control.job().seq, segment.number, words); });
     }
 }
@@ -161,13 +163,53 @@ std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &s
         segment.startMs / 1000));
 }
 
+// What telling speakers apart adds to the count of segments that the progress shows.
+int JobRun::speakerSteps(size_t segments) const
+{
+    return m_control.job().speakers ? int(segments / segmentsPerSpeakerStep) + 1 : 0;
+}
+
+// Who speaks where. Nothing of it is kept: after a kill it is found again, and is the same.
+std::vector<Turn> JobRun::findTurns(const std::vector<Segment> &segments)
+{
+    const auto total = int(segments.size()) + speakerSteps(segments.size());
+    int shown = int(segments.size());
+    const auto show = [&](size_t handled) {
+        const int now = int(segments.size()) + speakerSteps(segments.size()) * int(handled) / int(2 * segments.size());
+        if (now > shown)
+            m_control.progress([&](Job &job) { job.progress = progressText(now, total); });
+        shown = std::max(shown, now);
+    };
+    SpeakerFinder finder([this] { m_control.check(); });
+    std::vector<Turn> turns;
+    for (const bool learning : {true, false}) {
+        AudioReader reader(audioPath());
+        for (size_t i = 0; i < segments.size(); ++i) {
+            if (segments[i].text().isEmpty())
+                continue;
+            const std::vector<int16_t> samples = samplesOf(reader, segments[i]);
+            if (learning) {
+                finder.hear(samples);
+            } else {
+                const std::vector<Turn> found = finder.turns(segments[i].startMs, samples);
+                turns.insert(turns.end(), found.begin(), found.end());
+            }
+            show(learning ? i + 1 : segments.size() + i + 1);
+        }
+        if (learning)
+            finder.learn();
+    }
+    return turns;
+}
+
 void JobRun::finish()
 {
-    const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
+    std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (std::ranges::all_of(segments, [](const Segment &segment) { return segment.text().isEmpty(); }))
         throw Failure(silenceError.toString());
+    if (m_control.job().speakers)
+        segments = cutBySpeaker(segments, findTurns(segments));
     Transcript transcript;
-    // Whoever tells voices apart names the speakers of these lines here, before anything is made of them.
     transcript.lines = linesFrom(segments);
     transcript.clean = plainText(segments);
     if (m_control.job().clean) {

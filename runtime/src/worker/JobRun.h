@@ -3,6 +3,7 @@
 #include "core/WorkerLock.h"
 #include "media/AudioReader.h"
 #include "recognise/Recogniser.h"
+#include "speakers/SpeakerFinder.h"
 #include "text/Transcript.h"
 #include "worker/JobControl.h"
 
@@ -35,6 +36,8 @@ private:
     std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
     std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
     std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
+    int speakerSteps(size_t segments) const;
+    std::vector<Turn> findTurns(const std::vector<Segment> &segments);
     void finish();
     void keep(Transcript &transcript);
     void enter(QStringView stage);
