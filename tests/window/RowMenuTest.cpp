@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QFileDialog>
 #include <QMenu>
 #include <QWindow>
 
@@ -162,6 +163,8 @@ TEST_F(OnTheRowMenu, EveryItemSpeaksForItself)
         if (sheet())
             sheet()->answer(sheet()->text().escapeButton);
         ASSERT_TRUE(sheetCloses());
+        for (QFileDialog *dialog : window()->findChildren<QFileDialog *>())
+            delete dialog;
     }
     EXPECT_EQ(m_commands, expected);
     EXPECT_EQ(expected.size(), onReady.size());
