@@ -279,7 +279,7 @@ TEST_F(DefaultsTest, EveryKeyOfTheTableIsThereOnceWithItsMeaning)
         EXPECT_FALSE(key.meaning.isEmpty()) << key.name.toStdString();
     }
     names.sort();
-    EXPECT_EQ(names, (QStringList{u"AppleLanguages"_s, u"engine"_s, u"language"_s, u"notify"_s, u"quickMode"_s,
+    EXPECT_EQ(names, (QStringList{u"AppleLanguages"_s, u"TranscriberText"_s, u"TranscriberViewer"_s, u"engine"_s, u"language"_s, u"notify"_s, u"quickMode"_s,
                                   u"sounds"_s, u"speakers"_s, u"startInFlight"_s, u"txtFormat"_s, u"waitingQueue"_s, u"windowFrame"_s}));
 }
 
