@@ -63,7 +63,8 @@ public:
         }
         // A page of text needs no graphics processor: without one it is drawn as fast, and a viewer takes less
         // memory and depends on no driver.
-        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+        if (QQuickWindow::sceneGraphBackend().isEmpty())
+            QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
         const EngineFlags forTheFirst;
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
