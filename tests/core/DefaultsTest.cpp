@@ -280,11 +280,7 @@ TEST_F(DefaultsTest, EveryKeyOfTheTableIsThereOnceWithItsMeaning)
     }
     names.sort();
     EXPECT_EQ(names, (QStringList{u"AppleLanguages"_s, u"TranscriberText"_s, u"TranscriberViewer"_s, u"engine"_s, u"language"_s, u"notify"_s, u"quickMode"_s,
-<<<<<<< HEAD
                                   u"saveFolder"_s, u"sounds"_s, u"speakers"_s, u"startInFlight"_s, u"txtFormat"_s, u"waitingQueue"_s, u"windowFrame"_s}));
-=======
-                                  u"sounds"_s, u"speakers"_s, u"startInFlight"_s, u"txtFormat"_s, u"waitingQueue"_s, u"windowFrame"_s}));
->>>>>>> viewer
 }
 
 } // namespace

@@ -373,7 +373,7 @@ TEST_F(Export, TheFileIsPrivateAndTheSameEachTime)
 {
     openOne();
     hidePrograms();
-    for (const QByteArray &text : {"first", "second"}) {
+    for (const char *text : {"first", "second"}) {
         writeFile(folder(u"A"_s) + u"/transcript.raw.txt"_s, text);
         m_app->shareRowText(u"a"_s);
         ASSERT_TRUE(menuOpens());
