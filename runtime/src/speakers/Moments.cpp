@@ -2,6 +2,7 @@
 
 #include <Eigen/Cholesky>
 
+#include <algorithm>
 #include <cmath>
 
 namespace engine {
@@ -9,6 +10,8 @@ namespace engine {
 namespace {
 
 constexpr double framesOfUsual = 20;
+// What somebody says in more than half a minute adds no certainty: rooms, moods and topics change, too.
+constexpr double mostEvidence = 3000;
 
 } // namespace
 
@@ -58,7 +61,8 @@ double VoiceMeasure::difference(const Moments &a, const Moments &b) const
     both += b;
     const double gain = both.count() * both.logDeterminant(usual) - a.count() * a.logDeterminant(usual) -
                         b.count() * b.logDeterminant(usual);
-    return 0.5 * gain - strictness * 0.5 * parameters * std::log(both.count());
+    const double scale = std::min(1.0, mostEvidence / std::max(a.count(), b.count()));
+    return 0.5 * (scale * gain - strictness * parameters * std::log(scale * both.count()));
 }
 
 } // namespace engine
