@@ -2,7 +2,6 @@
 
 #include <Eigen/Cholesky>
 
-#include <algorithm>
 #include <cmath>
 
 namespace engine {
@@ -10,8 +9,6 @@ namespace engine {
 namespace {
 
 constexpr double framesOfUsual = 20;
-// What somebody says in more than half a minute adds no certainty: rooms, moods and topics change, too.
-constexpr double mostEvidence = 3000;
 
 } // namespace
 
@@ -61,8 +58,7 @@ double VoiceMeasure::difference(const Moments &a, const Moments &b) const
     both += b;
     const double gain = both.count() * both.logDeterminant(usual) - a.count() * a.logDeterminant(usual) -
                         b.count() * b.logDeterminant(usual);
-    const double scale = std::min(1.0, mostEvidence / std::max(a.count(), b.count()));
-    return 0.5 * (scale * gain - strictness * parameters * std::log(scale * both.count()));
+    return 0.5 * gain - strictness * 0.5 * parameters * std::log(both.count());
 }
 
 } // namespace engine
