@@ -42,6 +42,9 @@ public:
 
     int speakers() const { return int(m_voices.size()); }
 
+    // What it holds on to, in frames of 10 ms.
+    int64_t framesKept() const { return m_frames; }
+
 private:
     struct Piece
     {
