@@ -110,7 +110,7 @@ QString TrashTitle(qsizetype rows)
 
 QString TrashFailureLine(const DoomedFolder &folder, const QString &reason)
 {
-    return Fill(u"%@: %@"_s, {folder.title, reason});
+    return Fill(L(u"%@: %@"_s), {folder.title, reason});
 }
 
 } // namespace tuppi

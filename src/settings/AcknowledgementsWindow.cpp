@@ -53,7 +53,7 @@ void write(QTextCursor &cursor, const Acknowledgement &row)
     const QFont small = System(12);
     cursor.insertText(L(row.component) + u'\n', format(Rounded(15, QFont::DemiBold)));
     leave(cursor, 3);
-    cursor.insertText(Fill(L(u"%@ · "_s), {row.holder}), format(small));
+    cursor.insertText(Fill(L(u"%@ · "_s), {L(row.holder)}), format(small));
     cursor.insertText(row.licence, link(small, LicenceLink(row.licence)));
     cursor.insertText(u" · "_s, format(small));
     cursor.insertText(row.link, link(small, row.link));

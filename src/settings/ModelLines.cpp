@@ -22,7 +22,8 @@ ModelLines LinesOfModels(const QJsonArray &customModels)
             continue;
         const bool parakeet = record.value("kind"_L1).toString() == "parakeet"_L1;
         lines.custom.append({record.value("name"_L1).toString(),
-                             Fill(u"%@ · %@"_s, {record.value("repo"_L1).toString(), parakeet ? u"Parakeet"_s : u"Whisper"_s}),
+                             Fill(L(u"%@ · %@"_s),
+                                  {record.value("repo"_L1).toString(), parakeet ? u"Parakeet"_s : u"Whisper"_s}),
                              index});
     }
     return lines;

@@ -23,10 +23,10 @@ struct CommandName
 
 const QList<CommandName> &commandNames()
 {
-    static const QList<CommandName> names{{WebView::Command::Cut, u"Cut"_s, u"cut"_s},
-                                          {WebView::Command::Copy, u"Copy"_s, u"copy"_s},
-                                          {WebView::Command::Paste, u"Paste"_s, u"paste"_s},
-                                          {WebView::Command::SelectAll, u"Select All"_s, u"selectAll"_s}};
+    static const QList<CommandName> names{{WebView::Command::Cut, LText(u"Cut"_s), u"cut"_s},
+                                          {WebView::Command::Copy, LText(u"Copy"_s), u"copy"_s},
+                                          {WebView::Command::Paste, LText(u"Paste"_s), u"paste"_s},
+                                          {WebView::Command::SelectAll, LText(u"Select All"_s), u"selectAll"_s}};
     return names;
 }
 
