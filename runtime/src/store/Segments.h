@@ -28,7 +28,7 @@ struct Segment
     qint64 startMs = 0;
     qint64 endMs = 0;
     std::optional<std::vector<Word>> words; // nothing until recognised; empty when nothing was said
-    QString speaker = {};                     // empty: not known; not in the store
+    QString speaker = {};                   // empty: not known; not in the store
 
     bool kept() const { return words.has_value(); }
     QString text() const;
