@@ -25,10 +25,13 @@ ViewerState::ViewerState() = default;
 ViewerState::~ViewerState()
 {
     // Also those that are closed and still letting their page end: a page must not outlive what made it.
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (qobject_cast<ResultWindow *>(widget))
-            delete widget;
+    const QWidgetList topLevel = QApplication::topLevelWidgets();
+    QList<ResultWindow *> windows; // picked before the first goes: dialogs over it go with it
+    for (QWidget *widget : topLevel) {
+        if (auto *window = qobject_cast<ResultWindow *>(widget))
+            windows.append(window);
     }
+    qDeleteAll(windows);
 }
 
 void AppDelegate::showResult(const QJsonObject &row, bool text)

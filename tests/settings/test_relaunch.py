@@ -70,8 +70,12 @@ class Relaunch(unittest.TestCase):
         first = subprocess.Popen(command, env=self.environment, cwd=self.home.name, stdin=subprocess.DEVNULL)
         main = until(self.screen.painted, "the main window").window
         old = until(running, "the program")
-        self.key(main, "ctrl+comma")
-        settings = self.other({main})
+
+        def settings_window():
+            self.key(main, "ctrl+comma")  # until the window takes keys; a second one only brings it forward
+            return next((box.window for box in self.screen.windows(smallest=100) if box.window != main), None)
+
+        settings = until(settings_window, "the Settings window", pause=1)
         # Into the language menu, its fifth choice after the present one, and it is chosen.
         self.key(settings, "Tab", "Down")
         menu = self.other({main, settings})

@@ -2,6 +2,7 @@
 
 #include "viewer/ViewerTest.h"
 
+#include <QDialog>
 #include <QAbstractButton>
 #include <QDir>
 #include <QPlainTextEdit>
@@ -150,6 +151,9 @@ TEST_F(ResultWindows, KeysCloseSaveAndZoom)
     EXPECT_TRUE(opened->isVisible());
     press(opened, Qt::CTRL | Qt::Key_S);
     EXPECT_EQ(saves, 1);
+    auto *dialog = opened->findChild<QDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->reject();
     const QByteArray width = ask(opened, u"innerWidth"_s);
     press(opened, Qt::CTRL | Qt::Key_Plus);
     EXPECT_TRUE(waitFor([&] { return ask(opened, u"innerWidth"_s).toInt() < width.toInt(); }));
@@ -161,6 +165,15 @@ TEST_F(ResultWindows, KeysCloseSaveAndZoom)
     press(opened, Qt::CTRL | Qt::Key_W);
     EXPECT_EQ(count(), 0);
     EXPECT_TRUE(waitFor([&] { return opened.isNull(); }));
+}
+
+TEST_F(ResultWindows, TheApplicationMayEndUnderTheSaveDialog)
+{
+    const QString call = makeTextCall(u"a"_s);
+    m_app->showResult(row(call), true);
+    press(window(call, u"text"_s), Qt::CTRL | Qt::Key_S);
+    ASSERT_NE(window(call, u"text"_s)->findChild<QDialog *>(), nullptr);
+    destroy();
 }
 
 TEST_F(ResultWindows, TheStripOffersToSaveAndToShare)

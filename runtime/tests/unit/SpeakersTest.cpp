@@ -21,7 +21,7 @@ Cepstra voice(int number, int frames, unsigned seed = 1)
     for (int i = 0; i < frames; ++i) {
         for (int k = 0; k < cepstrumSize; ++k) {
             const double noise = double(random() % 2001) / 1000 - 1;
-            const double mean = (number * 7 + k * (number + 2)) % 5 * 0.4;
+            const double mean = (number * 7 + k * (number + 2)) % 5 * 1.5;
             cepstra(k, i) = float(mean + noise * (1 + 0.1 * ((number + k) % 3)));
         }
     }
