@@ -91,33 +91,33 @@ WebView *ViewerTest::page(ViewerWindow *window)
     return static_cast<WebView *>(window->findChild<QWidget *>(u"viewerPage"_s));
 }
 
-namespace {
-
-/// Keeps what the test asked for away from the application for good: an answer may come late.
-void keepAnswers(WebView *view)
-{
-    if (view->property("said").isValid())
-        return;
-    view->onMessage = [view, before = view->onMessage](const QJsonObject &body) {
-        if (!body.contains("probe"_L1))
-            before(body);
-        else
-            view->setProperty("said", QVariantMap{{body.value("probe"_L1).toString(), body.value("value"_L1)}});
-    };
-}
-
-} // namespace
-
 QByteArray ViewerTest::ask(ViewerWindow *window, const QString &expression, int patienceMilliseconds)
 {
-    const QString probe = QString::number(qHash(expression));
+    static int probes = 0;
+    const QString probe = QString::number(++probes);
     WebView *view = page(window);
-    keepAnswers(view);
-    view->setProperty("said", QVariantMap());
+    QByteArray answer;
+    constexpr auto dropsProbes = "dropsProbes";
+    if (!view->property(dropsProbes).toBool()) {
+        // A probe that comes late must not reach the application, which would refuse it as a correction.
+        view->setProperty(dropsProbes, true);
+        view->onMessage = [pass = view->onMessage](const QJsonObject &body) {
+            if (!body.contains("probe"_L1))
+                pass(body);
+        };
+    }
+    const auto before = view->onMessage;
+    view->onMessage = [&](const QJsonObject &body) {
+        if (body.value("probe"_L1).toString() == probe)
+            answer = body.value("value"_L1).toString().toUtf8();
+        else
+            before(body);
+    };
     view->run(u"window.webkit.messageHandlers.tuppi.postMessage({probe: '%1', value: JSON.stringify(%2) || 'undefined'})"_s
                   .arg(probe, expression));
-    const auto said = [&] { return view->property("said").toMap().value(probe).toString().toUtf8(); };
-    return QTest::qWaitFor([&] { return !said().isEmpty(); }, patienceMilliseconds) ? said() : "(no answer)"_ba;
+    const bool answered = QTest::qWaitFor([&] { return !answer.isEmpty(); }, patienceMilliseconds);
+    view->onMessage = before;
+    return answered ? answer : "(no answer)"_ba;
 }
 
 bool ViewerTest::becomes(ViewerWindow *window, const QString &expression, const QByteArray &json)

@@ -13,6 +13,12 @@ namespace tuppi::test {
 /// The real controller with the scripted engine, its window and small pages of the test's own.
 class ViewerTest : public AppTest
 {
+public:
+    static WebView *page(ViewerWindow *window);
+    /// What an expression is in the page, as JSON; "(no answer)" when the page does not say.
+    static QByteArray ask(ViewerWindow *window, const QString &expression, int patienceMilliseconds = 2000);
+    static bool becomes(ViewerWindow *window, const QString &expression, const QByteArray &json);
+
 protected:
     void SetUp() override;
     void TearDown() override;
@@ -28,10 +34,6 @@ protected:
     ViewerWindow *viewer(const QString &callDir) const;
     /// Opens the page and waits until it has been loaded.
     ViewerWindow *open(const QString &callDir, bool summary = false);
-    static WebView *page(ViewerWindow *window);
-    /// What an expression is in the page, as JSON; "(no answer)" when the page does not say.
-    static QByteArray ask(ViewerWindow *window, const QString &expression, int patienceMilliseconds = 2000);
-    static bool becomes(ViewerWindow *window, const QString &expression, const QByteArray &json);
     static void post(ViewerWindow *window, const QString &body);
     static bool isAnswered(ViewerWindow *window, const QByteArray &json)
     {
