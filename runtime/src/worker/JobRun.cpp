@@ -214,11 +214,11 @@ void JobRun::finish()
     transcript.clean = plainText(segments);
     if (m_control.job().clean) {
         enter(Status::cleaning);
-        transcript.clean = paragraphs(cleanSentences(segments));
+        transcript.clean = paragraphs(cleanSentences(segments, m_control.job().language));
     }
     if (m_control.job().analyze) {
         enter(Status::analyzing);
-        transcript.summary = extractSummary(cleanSentences(segments));
+        transcript.summary = extractSummary(cleanSentences(segments, m_control.job().language));
     }
     keep(transcript);
 }
