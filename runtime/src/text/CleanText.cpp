@@ -80,8 +80,10 @@ QString textOf(const std::vector<Word> &words, bool english)
     const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
     if (WordParts(texts.back()).endsSentence())
         return text;
+    if (english && english::asks(texts))
+        return text + u'?';
     const bool comma = text.endsWith(u',');
-    return (comma ? text.chopped(1) : text) + (english && english::asks(texts) ? u'?' : u'.');
+    return text.endsWith(u'.') ? text : (comma ? text.chopped(1) : text) + u'.'; // "at nine a.m."
 }
 
 class Paragraphs

@@ -317,7 +317,10 @@ private:
         const bool clear = std::ranges::all_of(numbers, [](const Number &n) { return n.value >= smallestFigure && !n.article; });
         if (!clear || numbers[0].value == numbers[1].value)
             return asSaid;
-        return Written{figure(numbers[0].value), numbers[0].end};
+        QStringList texts;
+        for (const Number &number : numbers)
+            texts.append(figure(number.value));
+        return Written{texts.join(u' '), numbers.back().end};
     }
 
     const std::vector<Word> &m_words;

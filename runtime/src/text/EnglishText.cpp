@@ -62,10 +62,15 @@ bool isStammered(const QString &key)
     return words.contains(key);
 }
 
+// What is said again after a longer pause begins something new.
+constexpr qint64 longestStammerPauseMs = 700;
+
 // Whether the `count` words from `at` are said again at once.
 bool saidAgain(const std::vector<Word> &words, size_t at, size_t count)
 {
-    if (at + 2 * count > words.size() || !isStammered(WordParts(words[at].text).key()))
+    if (at + 2 * count > words.size() ||
+        words[at + count].startMs - words[at + count - 1].endMs > longestStammerPauseMs ||
+        !isStammered(WordParts(words[at].text).key()))
         return false;
     for (size_t i = at; i < at + count; ++i) {
         const WordParts first(words[i].text);

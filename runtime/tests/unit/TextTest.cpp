@@ -157,6 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Hesitation, English,
     testing::Values(EnglishCase{"um we uh went", "We went."}, EnglishCase{"the the door", "The door."},
+                    EnglishCase{"we saw the | the end", "We saw the. The end."},
                     EnglishCase{"i i think i think so", "I think so."},
                     EnglishCase{"it was you know difficult", "It was difficult."},
                     EnglishCase{"as you know it rains", "As you know it rains."},
