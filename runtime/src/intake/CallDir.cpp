@@ -144,7 +144,7 @@ bool hasFirstTitle(const QString &callDir, const QString &title)
     const QString first = safeTitle(title);
     const QRegularExpressionMatch match = form.match(name);
     // A title may itself end like the number of a folder.
-    return match.hasMatch() && (match.captured(1) == first || name.endsWith(u' ' + first));
+    return match.hasMatch() && (match.captured(1) == first || match.captured(1) + match.captured(2) == first);
 }
 
 } // namespace engine
