@@ -112,8 +112,8 @@ private:
     bool m_success = false;
 };
 
-// Room for the question and its answer. A word takes at most as many of the model's units as half its bytes; more
-// room than it was made for it does not take.
+// Room for the question and its answer. A word takes at most as many of the model's units as half its bytes;
+// more room than it was made for it does not take.
 int contextFor(const Ollama::Question &question)
 {
     const qsizetype bytes = question.system.toUtf8().size() + 2 * question.text.toUtf8().size();
@@ -268,12 +268,16 @@ QString Ollama::answer(const Question &question)
     if (!model || model->remote)
         throw Failure(u"Ollama has no model named “"_s + question.model + u"” on this computer."_s);
     const int context = contextFor(question);
-    QJsonObject body{{u"model"_s, model->name},
-                     {u"stream"_s, true},
-                     {u"think"_s, false},
-                     {u"messages"_s, QJsonArray{QJsonObject{{u"role"_s, u"system"_s}, {u"content"_s, question.system}},
-                                                QJsonObject{{u"role"_s, u"user"_s}, {u"content"_s, question.text}}}},
-                     {u"options"_s, QJsonObject{{u"num_ctx"_s, context}, {u"num_predict"_s, context / 2}, {u"temperature"_s, 0}, {u"seed"_s, 1}}}};
+    QJsonObject body{
+        {u"model"_s, model->name},
+        {u"stream"_s, true},
+        {u"think"_s, false},
+        {u"messages"_s, QJsonArray{QJsonObject{{u"role"_s, u"system"_s}, {u"content"_s, question.system}},
+                                   QJsonObject{{u"role"_s, u"user"_s}, {u"content"_s, question.text}}}},
+        {u"options"_s, QJsonObject{{u"num_ctx"_s, context},
+                                   {u"num_predict"_s, context / 2},
+                                   {u"temperature"_s, 0},
+                                   {u"seed"_s, 1}}}};
     if (question.json)
         body[u"format"_s] = u"json"_s;
     HttpRequest asked = request("/api/chat");
@@ -281,7 +285,8 @@ QString Ollama::answer(const Question &question)
     asked.stallSeconds = stallSeconds(stallSecondsOfAnswer);
     asked.limitMs = answerLimitMs;
     AnswerReader reader;
-    const HttpReply reply = m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
+    const HttpReply reply =
+        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
     const std::optional<QString> answer = reader.finish();
     if (!reply.whole(200))
         throw Failure(troubleOf(reply));

@@ -14,7 +14,8 @@ QByteArray questionKey(const QString &model, const ModelQuestion &question)
 
 std::optional<QString> keptAnswer(Database &database, qint64 job, const QByteArray &key)
 {
-    QSqlQuery query = database.run(u"SELECT answer FROM answers WHERE job = ? AND question = ?"_s, {job, QString::fromLatin1(key)});
+    QSqlQuery query = database.run(u"SELECT answer FROM answers WHERE job = ? AND question = ?"_s,
+                                   {job, QString::fromLatin1(key)});
     return query.next() ? std::optional(query.value(0).toString()) : std::nullopt;
 }
 

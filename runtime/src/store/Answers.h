@@ -7,8 +7,8 @@
 
 namespace engine {
 
-// What text models have answered about a job that is not ready yet, so that work which was cut off goes on with the
-// next part. Writing belongs inside the caller's transaction. All throw Failure.
+// What text models have answered about a job that is not ready yet, so that work which was cut off goes on
+// with the next part. Writing belongs inside the caller's transaction. All throw Failure.
 
 // The same for the same model and question.
 QByteArray questionKey(const QString &model, const ModelQuestion &question);

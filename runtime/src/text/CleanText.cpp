@@ -45,7 +45,8 @@ bool hasMarks(const std::vector<Stretch> &stretches)
     size_t ends = 0;
     for (const Stretch &stretch : stretches) {
         words += stretch.words.size();
-        ends += size_t(std::ranges::count_if(stretch.words, [](const Word &word) { return WordParts(word.text).endsSentence(); }));
+        ends += size_t(std::ranges::count_if(
+            stretch.words, [](const Word &word) { return WordParts(word.text).endsSentence(); }));
     }
     return ends > 0 && ends * mostWordsPerMark >= words;
 }
@@ -55,8 +56,9 @@ std::vector<std::vector<Word>> sentencesOf(const std::vector<Word> &words, bool 
     std::vector<std::vector<Word>> sentences;
     for (size_t i = 0; i < words.size(); ++i) {
         const qint64 pause = i > 0 ? words[i].startMs - words[i - 1].endMs : 0;
-        const bool begins = i == 0 || (marks ? WordParts(words[i - 1].text).endsSentence() || pause >= paragraphPauseMs
-                                             : pause >= sentencePauseMs);
+        const bool begins =
+            i == 0 || (marks ? WordParts(words[i - 1].text).endsSentence() || pause >= paragraphPauseMs
+                             : pause >= sentencePauseMs);
         if (begins)
             sentences.emplace_back();
         sentences.back().push_back(words[i]);
@@ -115,7 +117,8 @@ std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, bool 
         const std::vector<Word> words =
             english ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
         for (const std::vector<Word> &said : sentencesOf(words, marks)) {
-            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english), stretch.speaker != speaker);
+            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english),
+                           stretch.speaker != speaker);
             speaker = stretch.speaker;
         }
     }

@@ -21,8 +21,9 @@ constexpr qint64 million = 1'000'000;
 const QHash<QString, int> &smallNumbers()
 {
     static const QHash<QString, int> numbers = [] {
-        const QStringList words = u"zero one two three four five six seven eight nine ten eleven twelve thirteen fourteen "
-                                  "fifteen sixteen seventeen eighteen nineteen"_s.split(u' ');
+        const QStringList words =
+            u"zero one two three four five six seven eight nine ten eleven twelve thirteen fourteen "
+            "fifteen sixteen seventeen eighteen nineteen"_s.split(u' ');
         const QStringList tens = u"twenty thirty forty fifty sixty seventy eighty ninety"_s.split(u' ');
         QHash<QString, int> found;
         for (int i = 0; i < int(words.size()); ++i)
@@ -36,7 +37,8 @@ const QHash<QString, int> &smallNumbers()
 
 int ordinalUnit(const QString &key)
 {
-    static const QStringList words = u"first second third fourth fifth sixth seventh eighth ninth"_s.split(u' ');
+    static const QStringList words =
+        u"first second third fourth fifth sixth seventh eighth ninth"_s.split(u' ');
     return int(words.indexOf(key)) + 1;
 }
 
@@ -77,11 +79,13 @@ public:
                 continue;
             }
             if (written->text.isEmpty()) {
-                made.insert(made.end(), m_words.begin() + std::ptrdiff_t(at), m_words.begin() + std::ptrdiff_t(written->end));
+                made.insert(made.end(), m_words.begin() + std::ptrdiff_t(at),
+                            m_words.begin() + std::ptrdiff_t(written->end));
             } else {
                 const QString lead = m_parts[at].lead;
                 const QString trail = m_parts[written->end - 1].trail;
-                made.push_back({lead + written->text + trail, m_words[at].startMs, m_words[written->end - 1].endMs});
+                made.push_back(
+                    {lead + written->text + trail, m_words[at].startMs, m_words[written->end - 1].endMs});
             }
             at = written->end;
         }
@@ -92,11 +96,15 @@ private:
     // The word at a place, where nothing separates it from the one before.
     QString key(size_t at) const
     {
-        return at < m_parts.size() && (at == 0 || m_parts[at - 1].trail.isEmpty()) && m_parts[at].lead.isEmpty()
+        return at < m_parts.size() && (at == 0 || m_parts[at - 1].trail.isEmpty()) &&
+                       m_parts[at].lead.isEmpty()
                    ? m_parts[at].key()
                    : QString();
     }
-    QString keyBefore(size_t at) const { return at > 0 && m_parts[at - 1].trail.isEmpty() ? m_parts[at - 1].key() : QString(); }
+    QString keyBefore(size_t at) const
+    {
+        return at > 0 && m_parts[at - 1].trail.isEmpty() ? m_parts[at - 1].key() : QString();
+    }
     int small(size_t at) const { return smallNumbers().value(key(at), -1); }
 
     std::optional<Number> below100(size_t at, bool first) const
@@ -121,7 +129,8 @@ private:
     {
         std::optional<Number> number;
         const QString next = key(at + 1);
-        if (first && m_parts[at].key() == u"a" && (next == u"hundred" || next == u"thousand" || next == u"million"))
+        if (first && m_parts[at].key() == u"a" &&
+            (next == u"hundred" || next == u"thousand" || next == u"million"))
             number = Number{1, at + 1, true};
         else
             number = below100(at, first);
@@ -144,14 +153,16 @@ private:
             return std::nullopt;
         qint64 total = 0;
         qint64 group = number->value;
-        for (const auto &[name, scale] : {std::pair(u"billion", 1000 * million), {u"million", million}, {u"thousand", qint64(1000)}}) {
+        for (const auto &[name, scale] :
+             {std::pair(u"billion", 1000 * million), {u"million", million}, {u"thousand", qint64(1000)}}) {
             if (group == 0 || key(number->end) != name)
                 continue;
             total += group * scale;
             group = 0;
             ++number->end;
             const size_t start = key(number->end) == u"and" ? number->end + 1 : number->end;
-            const std::optional<Number> more = start < m_parts.size() ? below1000(start, false) : std::nullopt;
+            const std::optional<Number> more =
+                start < m_parts.size() ? below1000(start, false) : std::nullopt;
             if (!more)
                 continue;
             group = more->value;
@@ -184,7 +195,8 @@ private:
 
     bool clockBefore(size_t at) const
     {
-        static const QSet<QString> words{u"at"_s, u"by"_s, u"until"_s, u"till"_s, u"before"_s, u"after"_s, u"around"_s};
+        static const QSet<QString> words{u"at"_s,     u"by"_s,    u"until"_s, u"till"_s,
+                                         u"before"_s, u"after"_s, u"around"_s};
         return words.contains(keyBefore(at));
     }
 
@@ -202,7 +214,10 @@ private:
         return std::nullopt;
     }
 
-    static QString clock(qint64 hour, qint64 minute) { return u"%1:%2"_s.arg(hour).arg(minute, 2, 10, QChar(u'0')); }
+    static QString clock(qint64 hour, qint64 minute)
+    {
+        return u"%1:%2"_s.arg(hour).arg(minute, 2, 10, QChar(u'0'));
+    }
 
     Written withHalfOfDay(const QString &time, size_t end) const
     {
@@ -230,7 +245,8 @@ private:
         const bool before = direction == u"to" && word != u"half" &&
                             (word == u"quarter" ? keyBefore(at) != u"from" : clear.contains(keyBefore(at)));
         const std::vector<Number> hour = run(next + 1 < m_parts.size() ? next + 1 : m_parts.size());
-        if ((direction != u"past" && !before) || hour.size() != 1 || key(next + 1).isEmpty() || hour[0].value < 1 || hour[0].value > 12 || hour[0].article)
+        if ((direction != u"past" && !before) || hour.size() != 1 || key(next + 1).isEmpty() ||
+            hour[0].value < 1 || hour[0].value > 12 || hour[0].article)
             return std::nullopt;
         const qint64 shown = before ? (hour[0].value + 10) % 12 + 1 : hour[0].value;
         return withHalfOfDay(clock(shown, before ? 60 - minutes : minutes), hour[0].end);
@@ -238,13 +254,15 @@ private:
 
     static QString digits(qint64 value)
     {
-        return value < 10000 ? QString::number(value) : QLocale(QLocale::English, QLocale::UnitedStates).toString(value);
+        return value < 10000 ? QString::number(value)
+                             : QLocale(QLocale::English, QLocale::UnitedStates).toString(value);
     }
 
     static QString figure(qint64 value)
     {
         if (value >= million && value % million == 0)
-            return value % (1000 * million) == 0 ? digits(value / (1000 * million)) + u" billion"_s : digits(value / million) + u" million"_s;
+            return value % (1000 * million) == 0 ? digits(value / (1000 * million)) + u" billion"_s
+                                                 : digits(value / million) + u" million"_s;
         return digits(value);
     }
 
@@ -258,7 +276,8 @@ private:
             return std::nullopt;
         const bool clockLike = clockBefore(at) || halfOfDay(second.end).has_value();
         const bool usual = b == 15 || b == 30 || b == 45;
-        if (b < 60 && ((a >= 1 && a <= 12 && ((usual && !second.oh) || clockLike)) || (a >= 13 && a <= 23 && keyBefore(at) == u"at")))
+        if (b < 60 && ((a >= 1 && a <= 12 && ((usual && !second.oh) || clockLike)) ||
+                       (a >= 13 && a <= 23 && keyBefore(at) == u"at")))
             return withHalfOfDay(clock(a, b), second.end);
         if (a >= 17 && a <= 20)
             return Written{QString::number(a * 100 + b), second.end};
@@ -275,7 +294,10 @@ private:
         return text.isEmpty() ? Written{whole, end} : Written{whole + u'.' + text, at};
     }
 
-    static QString ordinalEnding(int unit) { return unit == 1 ? u"st"_s : unit == 2 ? u"nd"_s : unit == 3 ? u"rd"_s : u"th"_s; }
+    static QString ordinalEnding(int unit)
+    {
+        return unit == 1 ? u"st"_s : unit == 2 ? u"nd"_s : unit == 3 ? u"rd"_s : u"th"_s;
+    }
 
     std::optional<Written> single(const Number &number) const
     {
@@ -288,7 +310,8 @@ private:
             return Written{QString::number(value) + u" o'clock"_s, number.end + 1};
         const int unit = ordinalUnit(next);
         // "twenty seconds" and "twenty second breaks" are no ordinals, nor is what may be one of these.
-        if (value >= 20 && value < 100 && value % 10 == 0 && unit > 0 && (unit != 2 || key(number.end + 1) == u"of"))
+        if (value >= 20 && value < 100 && value % 10 == 0 && unit > 0 &&
+            (unit != 2 || key(number.end + 1) == u"of"))
             return Written{QString::number(value + unit) + ordinalEnding(unit), number.end + 1};
         const Written exact = decimals(digits(value), number.end);
         const bool percent = key(exact.end) == u"percent";
@@ -314,7 +337,8 @@ private:
             if (const std::optional<Written> written = pair(at, numbers[0], numbers[1]))
                 return written;
         }
-        const bool clear = std::ranges::all_of(numbers, [](const Number &n) { return n.value >= smallestFigure && !n.article; });
+        const bool clear = std::ranges::all_of(
+            numbers, [](const Number &n) { return n.value >= smallestFigure && !n.article; });
         if (!clear || numbers[0].value == numbers[1].value)
             return asSaid;
         QStringList texts;

@@ -41,12 +41,12 @@ bool isFiller(const QString &key)
 // "It was, you know, difficult": behind these words nobody can be told what they know.
 bool fillerAt(const std::vector<Word> &words, size_t at, const std::vector<Word> &kept)
 {
-    static const QSet<QString> before = setOf(
-        u"a an the is are was were be been very really quite of to with in on at for from my our your his their "
-        "it's that's there's we're i'm");
-    static const QSet<QString> known =
-        setOf(u"a an the that this these those what how who why where when if whether it him her them me us my "
-              "your his our their about of nothing everything something");
+    static const QSet<QString> before = setOf(u"a an the is are was were be been very really quite of to "
+                                              u"with in on at for from my our your his their "
+                                              "it's that's there's we're i'm");
+    static const QSet<QString> known = setOf(
+        u"a an the that this these those what how who why where when if whether it him her them me us my "
+        "your his our their about of nothing everything something");
     if (kept.empty() || at + 1 >= words.size() || WordParts(words[at].text).key() != u"you" ||
         WordParts(words[at + 1].text).key() != u"know" || !before.contains(WordParts(kept.back().text).key()))
         return false;
@@ -55,10 +55,10 @@ bool fillerAt(const std::vector<Word> &words, size_t at, const std::vector<Word>
 
 bool isStammered(const QString &key)
 {
-    static const QSet<QString> words =
-        setOf(u"the a an i we he she they it you and but to of at for with are were my our your his their this "
-              "if as or from by when what who there it's i'm we're they're that's because can could will would "
-              "i've i'll we'll we've he's she's");
+    static const QSet<QString> words = setOf(
+        u"the a an i we he she they it you and but to of at for with are were my our your his their this "
+        "if as or from by when what who there it's i'm we're they're that's because can could will would "
+        "i've i'll we'll we've he's she's");
     return words.contains(key);
 }
 
@@ -82,9 +82,9 @@ bool saidAgain(const std::vector<Word> &words, size_t at, size_t count)
 
 const QSet<QString> &monthsAndDays()
 {
-    static const QSet<QString> names =
-        setOf(u"monday tuesday wednesday thursday friday saturday sunday january february april june july august "
-              "september october november december");
+    static const QSet<QString> names = setOf(
+        u"monday tuesday wednesday thursday friday saturday sunday january february april june july august "
+        "september october november december");
     return names;
 }
 
@@ -114,8 +114,8 @@ bool isName(const QStringList &keys, qsizetype at)
     if (monthsAndDays().contains(key))
         return true;
     static const QSet<QString> before = setOf(u"in of since until last next early late mid");
-    return (key == u"may" || key == u"march") && ((at > 0 && before.contains(keys[at - 1])) ||
-                                                  (at + 1 < keys.size() && isDate(keys[at + 1])));
+    return (key == u"may" || key == u"march") &&
+           ((at > 0 && before.contains(keys[at - 1])) || (at + 1 < keys.size() && isDate(keys[at + 1])));
 }
 
 QStringList keysOf(const QStringList &words)
@@ -130,10 +130,12 @@ QStringList keysOf(const QStringList &words)
 bool inverted(const QString &verb, const QString &subject)
 {
     static const QSet<QString> people = setOf(u"i you we they he she it");
-    static const QSet<QString> things = setOf(u"the this that these those there my your his her our their anyone anybody");
-    static const QSet<QString> withThings = setOf(u"is are was were does did has isn't aren't wasn't weren't "
-                                                  "doesn't didn't hasn't will won't would wouldn't can can't could "
-                                                  "couldn't");
+    static const QSet<QString> things =
+        setOf(u"the this that these those there my your his her our their anyone anybody");
+    static const QSet<QString> withThings =
+        setOf(u"is are was were does did has isn't aren't wasn't weren't "
+              "doesn't didn't hasn't will won't would wouldn't can can't could "
+              "couldn't");
     static const QSet<QString> withPeople = setOf(u"do have am haven't");
     static const QSet<QString> plural = setOf(u"i you we they");
     if (verb == u"should" || verb == u"shouldn't")
@@ -151,9 +153,9 @@ bool inverted(const QString &verb, const QString &subject)
 
 bool isAuxiliary(const QString &key)
 {
-    static const QSet<QString> verbs =
-        setOf(u"is are was were am do does did can could will would should has have had isn't aren't wasn't don't "
-              "doesn't didn't can't couldn't won't wouldn't shouldn't");
+    static const QSet<QString> verbs = setOf(
+        u"is are was were am do does did can could will would should has have had isn't aren't wasn't don't "
+        "doesn't didn't can't couldn't won't wouldn't shouldn't");
     return verbs.contains(key);
 }
 
@@ -174,18 +176,20 @@ bool asksWithWord(const QStringList &keys, qsizetype at)
     if (isAuxiliary(second)) {
         static const QSet<QString> be = setOf(u"is are was were");
         // "which was good" only goes on with what was said before.
-        const bool alone = keys[at] != u"which" && (be.contains(second) || keys[at] == u"who" || keys[at] == u"what");
+        const bool alone =
+            keys[at] != u"which" && (be.contains(second) || keys[at] == u"who" || keys[at] == u"what");
         return !says && !third.isEmpty() && (alone || inverted(second, third));
     }
-    if ((keys[at] == u"how" && measures.contains(second)) || (keys[at] == u"what" && (second == u"time" || second == u"kind")))
+    if ((keys[at] == u"how" && measures.contains(second)) ||
+        (keys[at] == u"what" && (second == u"time" || second == u"kind")))
         return std::ranges::any_of(keys.mid(at + 2, 4), isAuxiliary);
     return (keys[at] == u"what" || keys[at] == u"how") && second == u"about" && keys.size() <= at + 6;
 }
 
 bool endsWithTag(const QStringList &keys)
 {
-    static const QSet<QString> verbs =
-        setOf(u"isn't aren't wasn't weren't don't doesn't didn't can't couldn't won't wouldn't shouldn't haven't hasn't");
+    static const QSet<QString> verbs = setOf(u"isn't aren't wasn't weren't don't doesn't didn't can't "
+                                             u"couldn't won't wouldn't shouldn't haven't hasn't");
     static const QSet<QString> subjects = setOf(u"i you he she it we they there");
     return keys.size() > 3 && subjects.contains(keys.back()) && verbs.contains(keys[keys.size() - 2]);
 }
@@ -243,7 +247,8 @@ bool asks(const QStringList &sentence)
         return false;
     // "So do I."
     const bool echo = at > 0 && keys[at - 1] == u"so" && keys.size() <= at + 2;
-    return (!echo && keys.size() >= at + 3 && inverted(keys[at], keys[at + 1])) || asksWithWord(keys, at) || endsWithTag(keys);
+    return (!echo && keys.size() >= at + 3 && inverted(keys[at], keys[at + 1])) || asksWithWord(keys, at) ||
+           endsWithTag(keys);
 }
 
 } // namespace engine::english

@@ -7,8 +7,9 @@
 
 #include <vector>
 
-// English as people write it, made of English as they speak it. Careful: what may be meant stays as it was said. Words
-// may carry signs ("well,"), and keep their times; a word that goes leaves its time to the one before it.
+// English as people write it, made of English as they speak it. Careful: what may be meant stays as it was
+// said. Words may carry signs ("well,"), and keep their times; a word that goes leaves its time to the one
+// before it.
 namespace engine::english {
 
 // "um" and its like go, and "you know" where it can be nothing else.

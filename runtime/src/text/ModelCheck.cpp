@@ -24,8 +24,9 @@ QStringList allWords(const QString &text)
 {
     static const QRegularExpression notWord(u"[^\\w']+"_s, QRegularExpression::UseUnicodePropertiesOption);
     static const QHash<QString, QString> figures{
-        {u"one"_s, u"1"_s},  {u"two"_s, u"2"_s},  {u"three"_s, u"3"_s}, {u"four"_s, u"4"_s}, {u"five"_s, u"5"_s}, {u"six"_s, u"6"_s},
-        {u"seven"_s, u"7"_s}, {u"eight"_s, u"8"_s}, {u"nine"_s, u"9"_s},  {u"ten"_s, u"10"_s}, {u"eleven"_s, u"11"_s}, {u"twelve"_s, u"12"_s}};
+        {u"one"_s, u"1"_s},  {u"two"_s, u"2"_s},  {u"three"_s, u"3"_s},   {u"four"_s, u"4"_s},
+        {u"five"_s, u"5"_s}, {u"six"_s, u"6"_s},  {u"seven"_s, u"7"_s},   {u"eight"_s, u"8"_s},
+        {u"nine"_s, u"9"_s}, {u"ten"_s, u"10"_s}, {u"eleven"_s, u"11"_s}, {u"twelve"_s, u"12"_s}};
     QStringList words = text.toCaseFolded().replace(u'\u2019', u'\'').split(notWord, Qt::SkipEmptyParts);
     for (QString &word : words)
         word = figures.value(word, word);
@@ -74,8 +75,10 @@ private:
 
 bool denies(const QStringList &words)
 {
-    static const QSet<QString> denials{u"not"_s, u"never"_s, u"cannot"_s, u"nothing"_s, u"nobody"_s, u"none"_s};
-    return std::ranges::any_of(words, [](const QString &word) { return denials.contains(word) || word.endsWith(u"n't"); });
+    static const QSet<QString> denials{u"not"_s,     u"never"_s,  u"cannot"_s,
+                                       u"nothing"_s, u"nobody"_s, u"none"_s};
+    return std::ranges::any_of(
+        words, [](const QString &word) { return denials.contains(word) || word.endsWith(u"n't"); });
 }
 
 } // namespace
@@ -92,7 +95,8 @@ bool keepsWhatWasSaid(const QString &said, const QString &written)
         return false;
     const Vocabulary kept(after);
     const auto telling = std::ranges::count_if(before, tells);
-    const auto still = std::ranges::count_if(before, [&](const QString &word) { return tells(word) && kept.holds(word); });
+    const auto still =
+        std::ranges::count_if(before, [&](const QString &word) { return tells(word) && kept.holds(word); });
     return !after.isEmpty() && double(still) >= fewestKept * double(telling);
 }
 

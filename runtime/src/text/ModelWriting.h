@@ -9,7 +9,8 @@
 #include <optional>
 #include <vector>
 
-// What a text model is asked about a transcript, and what is taken of its answers. The model is a function here.
+// What a text model is asked about a transcript, and what is taken of its answers. The model is a function
+// here.
 namespace engine {
 
 struct ModelQuestion
@@ -26,7 +27,8 @@ using AskModel = std::function<std::optional<QString>(const ModelQuestion &)>;
 using ShowParts = std::function<void(int done, int total)>;
 
 // The clean text, part by part as the model writes it; a part that it got wrong stays as the sentences stand.
-QString polishedText(const std::vector<Sentence> &sentences, const QString &language, const AskModel &ask, const ShowParts &show);
+QString polishedText(const std::vector<Sentence> &sentences, const QString &language, const AskModel &ask,
+                     const ShowParts &show);
 
 struct WrittenSummary
 {

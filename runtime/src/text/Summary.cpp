@@ -53,7 +53,8 @@ QSet<QString> tellingWords(const Sentence &sentence)
     return telling;
 }
 
-// Sentences that share a word, and how much they share for their length. In order: sums in another order would differ.
+// Sentences that share a word, and how much they share for their length. In order: sums in another order
+// would differ.
 using Ties = std::vector<QMap<size_t, double>>;
 
 Ties tiesOf(const std::vector<QSet<QString>> &telling)
@@ -77,9 +78,9 @@ Ties tiesOf(const std::vector<QSet<QString>> &telling)
     return ties;
 }
 
-// A sentence counts by the sentences that it shares words with, and these by theirs: what a talk is about is at the
-// middle of it. What is said again word for word counts once: people repeat "yes, of course" more often than what they
-// came to say.
+// A sentence counts by the sentences that it shares words with, and these by theirs: what a talk is about is
+// at the middle of it. What is said again word for word counts once: people repeat "yes, of course" more
+// often than what they came to say.
 std::vector<double> scores(const std::vector<Sentence> &sentences)
 {
     std::vector<QSet<QString>> telling;

@@ -6,8 +6,8 @@
 
 namespace engine {
 
-// The text model that the user chose, asked about one job: by a program of its own, so that it can be left at any
-// moment. Answers are kept until the job is ready.
+// The text model that the user chose, asked about one job: by a program of its own, so that it can be left at
+// any moment. Answers are kept until the job is ready.
 class TextModel
 {
 public:
@@ -16,7 +16,8 @@ public:
     bool chosen() const { return !m_name.isEmpty(); }
     const QString &name() const { return m_name; }
 
-    // Nothing when it gave no answer; after two of these in a row it is not asked any more. Throws JobDropped.
+    // Nothing when it gave no answer; after two of these in a row it is not asked any more. Throws
+    // JobDropped.
     std::optional<QString> ask(const ModelQuestion &question);
 
 private:

@@ -14,7 +14,9 @@ std::vector<Sentence> longTalk(int sentences)
 {
     std::vector<Sentence> talk;
     for (int i = 0; i < sentences; ++i)
-        talk.push_back({u"Sentence number %1 tells something about the school that will open."_s.arg(1000 + i), i * 5000, i * 5000 + 4000, i % 5 == 0});
+        talk.push_back(
+            {u"Sentence number %1 tells something about the school that will open."_s.arg(1000 + i), i * 5000,
+             i * 5000 + 4000, i % 5 == 0});
     return talk;
 }
 
@@ -40,22 +42,24 @@ class ModelCheck : public testing::TestWithParam<CheckCase>
 
 TEST_P(ModelCheck, takesOnlyWhatWasSaid)
 {
-    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(GetParam().said), QString::fromUtf8(GetParam().written)), GetParam().kept);
+    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(GetParam().said), QString::fromUtf8(GetParam().written)),
+              GetParam().kept);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, ModelCheck,
-    testing::Values(CheckCase{"we need to send the report by friday", "We need to send the report by Friday.", true},
-                    CheckCase{"we needs sending the reports by friday", "We need to send the report by Friday.", true},
-                    CheckCase{"we met at nine and left", "We met at 9 and left.", true},
-                    CheckCase{"we met at nine and left", "We met at 8 and left.", false},
-                    CheckCase{"we met at nine and left", "We met Boris at 9 and left.", false},
-                    CheckCase{"the money came from the bank in winter", "The money came.", false},
-                    CheckCase{"the money came from the bank", "The money never came from the bank.", false},
-                    CheckCase{"the money didn't come", "The money did come.", false},
-                    CheckCase{"the money came", "", false},
-                    CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true},
-                    CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false}));
+    testing::Values(
+        CheckCase{"we need to send the report by friday", "We need to send the report by Friday.", true},
+        CheckCase{"we needs sending the reports by friday", "We need to send the report by Friday.", true},
+        CheckCase{"we met at nine and left", "We met at 9 and left.", true},
+        CheckCase{"we met at nine and left", "We met at 8 and left.", false},
+        CheckCase{"we met at nine and left", "We met Boris at 9 and left.", false},
+        CheckCase{"the money came from the bank in winter", "The money came.", false},
+        CheckCase{"the money came from the bank", "The money never came from the bank.", false},
+        CheckCase{"the money didn't come", "The money did come.", false},
+        CheckCase{"the money came", "", false},
+        CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true},
+        CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false}));
 
 TEST(ModelWriting, partsAreAskedOneByOneAndNothingIsLost)
 {
@@ -104,8 +108,9 @@ TEST(ModelWriting, summariesOfPartsBecomeOne)
         [&](const ModelQuestion &question) {
             ++asked;
             const bool together = question.text == u"Part 1.\nPart 2.\nPart 3."_s;
-            return std::optional(together ? uR"({"title": "School", "summary": ["All."], "tasks": []})"_s
-                                          : uR"({"title": "t", "summary": ["Part %1."], "tasks": ["Do %1."]})"_s.arg(asked));
+            return std::optional(
+                together ? uR"({"title": "School", "summary": ["All."], "tasks": []})"_s
+                         : uR"({"title": "t", "summary": ["Part %1."], "tasks": ["Do %1."]})"_s.arg(asked));
         },
         &showNothing);
     ASSERT_TRUE(written);
@@ -132,7 +137,8 @@ TEST(ModelWriting, aPartWithoutAnAnswerIsToldOf)
 
 TEST(ModelWriting, withoutAnyAnswerThereIsNoSummary)
 {
-    EXPECT_FALSE(writtenSummary(longTalk(3), u"en"_s, [](const ModelQuestion &) { return std::optional<QString>(); }, &showNothing));
+    EXPECT_FALSE(writtenSummary(
+        longTalk(3), u"en"_s, [](const ModelQuestion &) { return std::optional<QString>(); }, &showNothing));
 }
 
 } // namespace engine
