@@ -7,6 +7,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -14,10 +16,22 @@ namespace engine {
 
 namespace {
 
-[[noreturn]] void becomeProgram(const char *program, char *const *arguments, int output)
+// A file in memory, to be read from its start; not valid when there is no input, or no memory.
+FileDescriptor inputFile(const QByteArray &input)
 {
+    FileDescriptor file(input.isEmpty() ? -1 : ::memfd_create("input", MFD_CLOEXEC));
+    if (file.valid() && (::write(file.get(), input.constData(), size_t(input.size())) != input.size() ||
+                         ::lseek(file.get(), 0, SEEK_SET) != 0))
+        file.reset();
+    return file;
+}
+
+[[noreturn]] void becomeProgram(const char *program, char *const *arguments, int input, int output, pid_t parent)
+{
+    if (input >= 0 && (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != parent))
+        ::_exit(126);
     const int null = ::open("/dev/null", O_RDWR);
-    ::dup2(null, 0);
+    ::dup2(input >= 0 ? input : null, 0);
     ::dup2(output, 1);
     ::dup2(null, 2);
     ::execv(program, arguments);
@@ -45,8 +59,11 @@ bool readToEnd(int fd, QDeadlineTimer deadline, QByteArray &output)
 
 } // namespace
 
-ChildProgram::ChildProgram(const QString &program, const QStringList &arguments)
+ChildProgram::ChildProgram(const QString &program, const QStringList &arguments, const QByteArray &input)
 {
+    const FileDescriptor reading = inputFile(input);
+    if (!input.isEmpty() && !reading.valid())
+        return;
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         return;
@@ -59,9 +76,10 @@ ChildProgram::ChildProgram(const QString &program, const QStringList &arguments)
     for (QByteArray &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
+    const pid_t parent = ::getpid();
     m_child = ::fork();
     if (m_child == 0)
-        becomeProgram(pointers.front(), pointers.data(), writing.get());
+        becomeProgram(pointers.front(), pointers.data(), reading.valid() ? reading.get() : -1, writing.get(), parent);
 }
 
 ChildProgram::~ChildProgram()
@@ -69,13 +87,19 @@ ChildProgram::~ChildProgram()
     finish(0);
 }
 
+bool ChildProgram::ended(int limitMs)
+{
+    return m_child < 0 || readToEnd(m_output.get(), QDeadlineTimer(limitMs), m_read);
+}
+
 ProgramResult ChildProgram::finish(int limitMs)
 {
     ProgramResult result;
     if (m_child < 0)
         return result;
-    if (!readToEnd(m_output.get(), QDeadlineTimer(limitMs), result.output))
+    if (!ended(limitMs))
         ::kill(m_child, SIGKILL);
+    result.output = m_read;
     int status = 0;
     while (::waitpid(m_child, &status, 0) < 0 && errno == EINTR) {
     }

@@ -29,9 +29,9 @@ Transcript firstTranscript(Database &database, const Job &job)
     const std::vector<Segment> segments = segmentsOf(database, job.seq);
     Transcript transcript;
     transcript.lines = linesFrom(segments);
-    transcript.clean = job.clean ? paragraphs(cleanSentences(segments)) : plainText(segments);
+    transcript.clean = job.clean ? paragraphs(cleanSentences(segments, job.language)) : plainText(segments);
     if (job.analyze)
-        transcript.summary = extractSummary(cleanSentences(segments));
+        transcript.summary = extractSummary(cleanSentences(segments, job.language));
     return transcript;
 }
 

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <cstdio>
@@ -133,6 +135,16 @@ QString NewCallDir::place(const QString &name)
 QString callDirName(const QDateTime &recordedAt, const QString &title)
 {
     return (recordedAt.toString(u"yyyy-MM-dd HH.mm "_s) + safeTitle(title)).trimmed();
+}
+
+bool hasFirstTitle(const QString &callDir, const QString &title)
+{
+    static const QRegularExpression form(u"^\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d ?(.*?)( \\(\\d+\\))?$"_s);
+    const QString name = QFileInfo(callDir).fileName();
+    const QString first = safeTitle(title);
+    const QRegularExpressionMatch match = form.match(name);
+    // A title may itself end like the number of a folder.
+    return match.hasMatch() && (match.captured(1) == first || match.captured(1) + match.captured(2) == first);
 }
 
 } // namespace engine

@@ -44,4 +44,7 @@ private:
 // "2025-03-14 10.22 Interview".
 QString callDirName(const QDateTime &recordedAt, const QString &title);
 
+// Whether the title is still the one that the call dir was named after: a rename leaves the folder alone.
+bool hasFirstTitle(const QString &callDir, const QString &title);
+
 } // namespace engine

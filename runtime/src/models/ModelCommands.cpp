@@ -248,4 +248,13 @@ QByteArray checkOllama()
         {{u"ollama"_s, models.trouble}, {u"models"_s, QJsonArray::fromStringList(models.names())}});
 }
 
+QByteArray askTextModel(const QByteArray &question)
+{
+    const QJsonObject object = QJsonDocument::fromJson(question).object();
+    Http http;
+    return Ollama(http)
+        .answer({object[u"model"].toString(), object[u"system"].toString(), object[u"text"].toString(), object[u"json"].toBool()})
+        .toUtf8();
+}
+
 } // namespace engine

@@ -12,4 +12,7 @@ QByteArray runModels(const Arguments &arguments);
 // For the health check: {"ollama": what is wrong or "", "models": [names]}.
 QByteArray checkOllama();
 
+// For the worker: what the text model answers to {"model", "system", "text", "json"}. Throws Failure.
+QByteArray askTextModel(const QByteArray &question);
+
 } // namespace engine

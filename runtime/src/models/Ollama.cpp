@@ -21,6 +21,12 @@ namespace {
 constexpr int stallSecondsOfPull = 600; // it is silent while it checks what it has loaded
 constexpr qsizetype longestLine = 1 << 20;
 constexpr qsizetype longestReason = 200;
+constexpr int stallSecondsOfAnswer = 300; // it may have to load the model first
+constexpr int answerLimitMs = 20 * 60 * 1000;
+constexpr qsizetype longestAnswer = 200'000;
+constexpr qsizetype fewestUnits = 4096;
+constexpr qsizetype spareUnits = 1024;
+constexpr int listLimitMs = 5000;
 
 QString configuredHost()
 {
@@ -104,6 +110,48 @@ private:
     const Ollama::Progress &m_progress;
     QByteArray m_rest;
     bool m_success = false;
+};
+
+// Room for the question and its answer. A word takes at most as many of the model's units as half its bytes;
+// more room than it was made for it does not take.
+int contextFor(const Ollama::Question &question)
+{
+    const qsizetype bytes = question.system.toUtf8().size() + 2 * question.text.toUtf8().size();
+    return int(std::max<qsizetype>(fewestUnits, bytes / 2 + spareUnits));
+}
+
+// The lines of an answer: each an object with a piece of it; the last one is done.
+class AnswerReader
+{
+public:
+    void take(QByteArrayView piece)
+    {
+        m_rest.append(piece);
+        for (qsizetype end; (end = m_rest.indexOf('\n')) >= 0; m_rest.remove(0, end + 1))
+            readLine(m_rest.left(end));
+        if (m_rest.size() > longestLine || m_text.size() > longestAnswer)
+            throw Failure(troubleOf({HttpReply::End::BrokenOff, 0, {}, {}}));
+    }
+
+    // The answer; nothing when it has no end of its own.
+    std::optional<QString> finish()
+    {
+        readLine(m_rest);
+        return m_done ? std::optional(m_text) : std::nullopt;
+    }
+
+private:
+    void readLine(const QByteArray &line)
+    {
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
+        m_text += object[u"message"].toObject()[u"content"].toString();
+        if (object[u"done"].toBool())
+            m_done = object[u"done_reason"].toString() != u"length";
+    }
+
+    QByteArray m_rest;
+    QString m_text;
+    bool m_done = false;
 };
 
 } // namespace
@@ -209,6 +257,42 @@ void Ollama::pull(const QString &name, const Progress &progress)
         throw pullFailure(name, u"error %1"_s.arg(reply.status));
     throw Failure(u"Ollama broke off the download of “"_s + name +
                   u"”. Try again; it goes on where it stopped."_s);
+}
+
+QString Ollama::answer(const Question &question)
+{
+    const Models known = models(listLimitMs);
+    if (!known.trouble.isEmpty())
+        throw Failure(known.trouble);
+    const std::optional<Model> model = known.find(question.model);
+    if (!model || model->remote)
+        throw Failure(u"Ollama has no model named “"_s + question.model + u"” on this computer."_s);
+    const int context = contextFor(question);
+    QJsonObject body{
+        {u"model"_s, model->name},
+        {u"stream"_s, true},
+        {u"think"_s, false},
+        {u"messages"_s, QJsonArray{QJsonObject{{u"role"_s, u"system"_s}, {u"content"_s, question.system}},
+                                   QJsonObject{{u"role"_s, u"user"_s}, {u"content"_s, question.text}}}},
+        {u"options"_s, QJsonObject{{u"num_ctx"_s, context},
+                                   {u"num_predict"_s, context / 2},
+                                   {u"temperature"_s, 0},
+                                   {u"seed"_s, 1}}}};
+    if (question.json)
+        body[u"format"_s] = u"json"_s;
+    HttpRequest asked = request("/api/chat");
+    asked.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    asked.stallSeconds = stallSeconds(stallSecondsOfAnswer);
+    asked.limitMs = answerLimitMs;
+    AnswerReader reader;
+    const HttpReply reply =
+        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
+    const std::optional<QString> answer = reader.finish();
+    if (!reply.whole(200))
+        throw Failure(troubleOf(reply));
+    if (!answer)
+        throw Failure(u"The text model's answer was cut off."_s);
+    return *answer;
 }
 
 } // namespace engine

@@ -41,6 +41,16 @@ public:
     using Progress = std::function<void(qint64 there, qint64 size)>;
     void pull(const QString &name, const Progress &progress);
 
+    // What the model answers. Throws Failure: also when the answer was cut off, or takes too long.
+    struct Question
+    {
+        QString model;
+        QString system;
+        QString text;
+        bool json = false; // the answer is to be one JSON object
+    };
+    QString answer(const Question &question);
+
 private:
     HttpRequest request(const char *path) const;
 

@@ -28,6 +28,10 @@ QByteArray answer(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
         return engine::checkOllama();
+    if (count == 2 && std::strcmp(values[1], "--ask") == 0) {
+        QFile input;
+        return engine::askTextModel(input.open(stdin, QIODevice::ReadOnly) ? input.readAll() : QByteArray());
+    }
     QStringList arguments;
     for (int i = 1; i < count; ++i)
         arguments.append(QFile::decodeName(values[i]));

@@ -157,10 +157,11 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
     const auto length = qint64(job.durationSeconds.value_or(0));
     QString text = u"---\ntitle: "_s + quoted(job.title) + u"\ndate: "_s + job.recordedAt +
                    u"\nduration: "_s + quoted(clock(length * 1000)) + u"\nlanguage: "_s + job.language +
-                   u"\nrecogniser: "_s + quoted(job.recogniser) + u"\nsummary: \"extracted\"\nspeakers: "_s +
+                   u"\nrecogniser: "_s + quoted(job.recogniser) + u"\nsummary: "_s +
+                   quoted(summary.model.isEmpty() ? u"extracted"_s : summary.model) + u"\nspeakers: "_s +
                    quotedList(speakersOf(transcript.lines)) + u"\n---\n"_s;
     text += u"# "_s + job.title + u"\n\n## Summary\n\n"_s;
-    text += u'*' + summaryNote() + u"*\n\n"_s;
+    text += u'*' + summaryNote(summary) + u"*\n\n"_s;
     text += bulletList(summary.sentences, u"- "_s);
     text += u"\n## Tasks\n\n"_s;
     text += summary.tasks.isEmpty() ? u"None were found.\n"_s : bulletList(summary.tasks, u"- [ ] "_s);
@@ -168,8 +169,12 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
     return text.toUtf8();
 }
 
-QString summaryNote()
+QString summaryNote(const Summary &summary)
 {
+    if (!summary.model.isEmpty()) {
+        const QStringList note = QStringList{u"Written by the text model “%1”. It may be wrong: what was said stands in the full text."_s.arg(summary.model)} + summary.missing;
+        return note.join(u' ');
+    }
     return u"No text model was used: these sentences were picked from the transcript as they were spoken."_s;
 }
 

@@ -19,7 +19,7 @@ QJsonObject pageSummary(const Summary &summary)
     QJsonArray paragraphs;
     if (!summary.sentences.isEmpty())
         paragraphs.append(u"- "_s + summary.sentences.join(u"\n- "));
-    return {{u"note"_s, summaryNote()},
+    return {{u"note"_s, summaryNote(summary)},
             {u"paragraphs"_s, paragraphs},
             {u"tasks"_s, QJsonArray::fromStringList(summary.tasks)}};
 }

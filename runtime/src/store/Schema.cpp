@@ -78,8 +78,18 @@ void addTranscripts(Database &database)
         PRIMARY KEY (job, number)) WITHOUT ROWID)"_s);
 }
 
+// Answers of the text model, until the job is ready.
+void addAnswers(Database &database)
+{
+    database.run(uR"(CREATE TABLE answers (
+        job INTEGER NOT NULL REFERENCES jobs (seq) ON DELETE CASCADE,
+        question TEXT NOT NULL,
+        answer TEXT NOT NULL,
+        PRIMARY KEY (job, question)) WITHOUT ROWID)"_s);
+}
+
 // Step n leads from version n to version n + 1. A step that was ever released is never edited.
-constexpr std::array migrations = {&createFirstSchema, &addTranscripts};
+constexpr std::array migrations = {&createFirstSchema, &addTranscripts, &addAnswers};
 
 } // namespace
 

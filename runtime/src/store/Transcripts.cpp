@@ -29,7 +29,9 @@ QVariant summaryToBytes(const std::optional<Summary> &summary)
     if (!summary)
         return {};
     const QJsonObject object{{u"sentences"_s, QJsonArray::fromStringList(summary->sentences)},
-                             {u"tasks"_s, QJsonArray::fromStringList(summary->tasks)}};
+                             {u"tasks"_s, QJsonArray::fromStringList(summary->tasks)},
+                             {u"model"_s, summary->model},
+                             {u"missing"_s, QJsonArray::fromStringList(summary->missing)}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -38,7 +40,8 @@ std::optional<Summary> summaryFromBytes(const QVariant &value)
     if (value.isNull())
         return std::nullopt;
     const QJsonObject object = QJsonDocument::fromJson(value.toByteArray()).object();
-    return Summary{texts(object[u"sentences"]), texts(object[u"tasks"])};
+    return Summary{texts(object[u"sentences"]), texts(object[u"tasks"]), object[u"model"].toString(),
+                   texts(object[u"missing"])};
 }
 
 std::vector<Line> keptLines(Database &database, qint64 job)

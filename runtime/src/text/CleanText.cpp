@@ -1,6 +1,9 @@
 #include "text/CleanText.h"
 
-#include <QSet>
+#include "text/EnglishText.h"
+#include "text/WordParts.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -11,89 +14,130 @@ namespace {
 constexpr qint64 sentencePauseMs = 600;
 constexpr qint64 paragraphPauseMs = 2000;
 constexpr qint64 shortParagraphPauseMs = 900;
+constexpr size_t mostWordsPerMark = 60;
 constexpr int longParagraph = 8; // sentences, after which a shorter pause starts a new paragraph
 
-QString capitalised(QString word)
+// What one person says without another between, in one piece of time.
+struct Stretch
 {
-    if (!word.isEmpty())
-        word[0] = word[0].toUpper();
-    return word;
+    QString speaker;
+    std::vector<Word> words;
+};
+
+std::vector<Stretch> stretchesOf(const std::vector<Segment> &segments)
+{
+    std::vector<Stretch> stretches;
+    for (const Segment &segment : segments) {
+        if (!segment.words || segment.words->empty())
+            continue;
+        if (stretches.empty() || stretches.back().speaker != segment.speaker)
+            stretches.push_back({segment.speaker, {}});
+        std::vector<Word> &words = stretches.back().words;
+        words.insert(words.end(), segment.words->begin(), segment.words->end());
+    }
+    return stretches;
 }
 
-// English words that have a capital wherever they stand.
-bool alwaysCapital(const QString &word)
+// A recogniser that writes full stops itself knows better than the pauses where sentences end.
+bool hasMarks(const std::vector<Stretch> &stretches)
 {
-    static const QSet<QString> words{
-        u"i"_s,         u"i'm"_s,       u"i'll"_s,     u"i'd"_s,     u"i've"_s,     u"monday"_s,
-        u"tuesday"_s,   u"wednesday"_s, u"thursday"_s, u"friday"_s,  u"saturday"_s, u"sunday"_s,
-        u"january"_s,   u"february"_s,  u"april"_s,    u"june"_s,    u"july"_s,     u"august"_s,
-        u"september"_s, u"october"_s,   u"november"_s, u"december"_s};
-    return words.contains(word);
+    size_t words = 0;
+    size_t ends = 0;
+    for (const Stretch &stretch : stretches) {
+        words += stretch.words.size();
+        ends += size_t(std::ranges::count_if(
+            stretch.words, [](const Word &word) { return WordParts(word.text).endsSentence(); }));
+    }
+    return ends > 0 && ends * mostWordsPerMark >= words;
 }
 
-class SentenceBuilder
+std::vector<std::vector<Word>> sentencesOf(const std::vector<Word> &words, bool marks)
+{
+    std::vector<std::vector<Word>> sentences;
+    for (size_t i = 0; i < words.size(); ++i) {
+        const qint64 pause = i > 0 ? words[i].startMs - words[i - 1].endMs : 0;
+        const bool begins =
+            i == 0 || (marks ? WordParts(words[i - 1].text).endsSentence() || pause >= paragraphPauseMs
+                             : pause >= sentencePauseMs);
+        if (begins)
+            sentences.emplace_back();
+        sentences.back().push_back(words[i]);
+    }
+    return sentences;
+}
+
+QString capitalised(QString text)
+{
+    const auto first = std::ranges::find_if(text, [](QChar c) { return c.isLetterOrNumber(); });
+    if (first != text.end())
+        *first = first->toUpper();
+    return text;
+}
+
+QString textOf(const std::vector<Word> &words, bool english)
+{
+    QStringList texts;
+    for (const Word &word : words)
+        texts.append(word.text);
+    const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
+    if (WordParts(texts.back()).endsSentence())
+        return text;
+    if (english && english::asks(texts))
+        return text + u'?';
+    const bool comma = text.endsWith(u',');
+    return text.endsWith(u'.') ? text : (comma ? text.chopped(1) : text) + u'.'; // "at nine a.m."
+}
+
+class Paragraphs
 {
 public:
-    void add(const Word &word, const QString &speaker)
+    // Appends a sentence; of another speaker than the last one's, it starts a paragraph.
+    void add(const std::vector<Word> &words, const QString &text, bool newSpeaker)
     {
-        if (!m_current.text.isEmpty() && speaker != m_speaker)
-            finishSentence();
-        m_newSpeaker = m_newSpeaker || speaker != m_speaker;
-        m_speaker = speaker;
-        const qint64 pause = m_lastEnd < 0 ? 0 : word.startMs - m_lastEnd;
-        if (!m_current.text.isEmpty() && pause >= sentencePauseMs)
-            finishSentence();
-        if (m_current.text.isEmpty())
-            startSentence(word, pause);
-        else
-            m_current.text += u' ' + (alwaysCapital(word.text) ? capitalised(word.text) : word.text);
-        m_current.endMs = m_lastEnd = word.endMs;
+        const qint64 pause = m_sentences.empty() ? 0 : words.front().startMs - m_sentences.back().endMs;
+        const bool longEnough = m_inParagraph >= longParagraph && pause >= shortParagraphPauseMs;
+        const bool starts = m_sentences.empty() || pause >= paragraphPauseMs || longEnough || newSpeaker;
+        m_inParagraph = starts ? 1 : m_inParagraph + 1;
+        m_sentences.push_back({text, words.front().startMs, words.back().endMs, starts});
     }
 
-    std::vector<Sentence> finish()
-    {
-        if (!m_current.text.isEmpty())
-            finishSentence();
-        return std::move(m_sentences);
-    }
+    std::vector<Sentence> take() { return std::move(m_sentences); }
 
 private:
-    void startSentence(const Word &word, qint64 pause)
-    {
-        const bool longEnough = m_inParagraph >= longParagraph && pause >= shortParagraphPauseMs;
-        m_current.startsParagraph = m_sentences.empty() || pause >= paragraphPauseMs || longEnough || m_newSpeaker;
-        m_newSpeaker = false;
-        m_inParagraph = m_current.startsParagraph ? 1 : m_inParagraph + 1;
-        m_current.startMs = word.startMs;
-        m_current.text = capitalised(word.text);
-    }
-
-    void finishSentence()
-    {
-        m_current.text += u'.';
-        m_sentences.push_back(std::exchange(m_current, {}));
-    }
-
     std::vector<Sentence> m_sentences;
-    Sentence m_current;
-    QString m_speaker;
-    bool m_newSpeaker = false; // since the last sentence
-    qint64 m_lastEnd = -1;
     int m_inParagraph = 0;
 };
 
+std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, bool english)
+{
+    const bool marks = hasMarks(stretches);
+    Paragraphs paragraphs;
+    QString speaker;
+    for (const Stretch &stretch : stretches) {
+        const std::vector<Word> words =
+            english ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
+        for (const std::vector<Word> &said : sentencesOf(words, marks)) {
+            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english),
+                           stretch.speaker != speaker);
+            speaker = stretch.speaker;
+        }
+    }
+    return paragraphs.take();
+}
+
 } // namespace
 
-std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments)
+bool isEnglish(const QString &language)
 {
-    SentenceBuilder builder;
-    for (const Segment &segment : segments) {
-        if (!segment.words)
-            continue;
-        for (const Word &word : *segment.words)
-            builder.add(word, segment.speaker);
-    }
-    return builder.finish();
+    return language == u"en" || language.startsWith(u"en-") || language.startsWith(u"en_");
+}
+
+std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language)
+{
+    const std::vector<Stretch> stretches = stretchesOf(segments);
+    std::vector<Sentence> sentences = sentencesFrom(stretches, isEnglish(language));
+    // Whoever said nothing but "um" said that.
+    return sentences.empty() ? sentencesFrom(stretches, false) : sentences;
 }
 
 QString plainText(const std::vector<Segment> &segments)

@@ -17,9 +17,12 @@ struct Sentence
     bool startsParagraph = false;
 };
 
-// Sentences by the pauses that were spoken and by speakers, with capitals and full stops. No word is added, dropped or
-// replaced.
-std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments);
+bool isEnglish(const QString &language);
+
+// Sentences by the pauses that were spoken, or by the recogniser's own marks where it makes them, and by speakers;
+// with capitals and full stops. English loses what is only hesitation, and gets figures and question marks; in other
+// languages (`language` is a code such as "en") no word is added, dropped or replaced.
+std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language);
 
 // The words as recognised, one segment a line: for when no cleaning is wanted.
 QString plainText(const std::vector<Segment> &segments);

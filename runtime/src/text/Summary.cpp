@@ -1,6 +1,6 @@
 #include "text/Summary.h"
 
-#include <QHash>
+#include <QMap>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -17,6 +17,9 @@ constexpr size_t sentencesPerPick = 6;
 constexpr size_t mostPicks = 7;
 constexpr qsizetype mostTasks = 20;
 constexpr qsizetype fewestWords = 4; // of a sentence that says something on its own
+constexpr size_t mostHolders = 300;  // sentences; a word that more of them hold tells nothing
+constexpr int rounds = 30;           // after which the order does not change any more
+constexpr double damping = 0.85;
 
 const QSet<QString> &commonWords()
 {
@@ -50,29 +53,61 @@ QSet<QString> tellingWords(const Sentence &sentence)
     return telling;
 }
 
-// How much a sentence shares with all the others, regardless of its length. What is said again word for word
-// counts once: people repeat "yes, of course" more often than what they came to say.
+// Sentences that share a word, and how much they share for their length. In order: sums in another order
+// would differ.
+using Ties = std::vector<QMap<size_t, double>>;
+
+Ties tiesOf(const std::vector<QSet<QString>> &telling)
+{
+    QMap<QString, std::vector<size_t>> holders;
+    for (size_t i = 0; i < telling.size(); ++i) {
+        for (const QString &word : telling[i])
+            holders[word].push_back(i);
+    }
+    Ties ties(telling.size());
+    for (const std::vector<size_t> &sentences : std::as_const(holders)) {
+        if (sentences.size() > mostHolders)
+            continue;
+        for (const size_t a : sentences) {
+            for (const size_t b : sentences) {
+                if (a != b)
+                    ties[a][b] += 1 / std::log(double(1 + telling[a].size()) * double(1 + telling[b].size()));
+            }
+        }
+    }
+    return ties;
+}
+
+// A sentence counts by the sentences that it shares words with, and these by theirs: what a talk is about is
+// at the middle of it. What is said again word for word counts once: people repeat "yes, of course" more
+// often than what they came to say.
 std::vector<double> scores(const std::vector<Sentence> &sentences)
 {
     std::vector<QSet<QString>> telling;
-    QHash<QString, int> spread;
     QSet<QString> said;
     for (const Sentence &sentence : sentences) {
-        const bool again = said.contains(sentence.text);
+        const bool skipped = said.contains(sentence.text) || wordsOf(sentence).size() < fewestWords;
         said.insert(sentence.text);
-        telling.push_back(again ? QSet<QString>() : tellingWords(sentence));
-        for (const QString &word : telling.back())
-            ++spread[word];
+        telling.push_back(skipped ? QSet<QString>() : tellingWords(sentence));
     }
-    std::vector<double> found;
-    for (size_t i = 0; i < sentences.size(); ++i) {
-        double sum = 0;
-        for (const QString &word : telling[i])
-            sum += spread.value(word);
-        const bool tooShort = wordsOf(sentences[i]).size() < fewestWords;
-        found.push_back(tooShort ? 0 : sum / std::sqrt(double(telling[i].size()) + 1));
+    const Ties ties = tiesOf(telling);
+    std::vector<double> given(ties.size());
+    for (size_t i = 0; i < ties.size(); ++i) {
+        for (const double tie : ties[i])
+            given[i] += tie;
     }
-    return found;
+    std::vector<double> score(ties.size(), 1);
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<double> next(ties.size());
+        for (size_t i = 0; i < ties.size(); ++i) {
+            double sum = 0;
+            for (auto tie = ties[i].begin(); tie != ties[i].end(); ++tie)
+                sum += score[tie.key()] * tie.value() / given[tie.key()];
+            next[i] = telling[i].isEmpty() ? 0 : 1 - damping + damping * sum;
+        }
+        score = std::move(next);
+    }
+    return score;
 }
 
 bool speaksOfDuty(const Sentence &sentence)

@@ -1,11 +1,15 @@
 #include "worker/JobRun.h"
 
 #include "core/Failure.h"
+#include "intake/CallDir.h"
 #include "media/Segmenter.h"
 #include "output/CallDirWriter.h"
 #include "speakers/SpeakerLines.h"
+#include "store/Answers.h"
 #include "store/Transcripts.h"
+#include "text/ModelWriting.h"
 #include "worker/SegmentProcess.h"
+#include "worker/TextModel.h"
 
 #include <algorithm>
 
@@ -212,32 +216,59 @@ void JobRun::finish()
     Transcript transcript;
     transcript.lines = linesFrom(segments);
     transcript.clean = plainText(segments);
+    if (m_control.job().clean || m_control.job().analyze)
+        write(transcript, segments);
+    keep(transcript);
+}
+
+void JobRun::showParts(int done, int total)
+{
+    m_control.progress([&](Job &job) { job.progress = progressText(done, total); });
+}
+
+// By the text model, where there is one that answers; else by rules.
+void JobRun::write(Transcript &transcript, const std::vector<Segment> &segments)
+{
+    const QString language = m_control.job().language;
+    const std::vector<Sentence> sentences = cleanSentences(segments, language);
+    TextModel model(m_database, m_control);
+    const auto ask = [&](const ModelQuestion &question) { return model.ask(question); };
+    const auto show = [&](int done, int total) { showParts(done, total); };
     if (m_control.job().clean) {
         enter(Status::cleaning);
-        transcript.clean = paragraphs(cleanSentences(segments));
+        transcript.clean = model.chosen() ? polishedText(sentences, language, ask, show) : paragraphs(sentences);
     }
-    if (m_control.job().analyze) {
-        enter(Status::analyzing);
-        transcript.summary = extractSummary(cleanSentences(segments));
+    if (!m_control.job().analyze)
+        return;
+    enter(Status::analyzing);
+    const std::optional<WrittenSummary> written =
+        model.chosen() ? writtenSummary(sentences, language, ask, show) : std::nullopt;
+    transcript.summary = written ? written->summary : extractSummary(sentences);
+    if (written) {
+        transcript.summary->model = model.name();
+        m_title = written->title;
     }
-    keep(transcript);
 }
 
 // A job that is ready has all its files. One that dies in between writes them again.
 void JobRun::keep(Transcript &transcript)
 {
-    const Job job = m_control.job();
+    Job job = m_control.job();
+    if (!m_title.isEmpty() && hasFirstTitle(job.callDir, job.title))
+        job.title = m_title;
     transcript.revision = 1;
     stageFiles(job.callDir, transcript.revision, callDirFiles(job, transcript));
     publishFiles(job.callDir, transcript.revision);
     discardStaged(job.callDir);
     m_control.change(
-        [](Job &ready) {
+        [&](Job &ready) {
+            ready.title = job.title;
             ready.status = Status::ready.toString();
             ready.completedAt = contractNow();
         },
         [&] {
             keepTranscript(m_database, job.seq, transcript);
+            dropAnswers(m_database, job.seq);
             noteWritten(m_database, job.seq, transcript.revision);
         });
 }

@@ -39,6 +39,8 @@ private:
     int speakerSteps(size_t segments) const;
     std::vector<Turn> findTurns(const std::vector<Segment> &segments);
     void finish();
+    void write(Transcript &transcript, const std::vector<Segment> &segments);
+    void showParts(int done, int total);
     void keep(Transcript &transcript);
     void enter(QStringView stage);
     QString audioPath() const;
@@ -48,6 +50,7 @@ private:
     JobControl m_control;
     RecogniserSource m_recognisers;
     Recogniser *m_recogniser = nullptr;
+    QString m_title; // that the text model proposes; empty: none
 };
 
 } // namespace engine

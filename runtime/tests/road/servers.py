@@ -184,6 +184,7 @@ class Ollama(Server):
         self.models = [self.described(name) for name in names]
         self.tags = None  # instead of the right answer
         self.pull = None  # likewise: an Answer
+        self.chat = None  # gives the answer to a question (both texts; the question as it was sent), or an Answer
 
     @staticmethod
     def described(name, **more):
@@ -205,6 +206,16 @@ class Ollama(Server):
                                   "completed": done} for done in (0, 500, 2000)),
                                {"status": "verifying sha256 digest"}, {"status": "writing manifest"},
                                {"status": "success"})
+        if request.path == "/api/chat" and request.method == "POST" and self.chat:
+            question = json.loads(request.body)
+            answer = self.chat(question)
+            if isinstance(answer, Answer):
+                return answer
+            pieces = [answer[at:at + 40] for at in range(0, len(answer), 40)]
+            return self.stream(*({"model": question["model"], "message": {"role": "assistant", "content": piece},
+                                  "done": False} for piece in pieces),
+                               {"model": question["model"], "message": {"role": "assistant", "content": ""},
+                                "done": True, "done_reason": "stop", "prompt_eval_count": 26, "eval_count": 290})
         return Answer(404, {}, b"404 page not found")
 
     @staticmethod

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The sample: from the recording to every file that is promised; and again with the worker killed on the way."""
 
+import difflib
 import html
 import json
 import os
@@ -81,13 +82,15 @@ class Sample(RoadTest):
             self.assertEqual(text, segment["text"])
             self.assertEqual(stamp, time.strftime("%H:%M:%S", time.gmtime(int(segment["start"]))))
         said = wer.words(" ".join(s["text"] for s in segments))
-        self.assertEqual(wer.words(read(technical(self.entry, "transcript.txt"))), said)
+        # Figures and what is left out of hesitation are all that the clean text changes.
+        clean = wer.words(read(technical(self.entry, "transcript.txt")))
+        self.assertGreater(difflib.SequenceMatcher(None, said, clean, autojunk=False).ratio(), 0.9)
         summary = read(self.entry["call_dir"], "Summary.md")
         self.assertTrue(summary.startswith("---\n"))
         self.assertGreater(summary.find("\n---\n", 4), 0)
         self.assertIn("## Tasks", summary)
         self.assertRegex(summary, r"(?im)^- \[ \] .*send the report")
-        self.assertEqual(wer.words(summary.partition("## Full text")[2]), said)
+        self.assertEqual(wer.words(summary.partition("## Full text")[2]), clean)
 
     def test_subtitles(self):
         segments = self.segments()

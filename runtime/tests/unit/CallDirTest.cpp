@@ -86,4 +86,14 @@ TEST(NewCallDir, aFileInPlaceOfTheLibraryIsToldOf)
     EXPECT_TRUE(sentence.contains(u"a file stands where the folder")) << sentence.toStdString();
 }
 
+TEST(CallDirName, tellsWhetherTheTitleIsStillTheFirst)
+{
+    EXPECT_TRUE(hasFirstTitle(u"/library/2025-03-14 10.22 Interview"_s, u"Interview"_s));
+    EXPECT_TRUE(hasFirstTitle(u"/library/2025-03-14 10.22 Interview (2)"_s, u"Interview"_s));
+    EXPECT_TRUE(hasFirstTitle(u"/library/2025-03-14 10.22 Take (2)"_s, u"Take (2)"_s));
+    EXPECT_TRUE(hasFirstTitle(u"/library/2025-03-14 10.22 A-B"_s, u"A/B"_s));
+    EXPECT_FALSE(hasFirstTitle(u"/library/2025-03-14 10.22 Interview"_s, u"My own title"_s));
+    EXPECT_FALSE(hasFirstTitle(u"/library/moved by hand"_s, u"Interview"_s));
+}
+
 } // namespace engine

@@ -118,6 +118,18 @@ TEST(Formats, summaryHasFrontMatterAndThreeParts)
     EXPECT_TRUE(text.endsWith(u"## Full text\n\nOne. Do it.\n"));
 }
 
+TEST(Formats, aSummaryByATextModelSaysSoAndWhatItLacks)
+{
+    Transcript transcript = finished();
+    transcript.summary->model = u"small:latest"_s;
+    transcript.summary->missing = QStringList{u"The middle is missing."_s};
+    const QString text = QString::fromUtf8(summaryFile(finishedJob(), transcript));
+    EXPECT_TRUE(text.contains(u"\nsummary: \"small:latest\"\n"));
+    EXPECT_FALSE(text.contains(u"No text model was used"));
+    EXPECT_TRUE(text.contains(u"“small:latest”"));
+    EXPECT_TRUE(text.contains(u"The middle is missing."));
+}
+
 TEST(Formats, speakersAreNamedAndEmptiedLinesLeftOut)
 {
     EXPECT_EQ(transcriptFile(corrected()), "[00:00:03] Anna <a>: good morning\n[01:02:05] Борис: r&b\n");

@@ -43,38 +43,156 @@ TEST(CleanText, pausesEndSentences)
 {
     const std::vector<Segment> segments{spoken(0, 0, u"good morning | how are you"_s),
                                         spoken(1, 60000, u"fine"_s)};
-    const std::vector<Sentence> sentences = cleanSentences(segments);
-    EXPECT_EQ(texts(sentences), (QStringList{u"Good morning."_s, u"How are you."_s, u"Fine."_s}));
+    const std::vector<Sentence> sentences = cleanSentences(segments, u"en"_s);
+    EXPECT_EQ(texts(sentences), (QStringList{u"Good morning."_s, u"How are you?"_s, u"Fine."_s}));
     EXPECT_EQ(sentences[1].startMs, 1600);
     EXPECT_EQ(sentences[1].endMs, 2500);
-    EXPECT_EQ(paragraphs(sentences), u"Good morning. How are you.\n\nFine.\n"_s);
+    EXPECT_EQ(paragraphs(sentences), u"Good morning. How are you?\n\nFine.\n"_s);
 }
 
 TEST(CleanText, aCutWithoutAPauseEndsNothing)
 {
     const std::vector<Segment> segments{spoken(0, 0, u"one two"_s), spoken(1, 650, u"three"_s)};
-    EXPECT_EQ(texts(cleanSentences(segments)), QStringList{u"One two three."_s});
+    EXPECT_EQ(texts(cleanSentences(segments, u"en"_s)), QStringList{u"One two three."_s});
 }
 
 TEST(CleanText, capitalsStandWhereEnglishWantsThem)
 {
-    EXPECT_EQ(texts(cleanSentences({spoken(0, 0, u"on friday i think i'm late in june"_s)})),
+    EXPECT_EQ(texts(cleanSentences({spoken(0, 0, u"on friday i think i'm late in june"_s)}, u"en"_s)),
               QStringList{u"On Friday I think I'm late in June."_s});
 }
 
-TEST(CleanText, noWordIsAddedOrLost)
+TEST(CleanText, otherLanguagesKeepEveryWord)
 {
-    const Segment segment = spoken(0, 0, u"um we we will | er go there | i say"_s);
-    const QString clean = texts(cleanSentences({segment})).join(u' ').toLower().remove(u'.');
+    const Segment segment = spoken(0, 0, u"um we we will twenty three | er go there | why is i"_s);
+    const QString clean = texts(cleanSentences({segment}, u"de"_s)).join(u' ').toLower().remove(u'.');
     EXPECT_EQ(clean, segment.text());
 }
+
+TEST(CleanText, speakersStartParagraphs)
+{
+    Segment first = spoken(0, 0, u"we will see the"_s);
+    Segment second = spoken(1, 1250, u"the end"_s);
+    first.speaker = u"Anna"_s;
+    second.speaker = u"Boris"_s;
+    EXPECT_EQ(paragraphs(cleanSentences({first, second}, u"en"_s)), u"We will see the.\n\nThe end.\n"_s);
+}
+
+TEST(CleanText, marksOfTheRecogniserEndSentences)
+{
+    const Segment segment = spoken(0, 0, u"Hello, | Anna. Um, how are you? I was there at 9"_s);
+    EXPECT_EQ(texts(cleanSentences({segment}, u"en"_s)),
+              (QStringList{u"Hello, Anna."_s, u"How are you?"_s, u"I was there at 9."_s}));
+}
+
+TEST(CleanText, aHesitationIsNoPause)
+{
+    const Segment segment = spoken(0, 0, u"we | um | went home"_s, 400);
+    EXPECT_EQ(texts(cleanSentences({segment}, u"en"_s)), QStringList{u"We went home."_s});
+}
+
+TEST(CleanText, nothingButHesitationStays)
+{
+    EXPECT_EQ(texts(cleanSentences({spoken(0, 0, u"um er"_s)}, u"en"_s)), QStringList{u"Um er."_s});
+}
+
+// What is said, and what is written for it.
+struct EnglishCase
+{
+    const char *said;
+    const char *written;
+};
+
+void PrintTo(const EnglishCase &one, std::ostream *out)
+{
+    *out << one.said;
+}
+
+class English : public testing::TestWithParam<EnglishCase>
+{
+};
+
+TEST_P(English, isWrittenAsPeopleWriteIt)
+{
+    const Segment segment = spoken(0, 0, QString::fromUtf8(GetParam().said));
+    EXPECT_EQ(texts(cleanSentences({segment}, u"en"_s)).join(u' '), QString::fromUtf8(GetParam().written));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Figures, English,
+    testing::Values(EnglishCase{"we have twenty three cats", "We have 23 cats."},
+                    EnglishCase{"one of them came", "One of them came."},
+                    EnglishCase{"nine people and ten dogs", "Nine people and 10 dogs."},
+                    EnglishCase{"one hundred and five people", "105 people."},
+                    EnglishCase{"a hundred people", "A hundred people."},
+                    EnglishCase{"a hundred and twenty people", "120 people."},
+                    EnglishCase{"twelve thousand three hundred and forty five", "12,345."},
+                    EnglishCase{"three hundred thousand of them", "300,000 of them."},
+                    EnglishCase{"about two million people", "About 2 million people."},
+                    EnglishCase{"it was nineteen ninety nine", "It was 1999."},
+                    EnglishCase{"in nineteen oh five", "In 1905."},
+                    EnglishCase{"since twenty twenty four", "Since 2024."},
+                    EnglishCase{"in two thousand and five", "In 2005."},
+                    EnglishCase{"in eighteen hundred", "In 1800."},
+                    EnglishCase{"five percent of it", "5% of it."},
+                    EnglishCase{"three point five per cent", "3.5%."},
+                    EnglishCase{"zero point two five of it", "0.25 of it."},
+                    EnglishCase{"we met at half past nine", "We met at 9:30."},
+                    EnglishCase{"at nine thirty he left", "At 9:30 he left."},
+                    EnglishCase{"a quarter to one", "12:45."},
+                    EnglishCase{"ten past seven", "7:10."},
+                    EnglishCase{"it's twenty to eight", "It's 7:40."},
+                    EnglishCase{"from twenty to nine", "From 20 to nine."},
+                    EnglishCase{"at nine oh five p m", "At 9:05 p.m."},
+                    EnglishCase{"come at nine am please", "Come at 9 a.m. please."},
+                    EnglishCase{"at five o'clock", "At 5 o'clock."},
+                    EnglishCase{"the twenty first century", "The 21st century."},
+                    EnglishCase{"a twenty second break", "A 20 second break."},
+                    EnglishCase{"eighteen nineteen twenty", "18 19 20."},
+                    EnglishCase{"one two three", "One two three."},
+                    EnglishCase{"twenty four seven", "Twenty four seven."},
+                    EnglishCase{"fifty fifty", "Fifty fifty."},
+                    EnglishCase{"twenty | three", "20. Three."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Hesitation, English,
+    testing::Values(EnglishCase{"um we uh went", "We went."}, EnglishCase{"the the door", "The door."},
+                    EnglishCase{"we saw the | the end", "We saw the. The end."},
+                    EnglishCase{"i i think i think so", "I think so."},
+                    EnglishCase{"it was you know difficult", "It was difficult."},
+                    EnglishCase{"as you know it rains", "As you know it rains."},
+                    EnglishCase{"i hope you know that", "I hope you know that."},
+                    EnglishCase{"a very very good no no", "A very very good no no."},
+                    EnglishCase{"i know that that is so", "I know that that is so."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Capitals, English,
+    testing::Values(EnglishCase{"on sundays i'd rest", "On Sundays I'd rest."},
+                    EnglishCase{"monday's train in may", "Monday's train in May."},
+                    EnglishCase{"we may march home", "We may march home."},
+                    EnglishCase{"on may twenty third", "On May 23rd."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Questions, English,
+    testing::Values(EnglishCase{"how many people are on the team", "How many people are on the team?"},
+                    EnglishCase{"can you tell us more", "Can you tell us more?"},
+                    EnglishCase{"and what has to be done", "And what has to be done?"},
+                    EnglishCase{"when will it be ready", "When will it be ready?"},
+                    EnglishCase{"when i was young it rained", "When I was young it rained."},
+                    EnglishCase{"what is clear is that we go", "What is clear is that we go."},
+                    EnglishCase{"which was very good", "Which was very good."},
+                    EnglishCase{"do that again", "Do that again."},
+                    EnglishCase{"should you need help call me", "Should you need help call me."},
+                    EnglishCase{"so do i", "So do I."}, EnglishCase{"is the plan ready", "Is the plan ready?"},
+                    EnglishCase{"it is late isn't it", "It is late isn't it?"},
+                    EnglishCase{"who went there", "Who went there."}));
 
 TEST(CleanText, nothingSaidGivesNothing)
 {
     Segment silent;
     silent.words.emplace();
     const std::vector<Segment> segments{silent, Segment()};
-    EXPECT_TRUE(cleanSentences(segments).empty());
+    EXPECT_TRUE(cleanSentences(segments, u"en"_s).empty());
     EXPECT_EQ(paragraphs({}), QString());
     EXPECT_EQ(plainText(segments), QString());
 }
@@ -94,7 +212,7 @@ TEST(Summary, picksWordForWordAndInOrder)
     std::vector<Segment> segments;
     for (const QString &text : said)
         segments.push_back(spoken(int(segments.size()), qint64(segments.size()) * 60000, text));
-    EXPECT_EQ(extractSummary(cleanSentences(segments)).sentences,
+    EXPECT_EQ(extractSummary(cleanSentences(segments, u"en"_s)).sentences,
               (QStringList{u"The library lends books to the whole town."_s,
                            u"The town loves the library and its books."_s}));
 }
@@ -103,7 +221,8 @@ TEST(Summary, sentencesOfDutyAreTasks)
 {
     const std::vector<Sentence> sentences = cleanSentences({spoken(0, 0, u"we need to repair the roof"_s),
                                                             spoken(1, 60000, u"the roof was red"_s),
-                                                            spoken(2, 120000, u"please send me the text"_s)});
+                                                            spoken(2, 120000, u"please send me the text"_s)},
+                                                           u"en"_s);
     EXPECT_EQ(extractSummary(sentences).tasks,
               (QStringList{u"We need to repair the roof."_s, u"Please send me the text."_s}));
 }
