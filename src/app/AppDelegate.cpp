@@ -54,7 +54,9 @@ void AppDelegate::startWork()
         askEngine();
         return;
     }
+    m_jobs.settingUp = true;
     SetUpEngine(m_jobs.engineInstaller, this, [this](const EngineReply &reply) {
+        m_jobs.settingUp = false;
         if (EngineSetupFailed(reply.status))
             reportFailure(reply.status, reply.err, L(u"The engine could not be set up"_s));
         askEngine();

@@ -53,6 +53,11 @@ class Installed(unittest.TestCase):
         places += [f"lib/tuppi-transcriber/engine/{file}" for file in PROGRAMS + ("call", "install-engine")]
         self.assertEqual([place for place in places if not (self.prefix / place).is_file()], [])
 
+    def test_the_description_for_software_centres_is_valid(self):
+        checked = self.run_program("appstreamcli", "validate", "--no-net",
+                                   self.prefix / "share/metainfo/org.tuppi.Transcriber.metainfo.xml")
+        self.assertEqual(checked.returncode, 0, checked.stdout)
+
     def test_the_first_start_transcribes_and_the_removal_leaves_the_transcript(self):
         done = self.transcribe(SOURCE / "samples/interview.m4a")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
