@@ -28,7 +28,7 @@ protected:
 TEST_F(EngineSetup, ComesBeforeEveryCommandAndIsNotWaitedFor)
 {
     launchWith("printf '%s' \"$*\" >\"$root/asked\"\n"
-               "until [[ -e $root/gates/setup || ! -d $root/gates ]]; do read -rt 0.01 -u \"$never\"; done\n");
+               "until [[ -e $root/gates/setup || ! -d $root/gates ]]; do read -rt 0.01 -u \"$never\"; done\nexit 0\n");
     EXPECT_FALSE(jobs().polling);
     ASSERT_TRUE(waitFor([&] { return test::readFile(m_engine.path(u"asked"_s)) == "--link"; }));
     m_app->enqueue({m_engine.recording(u"a.m4a"_s)}, m_choices);
