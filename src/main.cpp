@@ -1,4 +1,5 @@
 #include "app/AppDelegate.h"
+#include "engine/EngineInstaller.h"
 #include "platform/ApplicationId.h"
 #include "platform/Relaunch.h"
 #include "platform/SingleInstance.h"
@@ -95,6 +96,7 @@ int transcribe(Defaults &defaults, const Options &options)
         QCoreApplication::exit(1);
     });
 
+    delegate.setEngineInstaller(EngineInstallerFor(QCoreApplication::applicationDirPath()));
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Terminal);
     if (!delegate.ownsStoredQueue())
         view.showNotice(L(u"Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only."_s));
@@ -123,6 +125,7 @@ int openWindow(Defaults &defaults, const Options &options, SingleInstance &insta
         RelaunchAfterQuit(QCoreApplication::applicationFilePath());
         QCoreApplication::quit();
     });
+    delegate.setEngineInstaller(EngineInstallerFor(QCoreApplication::applicationDirPath()));
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Window);
     delegate.openUrls(urlsOf(options.files));
     return QCoreApplication::exec();

@@ -3,9 +3,11 @@
 #include "app/MainLoop.h"
 #include "app/Scheduler.h"
 #include "engine/EngineCommands.h"
+#include "engine/EngineInstaller.h"
 #include "engine/RunCallTimeout.h"
 
 #include "platform/ActivateWindow.h"
+#include "settings/L.h"
 #include "ui/MainWindow.h"
 
 #include <QDir>
@@ -47,6 +49,21 @@ void AppDelegate::applicationDidFinishLaunching(Face face)
 }
 
 void AppDelegate::startWork()
+{
+    if (m_jobs.engineInstaller.isEmpty()) {
+        askEngine();
+        return;
+    }
+    m_jobs.settingUp = true;
+    SetUpEngine(m_jobs.engineInstaller, this, [this](const EngineReply &reply) {
+        m_jobs.settingUp = false;
+        if (EngineSetupFailed(reply.status))
+            reportFailure(reply.status, reply.err, L(u"The engine could not be set up"_s));
+        askEngine();
+    });
+}
+
+void AppDelegate::askEngine()
 {
     RunCallTimeout(command::resume(), this, {}, 0);
     refreshCustomModels();

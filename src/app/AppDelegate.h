@@ -40,6 +40,8 @@ public:
     explicit AppDelegate(Defaults &defaults, QObject *parent = nullptr);
     ~AppDelegate() override;
 
+    /// Asked for before the launch: `installer` sets the engine up before the first command to it.
+    void setEngineInstaller(const QString &installer) { m_jobs.engineInstaller = installer; }
     void applicationDidFinishLaunching(Face face);
     /// Shows the window and brings it forward; `token` is the desktop's leave to do so, or empty.
     void applicationShouldHandleReopen(const QString &token);
@@ -52,6 +54,7 @@ public:
 
     // Main loop
     void startWork();
+    void askEngine();
     void tick();
     void poll();
     void watchEngineState();

@@ -21,6 +21,8 @@ struct JobsState
     std::optional<QJsonObject> latestJob;
     QString library;              ///< the transcripts folder, empty when unknown
     bool loaded = false;          ///< a usable history has arrived; never cleared
+    QString engineInstaller;      ///< sets the engine up before its first command; empty: nothing does
+    bool settingUp = false;       ///< that installer is at work
     bool engineBroken = false;    ///< the engine could not be found at the last poll
     bool polling = false;         ///< a history or status query of the current poll is in flight
     unsigned pollTick = 0;        ///< timer ticks so far

@@ -31,7 +31,7 @@ bool MayStartNext(const JobsState &jobs)
     if (jobs.waiting.isEmpty() || SomethingActive(jobs) || jobs.interruptedStart)
         return false;
     // A start without an engine would only cost the file its place; the files are better off waiting.
-    if (jobs.engineBroken)
+    if (jobs.engineBroken || jobs.settingUp)
         return false;
     // Before the first history it is unknown what the engine is busy with, and which job a start brings
     // about. The poll in flight ends by asking again.

@@ -54,23 +54,29 @@ namespace detail {
 RawReply runEngine(const QStringList &arguments, const RunOptions &options);
 }
 
-/// Runs one engine command off the main thread, reads its reply there with `read`, and calls `then` with
-/// what `read` made of it on `context`'s thread. A context that is gone by then is not called; the command
-/// itself still runs to its end. Returns at once.
-template<typename Read, typename Then>
-void RunCallRead(const QStringList &arguments, QObject *context, const RunOptions &options, Read read, Then then)
+/// Calls `run`, which returns a RawReply, off the main thread, reads the reply there with `read`, and calls `then`
+/// with what `read` made of it on `context`'s thread. A context that is gone by then is not called; what runs
+/// still runs to its end. Returns at once.
+template<typename Run, typename Read, typename Then>
+void RunRead(Run run, QObject *context, Read read, Then then)
 {
     using Result = std::invoke_result_t<Read, const RawReply &>;
     auto result = std::make_shared<Result>();
     // One thread for the command's whole life, never waited for: an engine that hangs must not hold the
     // application's exit. The thread touches nothing but what it owns.
-    QThread *thread = QThread::create([arguments, options, read = std::move(read), result] {
-        *result = read(detail::runEngine(arguments, options));
-    });
+    QThread *thread = QThread::create([run = std::move(run), read = std::move(read), result] { *result = read(run()); });
     QObject::connect(thread, &QThread::finished, context,
                      [result, then = std::move(then)] { then(std::move(*result)); });
     QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     thread->start();
+}
+
+/// RunRead for one engine command.
+template<typename Read, typename Then>
+void RunCallRead(const QStringList &arguments, QObject *context, const RunOptions &options, Read read, Then then)
+{
+    RunRead([arguments, options] { return detail::runEngine(arguments, options); }, context, std::move(read),
+            std::move(then));
 }
 
 /// Runs one engine command off the main thread and delivers its reply to `completion` (which may be empty)

@@ -1,0 +1,118 @@
+"""The installed program: an empty home, the engine set up by the first start, a recording, an upgrade, a removal."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+BUILD = os.environ["TUPPI_BUILD"]
+SOURCE = pathlib.Path(os.environ["TUPPI_SOURCE"])
+PROGRAMS = ("tuppi-engine", "tuppi-engine-models", "tuppi-engine-worker")
+
+
+class Installed(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.root = pathlib.Path(tempfile.mkdtemp())
+        cls.addClassCleanup(shutil.rmtree, cls.root)
+        cls.prefix = cls.root / "usr"
+        subprocess.run([os.environ["CMAKE"], "--install", BUILD, "--prefix", cls.prefix],
+                       check=True, stdout=subprocess.DEVNULL)
+        cls.engine = cls.prefix / "lib/tuppi-transcriber/engine"
+
+    def setUp(self):
+        self.home = pathlib.Path(tempfile.mkdtemp(dir=self.root))
+        self.runtime = self.home / "Library/Application Support/Larkspire/runtime"
+
+    def run_program(self, *command):
+        environment = {"HOME": str(self.home), "PATH": os.environ["PATH"], "LANG": "C.UTF-8"}
+        return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=300)
+
+    def transcribe(self, *files):
+        return self.run_program(self.prefix / "bin/tuppi-transcriber", "--transcribe", *files)
+
+    def link(self):
+        return self.run_program("/bin/bash", self.engine / "install-engine", "--link")
+
+    def assert_linked(self):
+        self.assertEqual(os.readlink(self.runtime / "call"), str(self.engine / "call"))
+        for program in PROGRAMS:
+            self.assertEqual(os.readlink(self.runtime / "bin" / program), str(self.engine / program))
+
+    def test_everything_is_in_its_place(self):
+        places = ["bin/tuppi-transcriber", "share/applications/org.tuppi.Transcriber.desktop",
+                  "share/mime/packages/org.tuppi.Transcriber.xml",
+                  "share/metainfo/org.tuppi.Transcriber.metainfo.xml",
+                  "share/icons/hicolor/scalable/apps/tuppi-transcriber.svg",
+                  "share/man/man1/tuppi-transcriber.1.gz", "share/man/man1/tuppi-engine.1.gz",
+                  "share/doc/tuppi-transcriber/copyright", "share/doc/tuppi-transcriber/changelog.Debian.gz"]
+        places += [f"lib/tuppi-transcriber/{module}.so"
+                   for module in ("tuppi-media-length", "tuppi-sounds", "tuppi-viewer")]
+        places += [f"lib/tuppi-transcriber/engine/{file}" for file in PROGRAMS + ("call", "install-engine")]
+        self.assertEqual([place for place in places if not (self.prefix / place).is_file()], [])
+
+    def test_the_description_for_software_centres_is_valid(self):
+        checked = self.run_program("appstreamcli", "validate", "--no-net",
+                                   self.prefix / "share/metainfo/org.tuppi.Transcriber.metainfo.xml")
+        self.assertEqual(checked.returncode, 0, checked.stdout)
+
+    def test_the_first_start_transcribes_and_the_removal_leaves_the_transcript(self):
+        done = self.transcribe(SOURCE / "samples/interview.m4a")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assert_linked()
+        folder, = (self.home / "Documents/CallsRawFiles").glob("*interview")
+        text = (folder / "Transcript.txt").read_text()
+        self.assertIn("[00:00:", text)
+
+        away = self.root / "away"
+        self.prefix.rename(away)
+        try:
+            self.assertFalse((self.runtime / "call").exists())
+            self.assertEqual((folder / "Transcript.txt").read_text(), text)
+        finally:
+            away.rename(self.prefix)
+        history = self.run_program("/bin/bash", self.runtime / "call", "history", "--json")
+        self.assertIn('"ready"', history.stdout)
+
+    def test_copies_of_an_earlier_engine_give_way_to_links(self):
+        (self.runtime / "bin").mkdir(parents=True)
+        (self.runtime / "call").write_text("#!/bin/bash\n# tuppi-local-engine\nexit 1\n")
+        (self.runtime / "bin/tuppi-engine").write_text("old")
+        self.assertEqual(self.link().returncode, 0)
+        self.assert_linked()
+        self.assertEqual(self.link().stdout, "")
+        self.assertEqual(sorted(path.name for path in (self.runtime / "bin").iterdir()), sorted(PROGRAMS))
+
+    def test_links_to_a_place_that_is_gone_are_replaced(self):
+        self.runtime.mkdir(parents=True)
+        (self.runtime / "call").symlink_to("/gone/lib/tuppi-transcriber/engine/call")
+        self.assertEqual(self.link().returncode, 0)
+        self.assert_linked()
+
+    def test_another_engine_is_left_alone_and_used(self):
+        self.runtime.mkdir(parents=True)
+        other = "#!/bin/bash\necho 'Error: The other engine.' >&2\nexit 1\n"
+        (self.runtime / "call").write_text(other)
+        self.assertEqual(self.link().returncode, 3)
+        self.assertEqual((self.runtime / "call").read_text(), other)
+        self.assertFalse((self.runtime / "bin").exists())
+
+    def test_another_engines_link_that_leads_nowhere_is_left_alone(self):
+        self.runtime.mkdir(parents=True)
+        (self.runtime / "call").symlink_to("/unplugged/engine/call")
+        self.assertEqual(self.link().returncode, 3)
+        self.assertTrue((self.runtime / "call").is_symlink())
+
+    def test_a_failure_is_one_sentence_on_the_terminal(self):
+        self.runtime.parent.mkdir(parents=True)
+        self.runtime.write_text("a file where the folder should be")
+        done = self.transcribe(SOURCE / "samples/interview.m4a")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("The engine could not be set up: ", done.stderr)
+        self.assertIn("could not be written.", done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
