@@ -2,6 +2,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace engine {
@@ -31,19 +33,48 @@ bool alwaysCapital(const QString &word)
     return words.contains(word);
 }
 
+// Some recognisers give bare words, others whole sentences. One that uses commas or capitals is of the second
+// kind.
+bool hasPunctuation(const std::vector<Segment> &segments)
+{
+    const auto punctuated = [](const Word &word) {
+        return std::ranges::any_of(word.text,
+                                   [](QChar c) { return c.isUpper() || u",?!，。？！،؟"_s.contains(c); });
+    };
+    return std::ranges::any_of(segments, [&](const Segment &segment) {
+        return segment.words && std::ranges::any_of(*segment.words, punctuated);
+    });
+}
+
+bool endsSentence(const QString &word)
+{
+    qsizetype last = word.size() - 1;
+    while (last > 0 && u"\"'”’»)]"_s.contains(word[last]))
+        --last;
+    return last >= 0 && u".?!…。？！؟"_s.contains(word[last]);
+}
+
 class SentenceBuilder
 {
 public:
+    explicit SentenceBuilder(bool punctuated)
+        : m_punctuated(punctuated)
+    {
+    }
+
     void add(const Word &word)
     {
         const qint64 pause = m_lastEnd < 0 ? 0 : word.startMs - m_lastEnd;
-        if (!m_current.text.isEmpty() && pause >= sentencePauseMs)
+        if (!m_current.text.isEmpty() && pause >= (m_punctuated ? paragraphPauseMs : sentencePauseMs))
             finishSentence();
         if (m_current.text.isEmpty())
             startSentence(word, pause);
         else
-            m_current.text += u' ' + (alwaysCapital(word.text) ? capitalised(word.text) : word.text);
+            m_current.text +=
+                u' ' + (!m_punctuated && alwaysCapital(word.text) ? capitalised(word.text) : word.text);
         m_current.endMs = m_lastEnd = word.endMs;
+        if (m_punctuated && endsSentence(word.text))
+            finishSentence();
     }
 
     std::vector<Sentence> finish()
@@ -60,15 +91,17 @@ private:
         m_current.startsParagraph = m_sentences.empty() || pause >= paragraphPauseMs || longEnough;
         m_inParagraph = m_current.startsParagraph ? 1 : m_inParagraph + 1;
         m_current.startMs = word.startMs;
-        m_current.text = capitalised(word.text);
+        m_current.text = m_punctuated ? word.text : capitalised(word.text);
     }
 
     void finishSentence()
     {
-        m_current.text += u'.';
+        if (!m_punctuated)
+            m_current.text += u'.';
         m_sentences.push_back(std::exchange(m_current, {}));
     }
 
+    bool m_punctuated;
     std::vector<Sentence> m_sentences;
     Sentence m_current;
     qint64 m_lastEnd = -1;
@@ -79,7 +112,7 @@ private:
 
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments)
 {
-    SentenceBuilder builder;
+    SentenceBuilder builder(hasPunctuation(segments));
     for (const Segment &segment : segments) {
         if (!segment.words)
             continue;

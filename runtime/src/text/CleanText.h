@@ -17,8 +17,8 @@ struct Sentence
     bool startsParagraph = false;
 };
 
-// Sentences by the pauses that were spoken, with capitals and full stops. No word is added, dropped or
-// replaced.
+// Sentences by the pauses that were spoken, with capitals and full stops; where the recogniser has written
+// these itself, sentences as it has them. No word is added, dropped or replaced.
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments);
 
 // The words as recognised, one segment a line: for when no cleaning is wanted.

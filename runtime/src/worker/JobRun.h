@@ -5,10 +5,10 @@
 #include "recognise/Recogniser.h"
 #include "text/Transcript.h"
 #include "worker/JobControl.h"
+#include "worker/SoundGroups.h"
 
 #include <functional>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace engine {
@@ -32,9 +32,12 @@ public:
 private:
     void plan();
     void recogniseMissing();
-    std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
-    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
-    std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
+    void nameRecogniser();
+    void recogniseGroup(AudioReader &reader, const std::vector<Piece> &pieces);
+    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs = 0);
+    std::optional<Heard> tryRecognising(const Sound &sound, const std::vector<Piece> &pieces);
+    void showProgress(int done);
+    void keepGroup(const std::vector<Piece> &pieces, const Heard &heard);
     void finish();
     void keep(Transcript &transcript);
     void enter(QStringView stage);
@@ -45,6 +48,9 @@ private:
     JobControl m_control;
     RecogniserSource m_recognisers;
     Recogniser *m_recogniser = nullptr;
+    int m_kept = 0; // segments
+    int m_planned = 0;
+    int m_shown = 0; // of them, as done: no fewer than kept, and never fewer than before
 };
 
 } // namespace engine

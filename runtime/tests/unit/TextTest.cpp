@@ -56,6 +56,14 @@ TEST(CleanText, aCutWithoutAPauseEndsNothing)
     EXPECT_EQ(texts(cleanSentences(segments)), QStringList{u"One two three."_s});
 }
 
+TEST(CleanText, sentencesThatTheRecogniserWroteStayAsTheyAre)
+{
+    const std::vector<Segment> segments{spoken(0, 0, u"Well, | on monday. \"Так?\" yes"_s, 800),
+                                        spoken(1, 60000, u"e.g. this"_s)};
+    EXPECT_EQ(texts(cleanSentences(segments)),
+              (QStringList{u"Well, on monday."_s, u"\"Так?\""_s, u"yes"_s, u"e.g."_s, u"this"_s}));
+}
+
 TEST(CleanText, capitalsStandWhereEnglishWantsThem)
 {
     EXPECT_EQ(texts(cleanSentences({spoken(0, 0, u"on friday i think i'm late in june"_s)})),
