@@ -141,7 +141,8 @@ std::vector<Check> allChecks()
     checks.insert(checks.end(), ofStore.begin(), ofStore.end());
     appendModelChecks(checks);
     checks.insert(checks.end(), ofOllama.begin(), ofOllama.end());
-    checks.push_back(program(u"Whisper (whisper-cli)"_s, {u"whisper-cli"_s}));
+    const QString whisper = qEnvironmentVariable("TUPPI_WHISPER_CLI", u"whisper-cli"_s);
+    checks.push_back(program(u"Whisper (whisper-cli)"_s, {whisper}));
     checks.push_back(
         program(u"Clipboard tool (wl-copy, xclip or xsel)"_s, {u"wl-copy"_s, u"xclip"_s, u"xsel"_s}));
     return checks;

@@ -19,6 +19,7 @@ Paths Paths::under(const QString &home)
     paths.filesLock = paths.store + u"/files.lock"_s;
     paths.changed = paths.base + u"/changed"_s;
     paths.reserve = paths.store + u"/reserve"_s;
+    paths.work = paths.store + u"/work"_s;
     paths.models = paths.base + u"/models"_s;
     paths.defaultLibrary = home + u"/Documents/CallsRawFiles"_s;
     return paths;

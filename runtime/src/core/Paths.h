@@ -16,6 +16,7 @@ struct Paths
     QString changed;   // replaced after every change that a query would show
     QString reserve;   // room kept back for writing down that the disk is full
     QString models;    // the user's own speech models
+    QString work;      // what recognisers need for a moment; the worker empties it
     QString defaultLibrary;
 
     static Paths under(const QString &home);

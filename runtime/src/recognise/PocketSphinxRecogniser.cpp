@@ -14,6 +14,7 @@ namespace engine {
 namespace {
 
 constexpr qint64 frameMs = 10;
+constexpr qint64 samplesPerMs = 16;
 
 // The dictionary marks silence and noise by brackets, and second pronunciations by a number: "either(2)".
 QString spoken(const char *entry)
@@ -59,10 +60,10 @@ void PocketSphinxRecogniser::prepare()
     const QByteArray dictionary = QFile::encodeName(m_model.dictionary);
     // Silence stays in, so that the times of words hold; cutting at pauses is done before. The two limits (of
     // Gaussians a frame, of states a frame) take a quarter off the search, for one word in a hundred at most.
-    cmd_ln_t *settings = ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", acoustic.constData(), "-lm",
-                                       words.constData(), "-dict", dictionary.constData(), "-samprate",
-                                       "16000", "-remove_silence", "no", "-topn", "2", "-maxhmmpf", "5000",
-                                       "-logfn", "/dev/null", nullptr);
+    cmd_ln_t *settings =
+        ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", acoustic.constData(), "-lm", words.constData(),
+                      "-dict", dictionary.constData(), "-samprate", "16000", "-remove_silence", "no", "-topn",
+                      "2", "-maxhmmpf", "5000", "-logfn", "/dev/null", nullptr);
     m_decoder.reset(settings ? ::ps_init(settings) : nullptr);
     if (settings)
         ::cmd_ln_free_r(settings);
@@ -71,12 +72,13 @@ void PocketSphinxRecogniser::prepare()
                       u"” could not be loaded. Install it again."_s);
 }
 
-std::vector<Word> PocketSphinxRecogniser::recognise(std::span<const int16_t> samples)
+Heard PocketSphinxRecogniser::recognise(const Sound &sound)
 {
     ps_decoder_t *decoder = m_decoder.get();
-    const bool heard = ::ps_start_stream(decoder) == 0 && ::ps_start_utt(decoder) == 0 &&
-                       ::ps_process_raw(decoder, samples.data(), samples.size(), FALSE, TRUE) >= 0 &&
-                       ::ps_end_utt(decoder) == 0;
+    const bool heard =
+        ::ps_start_stream(decoder) == 0 && ::ps_start_utt(decoder) == 0 &&
+        ::ps_process_raw(decoder, sound.samples.data(), sound.samples.size(), FALSE, TRUE) >= 0 &&
+        ::ps_end_utt(decoder) == 0;
     if (!heard)
         throw Failure(u"The speech recogniser stopped with an error."_s);
     std::vector<Word> words;
@@ -88,7 +90,7 @@ std::vector<Word> PocketSphinxRecogniser::recognise(std::span<const int16_t> sam
         if (!text.isEmpty())
             words.push_back({text, first * frameMs, (last + 1) * frameMs});
     }
-    return words;
+    return {{{0, qint64(sound.samples.size()) / samplesPerMs, std::move(words)}}, {}};
 }
 
 } // namespace engine

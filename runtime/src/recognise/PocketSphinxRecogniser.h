@@ -18,7 +18,7 @@ public:
     QString contractName() const override { return {}; }
     QString language() const override;
     void prepare() override;
-    std::vector<Word> recognise(std::span<const int16_t> samples) override;
+    Heard recognise(const Sound &sound) override;
 
 private:
     struct Release

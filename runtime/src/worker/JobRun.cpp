@@ -20,7 +20,6 @@ namespace engine {
 namespace {
 
 constexpr int waitMs = 100;
-constexpr int mostDeaths = 10; // of the recogniser in one segment
 constexpr size_t blockSamples = 16384;
 constexpr size_t segmentsPerSpeakerStep = 20; // telling speakers apart counts as so much more to recognise
 
@@ -99,28 +98,40 @@ void JobRun::plan()
         [&] { planSegments(m_database, m_control.job().seq, segments); });
 }
 
+// A job that goes on may get another recogniser, when one was installed or removed meanwhile.
+void JobRun::nameRecogniser()
+{
+    const auto name = [this](Job &job) {
+        job.recogniser = m_recogniser->name();
+        if (const QString contractName = m_recogniser->contractName(); !contractName.isEmpty())
+            job.engine = contractName;
+    };
+    if (m_control.job().recogniser != m_recogniser->name())
+        m_control.change(name);
+}
+
 void JobRun::recogniseMissing()
 {
     const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (segments.empty())
         throw Failure(silenceError.toString());
-    auto kept = int(std::ranges::count_if(segments, &Segment::kept));
-    if (kept == int(segments.size()))
+    m_planned = int(segments.size());
+    m_kept = int(std::ranges::count_if(segments, &Segment::kept));
+    if (m_kept == m_planned)
         return;
+    m_shown = std::max(m_kept, m_control.job().progress.section(u'/', 0, 0).toInt());
     enter(Status::transcribing);
+    nameRecogniser();
     m_recogniser->prepare();
     AudioReader reader(audioPath());
-    for (const Segment &segment : segments) {
-        if (segment.kept())
-            continue;
-        const std::vector<Word> words = recogniseSegment(reader, segment);
-        ++kept;
-        m_control.progress([&](Job &job) { job.progress = progressText(kept, int(segments.size()) + speakerSteps(segments.size())); },
-                           [&] { keepSegment(m_database, m_control.job().seq, segment.number, words); });
+    for (std::vector<Segment> &group : groupsOf(segments, m_recogniser->longestSoundMs())) {
+        std::erase_if(group, &Segment::kept);
+        if (!group.empty())
+            recogniseGroup(reader, joinedSound(group));
     }
 }
 
-std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segment)
+std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs)
 {
     constexpr int64_t samplesPerMs = sampleRate / 1000;
     while (reader.position() < segment.startMs * samplesPerMs) {
@@ -130,41 +141,73 @@ std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segme
         if (reader.position() == before)
             throw Failure(u"The recording has become shorter since it was taken."_s);
     }
-    std::vector<int16_t> samples(size_t((segment.endMs - segment.startMs) * samplesPerMs));
+    std::vector<int16_t> samples(size_t((segment.endMs - segment.startMs + tailMs) * samplesPerMs));
     samples.resize(reader.read(samples));
     return samples;
 }
 
 // Nothing when the child that did it has died.
-std::optional<std::vector<Word>> JobRun::tryRecognising(std::span<const int16_t> samples,
-                                                        const Segment &segment)
+std::optional<Heard> JobRun::tryRecognising(const Sound &sound, const std::vector<Piece> &pieces)
 {
-    m_control.note([&] { beginSegment(m_database, m_control.job().seq, segment.number); });
-    SegmentProcess process(*m_recogniser, samples, [this] { m_lock.abandonInChild(); });
+    m_control.note([&] {
+        for (const Piece &piece : pieces)
+            beginSegment(m_database, m_control.job().seq, piece.segment.number);
+    });
+    SegmentProcess process(*m_recogniser, sound, [this] { m_lock.abandonInChild(); });
     SegmentProcess::State state = SegmentProcess::State::Running;
     while (state == SegmentProcess::State::Running) {
         state = process.wait(waitMs);
         m_control.check();
+        // All of it is done once it is kept.
+        showProgress(m_kept + std::min(int(pieces.size()) * process.percent() / 100, int(pieces.size()) - 1));
     }
     if (state == SegmentProcess::State::Died)
         return std::nullopt;
-    std::vector<Word> words = process.words();
-    for (Word &word : words) {
-        word.startMs += segment.startMs;
-        word.endMs += segment.startMs;
-    }
-    return words;
+    return process.heard();
 }
 
-std::vector<Word> JobRun::recogniseSegment(AudioReader &reader, const Segment &segment)
+void JobRun::showProgress(int done)
 {
-    const std::vector<int16_t> samples = samplesOf(reader, segment);
-    for (int deaths = 0; deaths < mostDeaths; ++deaths) {
-        if (std::optional<std::vector<Word>> words = tryRecognising(samples, segment))
-            return *std::move(words);
+    if (done <= m_shown)
+        return;
+    m_shown = done;
+    m_control.progress([this](Job &job) { job.progress = progressText(m_shown, m_planned + speakerSteps(size_t(m_planned))); });
+}
+
+void JobRun::keepGroup(const std::vector<Piece> &pieces, const Heard &heard)
+{
+    const std::vector<std::vector<Word>> words = wordsByPiece(pieces, heard);
+    m_kept += int(pieces.size());
+    m_shown = std::max(m_shown, m_kept);
+    m_control.progress(
+        [&](Job &job) {
+            job.progress = progressText(m_shown, m_planned + speakerSteps(size_t(m_planned)));
+            // Where nothing was said, the language is a guess.
+            if (job.language == u"auto" && !heard.phrases.empty() && !heard.language.isEmpty())
+                job.language = heard.language;
+        },
+        [&] {
+            for (size_t i = 0; i < pieces.size(); ++i)
+                keepSegment(m_database, m_control.job().seq, pieces[i].segment.number, words[i]);
+        });
+}
+
+void JobRun::recogniseGroup(AudioReader &reader, const std::vector<Piece> &pieces)
+{
+    std::vector<int16_t> samples;
+    for (const Piece &piece : pieces) {
+        const std::vector<int16_t> more = samplesOf(reader, piece.segment, piece.tailMs);
+        samples.insert(samples.end(), more.begin(), more.end());
+    }
+    Sound sound{samples};
+    if (m_control.job().language != u"auto")
+        sound.language = m_control.job().language;
+    for (int deaths = 0; deaths < m_recogniser->mostBreakdowns(); ++deaths) {
+        if (const std::optional<Heard> heard = tryRecognising(sound, pieces))
+            return keepGroup(pieces, *heard);
     }
     throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(
-        segment.startMs / 1000));
+        pieces.front().segment.startMs / 1000));
 }
 
 // What telling speakers apart adds to the count of segments that the progress shows.

@@ -6,10 +6,10 @@
 #include "speakers/SpeakerFinder.h"
 #include "text/Transcript.h"
 #include "worker/JobControl.h"
+#include "worker/SoundGroups.h"
 
 #include <functional>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace engine {
@@ -33,9 +33,12 @@ public:
 private:
     void plan();
     void recogniseMissing();
-    std::vector<Word> recogniseSegment(AudioReader &reader, const Segment &segment);
-    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment);
-    std::optional<std::vector<Word>> tryRecognising(std::span<const int16_t> samples, const Segment &segment);
+    void nameRecogniser();
+    void recogniseGroup(AudioReader &reader, const std::vector<Piece> &pieces);
+    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs = 0);
+    std::optional<Heard> tryRecognising(const Sound &sound, const std::vector<Piece> &pieces);
+    void showProgress(int done);
+    void keepGroup(const std::vector<Piece> &pieces, const Heard &heard);
     int speakerSteps(size_t segments) const;
     std::vector<Turn> findTurns(const std::vector<Segment> &segments);
     void finish();
@@ -51,6 +54,9 @@ private:
     RecogniserSource m_recognisers;
     Recogniser *m_recogniser = nullptr;
     QString m_title; // that the text model proposes; empty: none
+    int m_kept = 0; // segments
+    int m_planned = 0;
+    int m_shown = 0; // of them, as done: no fewer than kept, and never fewer than before
 };
 
 } // namespace engine

@@ -6,14 +6,13 @@
 #include <QByteArray>
 
 #include <functional>
-#include <span>
 #include <sys/types.h>
 
 namespace engine {
 
-// Recognises one segment in a child process of its own, forked from this one with the model already loaded:
-// it can be dropped at any moment, it starts from the same state for every segment, and a crash in it is not
-// ours. The child dies with its parent.
+// Recognises one sound in a child process of its own, forked from this one with the model already loaded: it
+// can be dropped at any moment, it starts from the same state for every sound, and a crash in it is not ours.
+// The child leads a process group, which dies with it and with its parent.
 class SegmentProcess
 {
 public:
@@ -21,10 +20,9 @@ public:
 
     // `inChild` runs first in the child, to let go of what must not outlive the parent. Throws Failure when
     // there can be no child.
-    SegmentProcess(Recogniser &recogniser, std::span<const int16_t> samples,
-                   const std::function<void()> &inChild);
+    SegmentProcess(Recogniser &recogniser, const Sound &sound, const std::function<void()> &inChild);
 
-    // Kills the child when it still runs.
+    // Kills the group of the child when that still runs.
     ~SegmentProcess();
     SegmentProcess(const SegmentProcess &) = delete;
     SegmentProcess &operator=(const SegmentProcess &) = delete;
@@ -32,14 +30,19 @@ public:
     // Waits for the end of the child, but no longer than that.
     State wait(int limitMs);
 
+    // How much of the sound is done, from 0 to 100, as far as the recogniser tells.
+    int percent() const { return m_percent; }
+
     // What was recognised, once Done. Throws the Failure that the child reported.
-    std::vector<Word> words() const;
+    Heard heard() const;
 
 private:
     State reap();
+    void takeProgress();
 
     FileDescriptor m_answerPipe;
     QByteArray m_answer;
+    int m_percent = 0;
     pid_t m_child = -1;
 };
 

@@ -5,6 +5,7 @@
 #include "store/Segments.h"
 #include "worker/JobRun.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <new>
@@ -47,8 +48,11 @@ int Worker::run()
         if (!m_lock.takeSoon())
             return 0;
         m_lock.signOwner();
-        while (const std::optional<Job> job = takeJob())
+        clearWork(); // what a killed worker has left
+        while (const std::optional<Job> job = takeJob()) {
             work(*job);
+            clearWork(); // what a killed recogniser has left
+        }
         m_lock.release();
         // Whoever added a job while we still held the lock has relied on us.
     } while (nextJob(m_database));
@@ -89,6 +93,11 @@ void Worker::work(const Job &job)
     }
 }
 
+void Worker::clearWork()
+{
+    QDir(m_paths.work).removeRecursively();
+}
+
 // Being paused or cancelled is no death.
 void Worker::putDown(const Job &job)
 {
@@ -122,11 +131,11 @@ void Worker::fail(const Job &job, const QString &sentence)
 
 Recogniser &Worker::recogniserFor(const Job &job)
 {
-    const QString key = job.engineChoice + u'\n' + job.languageChoice;
-    if (!m_recogniser || key != m_recogniserKey) {
-        m_recogniser = chooseRecogniser(job.engineChoice, job.languageChoice);
-        m_recogniserKey = key;
-    }
+    // Choosing is cheap, and models come and go; one that is loaded is kept.
+    std::unique_ptr<Recogniser> chosen = chooseRecogniser(job.engineChoice, job.languageChoice);
+    if (!m_recogniser || chosen->name() != m_recogniser->name() ||
+        chosen->language() != m_recogniser->language())
+        m_recogniser = std::move(chosen);
     return *m_recogniser;
 }
 

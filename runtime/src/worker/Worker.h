@@ -19,6 +19,7 @@ public:
 private:
     std::optional<Job> takeJob();
     void work(const Job &job);
+    void clearWork();
     void putDown(const Job &job);
     void fail(const Job &job, const QString &sentence);
     Recogniser &recogniserFor(const Job &job);
@@ -27,7 +28,6 @@ private:
     Database m_database;
     WorkerLock m_lock;
     std::unique_ptr<Recogniser> m_recogniser;
-    QString m_recogniserKey;
 };
 
 } // namespace engine

@@ -17,7 +17,7 @@ namespace {
 QString recogniserTrouble()
 {
     try {
-        engine::chooseRecogniser(u"auto"_s, u"auto"_s)->prepare();
+        engine::chooseRecogniser(u"auto"_s, u"en"_s)->prepare();
         return {};
     } catch (const engine::Failure &failure) {
         return failure.sentence();

@@ -12,14 +12,23 @@ class FakeRecogniser : public Recogniser
 public:
     QString name() const override { return QStringLiteral("Fake"); }
     QString contractName() const override { return {}; }
-    QString language() const override { return QStringLiteral("en"); }
+    QString language() const override { return hears; }
     void prepare() override {}
-    std::vector<Word> recognise(std::span<const int16_t> samples) override
+    qint64 longestSoundMs() const override { return longest; }
+    Heard recognise(const Sound &sound) override
     {
-        if (act)
-            return act(samples);
+        const auto lengthMs = qint64(sound.samples.size() / 16);
+        return {{{0, lengthMs, act ? act(sound.samples) : words(sound.samples)}}, heardLanguage};
+    }
+
+    static std::vector<Word> words(std::span<const int16_t> samples)
+    {
         return {{QString::number(samples.size()), 0, qint64(samples.size() / 16)}};
     }
+
+    qint64 longest = 0;
+    QString hears = QStringLiteral("en");
+    QString heardLanguage;
 
     std::function<std::vector<Word>(std::span<const int16_t>)> act;
 };

@@ -101,7 +101,7 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     m_recogniser.act = [](std::span<const int16_t> samples) -> std::vector<Word> {
         if (samples.size() > 2 * 16000)
             throw Failure(u"Too much."_s);
-        return test::FakeRecogniser().recognise(samples);
+        return test::FakeRecogniser::words(samples);
     };
     EXPECT_EQ(test::sentenceOf([&] { run(second); }), u"Too much."_s);
     const int kept = keptCount(m_database, second.seq);
@@ -113,7 +113,7 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     m_recogniser.act = [](std::span<const int16_t> samples) -> std::vector<Word> {
         if (samples.size() <= 2 * 16000)
             return {{u"again"_s, 0, 1}};
-        return test::FakeRecogniser().recognise(samples);
+        return test::FakeRecogniser::words(samples);
     };
     run(second);
     EXPECT_EQ(transcript(second), transcript(m_job));
@@ -124,6 +124,46 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     };
     for (int number = 0; number < 6; ++number)
         EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
+}
+
+TEST_F(JobRunTest, soundOfSeveralSegmentsIsKeptByItsSegments)
+{
+    m_recogniser.longest = 100000;
+    m_recogniser.heardLanguage = u"uk"_s;
+    m_recogniser.hears = u"auto"_s;
+    // A word in the middle of each second.
+    m_recogniser.act = [](std::span<const int16_t> samples) {
+        std::vector<Word> words;
+        for (qint64 at = 0; at + 1000 <= qint64(samples.size()) / 16; at += 1000)
+            words.push_back({QString::number(at), at + 400, at + 600});
+        return words;
+    };
+    run(m_job);
+    EXPECT_EQ(stored(m_job).language, u"uk"_s);
+    EXPECT_EQ(stored(m_job).progress, u"6/6"_s);
+    const std::vector<Segment> segments = segmentsOf(m_database, m_job.seq);
+    ASSERT_EQ(segments.size(), 6U);
+    for (const Segment &segment : segments) {
+        ASSERT_FALSE(segment.words->empty()) << segment.number;
+        EXPECT_GE(segment.words->front().startMs, segment.startMs);
+        EXPECT_LE(segment.words->back().endMs, segment.endMs);
+    }
+}
+
+TEST_F(JobRunTest, whatWasShownAsDoneStaysSo)
+{
+    m_recogniser.act = [](std::span<const int16_t>) -> std::vector<Word> { throw Failure(u"No."_s); };
+    EXPECT_EQ(test::sentenceOf([&] { run(m_job); }), u"No."_s);
+    changeJob(m_database, m_job.id, [](Job &job) { job.progress = u"4/6"_s; });
+    m_recogniser.act = [this, id = m_job.id](std::span<const int16_t> samples) {
+        Database own(m_paths);
+        const int done = jobById(own, id)->progress.section(u'/', 0, 0).toInt();
+        return std::vector<Word>{{u"at%1"_s.arg(done), 0, qint64(samples.size() / 16)}};
+    };
+    run(m_job);
+    EXPECT_TRUE(transcript(m_job).contains("at4"));
+    for (const char *less : {"at0", "at1", "at2", "at3"})
+        EXPECT_FALSE(transcript(m_job).contains(less)) << less;
 }
 
 TEST_F(JobRunTest, aJobThatIsPausedOrCancelledIsPutDown)
@@ -160,7 +200,7 @@ TEST_F(JobRunTest, aRecogniserThatDiesOnceIsTriedAgain)
             test::write(mark, "x");
             ::_exit(1);
         }
-        return test::FakeRecogniser().recognise(samples);
+        return test::FakeRecogniser::words(samples);
     };
     run(m_job);
     EXPECT_EQ(stored(m_job).status, u"ready"_s);

@@ -1,5 +1,8 @@
 #include "recognise/Recogniser.h"
 
+#include "core/Files.h"
+#include "models/CustomModels.h"
+
 #include "Support.h"
 
 using namespace Qt::StringLiterals;
@@ -43,6 +46,70 @@ TEST(RecogniserChoice, saysWhichModelIsMissing)
     EXPECT_TRUE(refusal(u"parakeet"_s, u"en"_s).startsWith(u"Parakeet cannot run"));
     EXPECT_EQ(refusal(u"custom:mine"_s, u"en"_s),
               u"This speech model is not installed any more. Choose another one."_s);
+}
+
+namespace {
+
+// A home with models in it, and a whisper-cli that nobody starts.
+class WhisperChoice : public testing::Test
+{
+protected:
+    WhisperChoice()
+    {
+        m_before = qgetenv("HOME");
+        qputenv("HOME", QFile::encodeName(m_home.path()));
+        qputenv("TUPPI_WHISPER_CLI", "/bin/true");
+    }
+    ~WhisperChoice() override
+    {
+        qputenv("HOME", m_before);
+        qunsetenv("TUPPI_WHISPER_CLI");
+    }
+
+    QString add(const QString &file, QChar sum)
+    {
+        CustomModel model{{}, file, u"whisper"_s, u"owner/whisper"_s, file, QString(64, sum), 4};
+        makeFolder(m_home.paths().models, u"No folder"_s);
+        test::write(customModelFile(m_home.paths(), model), "lmgg");
+        return addCustomModel(m_home.paths(), model).id;
+    }
+
+    static QString chosen(const QString &engineChoice, const QString &language)
+    {
+        return chooseRecogniser(engineChoice, language)->name();
+    }
+
+    test::Home m_home;
+    QByteArray m_before;
+};
+
+} // namespace
+
+TEST_F(WhisperChoice, takesTheModelWhoseNameFits)
+{
+    const QString small = add(u"ggml-small.en.bin"_s, u'a');
+    add(u"ggml-large-v3.bin"_s, u'b');
+    add(u"ggml-large-v3-turbo.bin"_s, u'c');
+    EXPECT_EQ(chosen(u"whisper"_s, u"uk"_s), u"Whisper (ggml-large-v3-turbo.bin)"_s);
+    EXPECT_EQ(chosen(u"whisper-large"_s, u"auto"_s), u"Whisper (ggml-large-v3.bin)"_s);
+    EXPECT_EQ(chosen(u"custom:"_s + small, u"en"_s), u"Whisper (ggml-small.en.bin)"_s);
+    EXPECT_EQ(chosen(u"auto"_s, u"uk"_s), u"Whisper (ggml-large-v3-turbo.bin)"_s);
+    EXPECT_EQ(chosen(u"auto"_s, u"auto"_s), u"Whisper (ggml-large-v3-turbo.bin)"_s);
+    EXPECT_EQ(chosen(u"auto"_s, u"en-GB"_s), u"PocketSphinx"_s);
+    EXPECT_EQ(refusal(u"custom:"_s + small, u"uk"_s),
+              u"“ggml-small.en.bin” knows English only. Choose another model for Ukrainian."_s);
+    EXPECT_EQ(refusal(u"whisper"_s, u"tlh"_s),
+              u"Whisper does not know the language (tlh). Choose another language."_s);
+}
+
+TEST_F(WhisperChoice, saysWhatToAdd)
+{
+    EXPECT_EQ(refusal(u"whisper"_s, u"uk"_s),
+              u"The model Whisper Large v3 Turbo is not installed. In the Settings, add "
+              "ggerganov/whisper.cpp:ggml-large-v3-turbo.bin as a Whisper model. "
+              "Choose Automatic to use what is installed."_s);
+    EXPECT_TRUE(refusal(u"whisper-large"_s, u"uk"_s).contains(u"ggerganov/whisper.cpp:ggml-large-v3.bin"));
+    EXPECT_EQ(chosen(u"auto"_s, u"auto"_s), u"PocketSphinx"_s);
 }
 
 TEST(RecogniserChoice, saysWhenThereIsNoModelAtAll)

@@ -26,9 +26,9 @@ const std::vector<int16_t> samples(16000, int16_t(1));
 TEST(SegmentProcess, givesTheWordsOfTheChild)
 {
     test::FakeRecogniser recogniser;
-    SegmentProcess process(recogniser, samples, [] {});
+    SegmentProcess process(recogniser, {samples}, [] {});
     ASSERT_EQ(end(process), SegmentProcess::State::Done);
-    EXPECT_EQ(process.words(), test::FakeRecogniser().recognise(samples));
+    EXPECT_EQ(process.heard(), test::FakeRecogniser().recognise({samples}));
 }
 
 TEST(SegmentProcess, anAnswerMayBeLargerThanAPipe)
@@ -37,25 +37,25 @@ TEST(SegmentProcess, anAnswerMayBeLargerThanAPipe)
     recogniser.act = [](std::span<const int16_t>) {
         return std::vector<Word>(20000, Word{u"wonderful"_s, 1, 2});
     };
-    SegmentProcess process(recogniser, samples, [] {});
+    SegmentProcess process(recogniser, {samples}, [] {});
     ASSERT_EQ(end(process), SegmentProcess::State::Done);
-    EXPECT_EQ(process.words().size(), 20000U);
+    EXPECT_EQ(process.heard().phrases.front().words.size(), 20000U);
 }
 
 TEST(SegmentProcess, passesOnAFailure)
 {
     test::FakeRecogniser recogniser;
     recogniser.act = [](std::span<const int16_t>) -> std::vector<Word> { throw Failure(u"Не можу."_s); };
-    SegmentProcess process(recogniser, samples, [] {});
+    SegmentProcess process(recogniser, {samples}, [] {});
     ASSERT_EQ(end(process), SegmentProcess::State::Done);
-    EXPECT_EQ(test::sentenceOf([&] { process.words(); }), u"Не можу."_s);
+    EXPECT_EQ(test::sentenceOf([&] { process.heard(); }), u"Не можу."_s);
 }
 
 TEST(SegmentProcess, survivesACrashOfTheChild)
 {
     test::FakeRecogniser recogniser;
     recogniser.act = [](std::span<const int16_t>) -> std::vector<Word> { ::_exit(3); };
-    SegmentProcess process(recogniser, samples, [] {});
+    SegmentProcess process(recogniser, {samples}, [] {});
     EXPECT_EQ(end(process), SegmentProcess::State::Died);
 }
 
@@ -67,7 +67,7 @@ TEST(SegmentProcess, leavesNoChildBehind)
             ::pause();
     };
     {
-        SegmentProcess process(recogniser, samples, [] {});
+        SegmentProcess process(recogniser, {samples}, [] {});
         EXPECT_EQ(process.wait(10), SegmentProcess::State::Running);
     }
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);

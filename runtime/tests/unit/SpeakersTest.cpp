@@ -21,7 +21,7 @@ Cepstra voice(int number, int frames, unsigned seed = 1)
     for (int i = 0; i < frames; ++i) {
         for (int k = 0; k < cepstrumSize; ++k) {
             const double noise = double(random() % 2001) / 1000 - 1;
-            const double mean = (number * 7 + k * (number + 2)) % 5 * 1.5;
+            const double mean = (number * 7 + k * (number + 2)) % 5 * 0.4;
             cepstra(k, i) = float(mean + noise * (1 + 0.1 * ((number + k) % 3)));
         }
     }
@@ -57,7 +57,7 @@ std::vector<int> grouped(const std::vector<int> &voices)
     std::vector<Cepstra> parts;
     std::vector<Moments> items;
     for (const int number : voices) {
-        parts.push_back(voice(number, 200, unsigned(parts.size() + 1)));
+        parts.push_back(voice(number, 2000, unsigned(parts.size() + 1)));
         items.push_back(momentsOf(parts.back()));
     }
     return groupsByVoice(items, measureOf(together(parts), 1.8), [] {});
@@ -97,13 +97,13 @@ TEST(Grouping, canBeStopped)
 
 TEST(Grouping, cutsWhereTheVoiceChanges)
 {
-    const Cepstra frames = together({voice(0, 300), voice(1, 200), voice(2, 400)});
+    const Cepstra frames = together({voice(0, 1500), voice(1, 1000), voice(2, 2000)});
     const std::vector<engine::Run> runs = homogeneousRuns(frames, measureOf(frames, 1), 50);
     ASSERT_EQ(runs.size(), 3U);
-    EXPECT_NEAR(runs[1].first, 300, 20);
-    EXPECT_NEAR(runs[1].end, 500, 20);
+    EXPECT_NEAR(runs[1].first, 1500, 20);
+    EXPECT_NEAR(runs[1].end, 2500, 20);
     EXPECT_EQ(runs.front().first, 0);
-    EXPECT_EQ(runs.back().end, 900);
+    EXPECT_EQ(runs.back().end, 4500);
 }
 
 TEST(Grouping, leavesOneVoiceWhole)
