@@ -25,7 +25,9 @@ install_packages() {
     local wanted installed missing
     wanted=$(packages_for "$@" | sort -u)
     # shellcheck disable=SC2086
-    installed=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null | sed -n 's/^installed //p' | sort -u)
+    # It fails where a package has never been heard of; that one is missing then.
+    installed=$({ dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null || true; } |
+        sed -n 's/^installed //p' | sort -u)
     missing=$(comm -23 <(printf '%s\n' "$wanted") <(printf '%s\n' "$installed"))
     [ -z "$missing" ] && return 0
     printf 'Installing: %s\n' "$(printf '%s' "$missing" | tr '\n' ' ')"
