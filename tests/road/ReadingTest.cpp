@@ -76,6 +76,9 @@ protected:
                                     {QStringLiteral(TUPPI_BUILD)}),
                   0);
         QDir().mkpath(documents());
+        // The lines begin without speakers, so that every name is one that was given by hand.
+        QDir().mkpath(QFileInfo(settingsPath()).path());
+        test::writeFile(settingsPath(), R"({"speakers": false})");
     }
     void TearDown() override
     {
