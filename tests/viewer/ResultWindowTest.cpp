@@ -154,6 +154,8 @@ TEST_F(ResultWindows, KeysCloseSaveAndZoom)
     auto *dialog = opened->findChild<QDialog *>();
     ASSERT_NE(dialog, nullptr);
     dialog->reject();
+    opened->activateWindow();
+    ASSERT_TRUE(waitFor([&] { return opened->isActiveWindow(); }));
     const QByteArray width = ask(opened, u"innerWidth"_s);
     press(opened, Qt::CTRL | Qt::Key_Plus);
     EXPECT_TRUE(waitFor([&] { return ask(opened, u"innerWidth"_s).toInt() < width.toInt(); }));
