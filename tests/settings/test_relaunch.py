@@ -82,7 +82,6 @@ class Relaunch(unittest.TestCase):
         first = subprocess.Popen(command, env=self.environment, cwd=self.home.name, stdin=subprocess.DEVNULL)
         main = until(self.screen.painted, "the main window").window
         old = until(running, "the program")
-
         self.key(main, "ctrl+comma")
         settings = self.other({main})
         # Into the language menu, its fifth choice after the present one, and it is chosen.
