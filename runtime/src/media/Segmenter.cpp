@@ -167,7 +167,7 @@ int64_t Segmenter::quietestFrame(int64_t from, int64_t to) const
 void Segmenter::close(int64_t endFrame)
 {
     if (m_open->speechFrames >= leastSpeech) {
-        m_found.push_back({m_open->start * vadFrameMs, endFrame * frameMs});
+        m_found.push_back({m_open->start * vadFrameMs, endFrame * vadFrameMs});
         m_lastEnd = endFrame;
     }
     m_open.reset();
