@@ -29,7 +29,7 @@ target_compile_options(tuppi_common INTERFACE
   $<$<BOOL:${TUPPI_WERROR}>:-Werror>)
 if(CMAKE_UNITY_BUILD)
   # It warns of local types in headers, and takes every source for one here.
-  add_compile_options(-Wno-subobject-linkage)
+  target_compile_options(tuppi_common INTERFACE -Wno-subobject-linkage)
 endif()
 
 if(TUPPI_SANITIZE)
