@@ -112,6 +112,23 @@ TEST(WrapLabel, endsEveryLineAtTheEdgeItIsAlignedTo)
     EXPECT_EQ(first, second);
 }
 
+/// A line that begins with a name in another script reads as the rest of its paragraph does.
+TEST(WrapLabel, linesRunAsTheirParagraph)
+{
+    const auto drawn = [](const QString &text) {
+        WrapLabel label;
+        label.setLayoutDirection(Qt::RightToLeft);
+        label.setText(text);
+        label.setPreferredWidth(label.fontMetrics().horizontalAdvance(u"نموذج النص الطويل "_qs));
+        label.resize(label.sizeHint());
+        EXPECT_TRUE(label.shownText().contains(u"\nOllama"_qs) || label.shownText().contains(u"\n\u200fOllama"_qs));
+        return label.grab().toImage();
+    };
+    const QImage one = drawn(u"نموذج النص الطويل Ollama: نص"_qs);
+    EXPECT_EQ(one, drawn(u"نموذج النص الطويل\n\u200fOllama: نص"_qs));
+    EXPECT_NE(one, drawn(u"نموذج النص الطويل\nOllama: نص"_qs));
+}
+
 TEST(WrapLabel, keepsToItsNumberOfLines)
 {
     WrapLabel label;
