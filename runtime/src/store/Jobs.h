@@ -30,8 +30,8 @@ std::optional<Job> nextJob(Database &database);
 std::optional<Job> latestJob(Database &database);
 
 // Every job's history entry, newest first and as of one moment, some hundreds at a time, joined by ",\n". A
-// job that has ended and whose call dir was thrown away is left out for as long as that is so; where the
-// whole library is away, as on a disk that was pulled out, its jobs are listed.
+// job that has ended and whose call dir was thrown away since is left out for as long as that is so; where
+// the whole library is away, as on a disk that was pulled out, its jobs are listed.
 void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take);
 
 // Reads the job, lets `change` alter it and writes it, in one transaction; then tells the watchers.
