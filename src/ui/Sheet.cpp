@@ -91,8 +91,11 @@ PillButton *Sheet::addButton(int index, const QString &title)
 
 void Sheet::setAccessory(QWidget *accessory)
 {
+    const QPoint centre = rect().center();
     m_accessoryPlace->layout()->addWidget(accessory);
     m_accessoryPlace->show();
+    layout()->activate();
+    move(pos() + centre - rect().center()); // it has grown, and stands where it stood without
     accessory->setFocus();
 }
 
