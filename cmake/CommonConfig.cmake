@@ -28,6 +28,9 @@ target_compile_options(tuppi_common INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef
   $<$<BOOL:${TUPPI_WERROR}>:-Werror>)
 
+# How resources are packed: by what every start loads anyway.
+set(TUPPI_PACKING --compress-algo zlib)
+
 if(TUPPI_SANITIZE)
   target_compile_options(tuppi_common INTERFACE
     -fsanitize=${TUPPI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
