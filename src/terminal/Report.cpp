@@ -73,7 +73,7 @@ void Report::claimFirstJobs(const History &history)
     }
 }
 
-void Report::claimJobs(const History &history)
+void Report::claimJobs(const History &history, bool starting)
 {
     if (!m_loaded) {
         claimFirstJobs(history);
@@ -84,8 +84,10 @@ void Report::claimJobs(const History &history)
                 claim(history.entries.at(index), true);
         }
     }
+    // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
+    if (!m_loaded || !starting)
+        m_knownJobs = JobIds(history);
     m_loaded = true;
-    m_knownJobs = JobIds(history);
 }
 
 bool Report::report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
@@ -108,7 +110,7 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
 {
     QList<ReportLine> lines;
     if (jobs.loaded)
-        claimJobs(*jobs.history);
+        claimJobs(*jobs.history, jobs.starting);
     const Rows rows = BuildRows(jobs).rows;
     for (qsizetype index = 0; index < rows.size(); ++index) {
         const QString key = rows.keyAt(index);
