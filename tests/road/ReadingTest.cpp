@@ -87,7 +87,7 @@ protected:
     }
 
     QString documents() const { return m_engine.home() + u"/Documents"_s; }
-    QJsonObject only() const 
+    QJsonObject only() const
     {
         const Rows &rows = m_app->list().snapshot.rows;
         return rows.isEmpty() ? QJsonObject() : rows.first();
