@@ -146,6 +146,11 @@ std::optional<Job> jobBySeq(Database &database, qint64 seq)
     return oneJob(database, u"WHERE seq = ?"_s, {seq});
 }
 
+bool hasCallDir(Database &database, const QString &callDir)
+{
+    return oneJob(database, u"WHERE call_dir = ?"_s, {callDir}).has_value();
+}
+
 std::vector<Job> jobsToHide(Database &database, bool hidden)
 {
     const QString which = hidden ? u" WHERE hidden = 0 AND NOT "_s + unfinished : u" WHERE hidden = 1"_s;

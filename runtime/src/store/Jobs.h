@@ -19,6 +19,7 @@ void updateJob(Database &database, const Job &job);
 std::optional<Job> jobById(Database &database, const QString &id);
 Job requireJob(Database &database, const QString &id); // throws Failure when there is none
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
+bool hasCallDir(Database &database, const QString &callDir); // any of the jobs
 
 // Those that "hide --all" takes off the list (every one that is not being worked on) or puts back.
 std::vector<Job> jobsToHide(Database &database, bool hidden);
