@@ -19,7 +19,7 @@ HistoryPointer readInPieces(const QByteArray &bytes, qsizetype piece, const Hist
     return reader.finish(0).history;
 }
 
-QByteArray manyJobs(int count, int changed = -1)
+QByteArray replyOfMany(int count, int changed = -1)
 {
     QByteArray reply = "[";
     for (int number = 0; number < count; ++number) {
@@ -47,8 +47,9 @@ TEST_P(ReplyInPieces, IsWhatTheParserSays)
     for (const qsizetype piece : {qsizetype(1), qsizetype(2), qsizetype(3), qsizetype(7), qMax<qsizetype>(1, bytes.size())}) {
         const HistoryPointer history = readInPieces(bytes, piece);
         ASSERT_EQ(history != nullptr, document.isArray()) << bytes.toStdString() << " in pieces of " << piece;
-        if (history)
+        if (history) {
             EXPECT_EQ(QList<QJsonObject>(history->entries.begin(), history->entries.end()), expected);
+        }
     }
 }
 
@@ -61,12 +62,12 @@ INSTANTIATE_TEST_SUITE_P(
                     R"([{"id":"ключ","title":"\u0041\ud83d\ude00","deep":{"x":[1,{"y":null}]}} , {"id":7}])", "[{\"id\":\"\xff\"}]",
                     "[{\"id\":\"a\",\"t\":\"\xd0\"}]", R"([{"id":"a","id":"b"}])", "[" + QByteArray(600, '[') + QByteArray(600, ']') + "]",
                     "[" + QByteArray(1023, '[') + QByteArray(1023, ']') + "]", "[" + QByteArray(1024, '[') + QByteArray(1024, ']') + "]",
-                    manyJobs(500)));
+                    replyOfMany(500)));
 
 TEST(HistoryReader, SharesWhatHasNotChanged)
 {
-    const HistoryPointer before = readInPieces(manyJobs(2'000), 1000);
-    const HistoryPointer after = readInPieces(manyJobs(2'000, 700), 1000, before);
+    const HistoryPointer before = readInPieces(replyOfMany(2'000), 1000);
+    const HistoryPointer after = readInPieces(replyOfMany(2'000, 700), 1000, before);
     ASSERT_TRUE(before && after);
     const QList<JobBlockPointer> &known = before->entries.blocks();
     qsizetype fresh = 0;
@@ -82,8 +83,8 @@ TEST(HistoryReader, SharesWhatHasNotChanged)
 
 TEST(HistoryReader, AnAddedJobChangesItsOwnSurroundingsOnly)
 {
-    const HistoryPointer before = readInPieces(manyJobs(2'000), 1000);
-    const HistoryPointer after = readInPieces(R"([{"id":"new"}, )" + manyJobs(2'000).sliced(1), 1000, before);
+    const HistoryPointer before = readInPieces(replyOfMany(2'000), 1000);
+    const HistoryPointer after = readInPieces(R"([{"id":"new"}, )" + replyOfMany(2'000).sliced(1), 1000, before);
     ASSERT_TRUE(before && after);
     qsizetype fresh = 0;
     for (const JobBlockPointer &block : after->entries.blocks())
@@ -96,8 +97,8 @@ TEST(HistoryReader, AnAddedJobChangesItsOwnSurroundingsOnly)
 
 TEST(HistoryReader, TheSameReplyIsTheSameHistory)
 {
-    const HistoryPointer before = readInPieces(manyJobs(300), 100);
-    EXPECT_EQ(readInPieces(manyJobs(300), 77, before), before);
+    const HistoryPointer before = readInPieces(replyOfMany(300), 100);
+    EXPECT_EQ(readInPieces(replyOfMany(300), 77, before), before);
 }
 
 TEST(JobList, FindsByIdAndByCallDir)
