@@ -40,3 +40,9 @@ if(TUPPI_SANITIZE)
     -fsanitize=${TUPPI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(tuppi_common INTERFACE -fsanitize=${TUPPI_SANITIZE})
 endif()
+
+if(TUPPI_COVERAGE)
+  # Counted atomically, as threads count the same line.
+  target_compile_options(tuppi_common INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(tuppi_common INTERFACE --coverage)
+endif()
