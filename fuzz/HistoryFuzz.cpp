@@ -32,7 +32,7 @@ void readInput(const QByteArray &bytes)
     const ListContent content{rows.rows, {}, {}};
     for (qsizetype index = 0; index < content.size(); ++index) {
         require(content.lookAt(index) == content.lookAt(index));
-        require(!content.keyAt(index).isNull());
+        require(content.keyAt(index) == RowKey(content.rows.at(index)));
     }
     require(JobIds(*reply.history).size() <= reply.history->entries.size());
 }

@@ -138,11 +138,13 @@ void HistoryReader::endBlock()
 {
     const SourceMark mark = MarkOf(m_source);
     JobBlockPointer block = m_known.value(mark.first);
-    if (!block || block->source != mark)
+    if (!block || block->source != mark) {
         block = PackJobs(m_source, m_spans);
-    if (!block) {
-        m_state = State::Broken;
-        return;
+        if (!block) {
+            m_state = State::Broken;
+            return;
+        }
+        m_known.insert(mark.first, block);
     }
     m_blocks.append(block);
     m_source.resize(0);

@@ -28,7 +28,7 @@ private:
     HistoryPointer arranged() const;
 
     HistoryPointer m_previous;
-    QHash<size_t, JobBlockPointer> m_known;  ///< blocks of the history before, by their mark's first hash
+    QHash<size_t, JobBlockPointer> m_known;  ///< of the history before and of this one, by their mark's first hash
     QList<JobBlockPointer> m_blocks;
     State m_state = State::Start;
     QByteArray m_byteOrderMark;

@@ -101,6 +101,16 @@ TEST(HistoryReader, TheSameReplyIsTheSameHistory)
     EXPECT_EQ(readInPieces(replyOfMany(300), 77, before), before);
 }
 
+TEST(HistoryReader, AReplyThatRepeatsItselfIsTheSameHistoryTheNextTime)
+{
+    const QByteArray job = R"({"id":"a","status":"ready"})";
+    const QByteArray reply = '[' + (job + ',').repeated(1000) + job + ']';
+    const HistoryPointer first = readInPieces(reply, 4096);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->entries.size(), 1001);
+    EXPECT_EQ(readInPieces(reply, 4096, first), first);
+}
+
 TEST(JobList, FindsByIdAndByCallDir)
 {
     const HistoryPointer history =
