@@ -7,6 +7,7 @@
 
 #include "engine/DebugLog.h"
 #include "ui/TickBox.h"
+#include "viewer/ResultWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -60,6 +61,35 @@ protected:
     void work(const QString &status, bool paused = false)
     {
         show({job(u"a"_s, u"Talk"_s, status, paused)});
+    }
+    /// A job whose transcript can be shown as text.
+    QJsonObject talk(const QString &status)
+    {
+        const QString folder = m_engine.path(u"home/Talk"_s);
+        QDir().mkpath(folder);
+        test::writeFile(folder + u"/call.md"_s, "What was said");
+        QJsonObject entry = job(u"a"_s, u"Talk"_s, status);
+        entry.insert(u"call_dir"_s, folder);
+        return entry;
+    }
+    /// Announces the talk, closes the window, and clicks on the notice once the history is this.
+    void clickOnTheNotice(const QList<QJsonObject> &history)
+    {
+        openWindow();
+        show({talk(u"cleaning"_s)});
+        show({talk(u"ready"_s)});
+        ASSERT_TRUE(waitFor([this] { return notices().size() == 1 && m_number == 1; }));
+        window()->close();
+        // Its number is known to the application once another notice has gone out.
+        show({talk(u"ready"_s), job(u"b"_s, u"B"_s, u"cleaning"_s)});
+        show(history + QList{job(u"b"_s, u"B"_s, u"ready"_s)});
+        ASSERT_TRUE(waitFor([this] { return notices().size() == 2; }));
+        EXPECT_FALSE(window()->isVisible());
+        QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s,
+                                                         u"org.freedesktop.Notifications"_s, u"ActionInvoked"_s);
+        signal << uint(1) << u"default"_s;
+        m_service.send(signal);
+        ASSERT_TRUE(waitFor([this] { return window()->isVisible(); }));
     }
     static qint16 loudest(const QList<qint16> &samples)
     {
@@ -142,55 +172,25 @@ TEST_F(SoundsAndNotices, SpeakerButtonSwitchesThemOffAndOn)
     EXPECT_TRUE(logged(purrsNot)) << "switched on during work";
 }
 
-TEST_F(SoundsAndNotices, AClickOnANoticeBringsTheWindowBack)
-{
-    openWindow();
-    work(u"cleaning"_s);
-    work(u"ready"_s);
-    ASSERT_TRUE(waitFor([this] { return notices().size() == 1 && m_number == 1; }));
-    window()->close();
-    // Its number is known to the application once another notice has gone out.
-    show({job(u"a"_s, u"Talk"_s, u"ready"_s), job(u"b"_s, u"B"_s, u"cleaning"_s)});
-    show({job(u"b"_s, u"B"_s, u"ready"_s)});
-    ASSERT_TRUE(waitFor([this] { return notices().size() == 2; }));
-    EXPECT_FALSE(window()->isVisible());
-    QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s,
-                                                     u"org.freedesktop.Notifications"_s, u"ActionInvoked"_s);
-    signal << uint(1) << u"default"_s; // of a transcript that is gone: the window comes, and that is all
-    m_service.send(signal);
-    EXPECT_TRUE(waitFor([this] { return window()->isVisible(); }));
-}
-
 TEST_F(SoundsAndNotices, AClickOnANoticeOpensItsTranscript)
 {
-    const QString folder = m_engine.path(u"home/Talk"_s);
-    ASSERT_TRUE(QDir().mkpath(folder));
-    test::writeFile(folder + u"/call.md"_s, "What was said");
-    const auto talk = [&](const QString &status) {
-        QJsonObject entry = job(u"a"_s, u"Talk"_s, status);
-        entry.insert(u"call_dir"_s, folder);
-        return entry;
-    };
-    openWindow();
-    show({talk(u"cleaning"_s)});
-    show({talk(u"ready"_s)});
-    ASSERT_TRUE(waitFor([this] { return notices().size() == 1 && m_number == 1; }));
-    // Its number is known to the application once another notice has gone out.
-    show({talk(u"ready"_s), job(u"b"_s, u"B"_s, u"cleaning"_s)});
-    show({talk(u"ready"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
-    ASSERT_TRUE(waitFor([this] { return notices().size() == 2; }));
-    QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s,
-                                                     u"org.freedesktop.Notifications"_s, u"ActionInvoked"_s);
-    signal << uint(1) << u"default"_s;
-    m_service.send(signal);
-    EXPECT_TRUE(waitFor([] {
-        for (const QWidget *top : QApplication::topLevelWidgets()) {
-            const auto *text = top->findChild<QPlainTextEdit *>();
-            if (top->isVisible() && text && text->toPlainText() == u"What was said"_s)
-                return true;
-        }
-        return false;
-    }));
+    ASSERT_NO_FATAL_FAILURE(clickOnTheNotice({talk(u"ready"_s)}));
+    ASSERT_EQ(m_app->viewer().resultWindows.size(), 1);
+    const auto *text = m_app->viewer().resultWindows.cbegin().value()->findChild<QPlainTextEdit *>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->toPlainText(), u"What was said"_s);
+}
+
+TEST_F(SoundsAndNotices, AClickOnANoticeBringsTheWindowBack)
+{
+    ASSERT_NO_FATAL_FAILURE(clickOnTheNotice({}));
+    EXPECT_TRUE(m_app->viewer().resultWindows.isEmpty()) << "the transcript is gone";
+}
+
+TEST_F(SoundsAndNotices, AClickOnTheNoticeOfATranscriptThatIsMadeAnewOpensNone)
+{
+    ASSERT_NO_FATAL_FAILURE(clickOnTheNotice({talk(u"queued"_s)}));
+    EXPECT_TRUE(m_app->viewer().resultWindows.isEmpty());
 }
 
 class Heard : public SoundsAndNotices
