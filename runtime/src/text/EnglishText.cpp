@@ -88,6 +88,19 @@ const QSet<QString> &monthsAndDays()
     return names;
 }
 
+// Written with a capital wherever they stand; words that mean something else as well (polish, turkey) are left out.
+const QSet<QString> &properNames()
+{
+    static const QSet<QString> names = setOf(
+        u"africa america asia australia austria belgium berlin brazil britain california canada denmark egypt england "
+        "europe finland florida france germany india ireland israel italy japan london mexico moscow norway paris "
+        "poland portugal russia scotland spain sweden switzerland ukraine washington african american asian australian "
+        "austrian belgian brazilian british canadian chinese danish dutch egyptian english european french german "
+        "greek indian irish italian japanese korean mexican norwegian portuguese russian scottish spanish swedish "
+        "ukrainian christmas easter google americans germans russians europeans canadians italians");
+    return names;
+}
+
 QString capitalised(const QString &word)
 {
     const WordParts parts(word);
@@ -111,7 +124,7 @@ bool isName(const QStringList &keys, qsizetype at)
         key.chop(2);
     else if (key.endsWith(u"days"))
         key.chop(1);
-    if (monthsAndDays().contains(key))
+    if (monthsAndDays().contains(key) || properNames().contains(key))
         return true;
     static const QSet<QString> before = setOf(u"in of since until last next early late mid");
     return (key == u"may" || key == u"march") &&
