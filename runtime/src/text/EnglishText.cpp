@@ -107,14 +107,6 @@ QString capitalised(const QString &word)
     return parts.lead + parts.core.left(1).toUpper() + parts.core.mid(1) + parts.trail;
 }
 
-bool isDate(const QString &key)
-{
-    static const QSet<QString> ordinals =
-        setOf(u"first second third fourth fifth sixth seventh eighth ninth tenth eleventh twelfth thirteenth "
-              "fourteenth fifteenth sixteenth seventeenth eighteenth nineteenth twentieth thirtieth");
-    return ordinals.contains(key) || (!key.isEmpty() && key[0].isDigit());
-}
-
 bool isName(const QStringList &keys, qsizetype at)
 {
     QString key = keys[at];
@@ -127,8 +119,10 @@ bool isName(const QStringList &keys, qsizetype at)
     if (monthsAndDays().contains(key) || properNames().contains(key))
         return true;
     static const QSet<QString> before = setOf(u"in of since until last next early late mid");
+    const QString next = keys.value(at + 1);
+    const bool dayFollows = !next.isEmpty() && next[0].isDigit(); // it is a figure by now
     return (key == u"may" || key == u"march") &&
-           ((at > 0 && before.contains(keys[at - 1])) || (at + 1 < keys.size() && isDate(keys[at + 1])));
+           ((at > 0 && before.contains(keys[at - 1])) || dayFollows);
 }
 
 QStringList keysOf(const QStringList &words)

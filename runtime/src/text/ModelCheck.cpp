@@ -17,6 +17,7 @@ constexpr double mostGrowth = 1.3;
 constexpr qsizetype smallGrowth = 40;
 constexpr qsizetype longestEnding = 3;
 constexpr qsizetype shortestStem = 4;
+constexpr qsizetype shortestName = 3;
 constexpr qsizetype shortestTelling = 4; // letters; shorter ones hold sentences together
 
 const QHash<QString, int> &tens()
@@ -129,12 +130,12 @@ bool isCapital(const QString &word)
     return word[0].isUpper() && word.size() > 1;
 }
 
-bool wasSaid(QString word, const Vocabulary &said)
+bool wasSaid(QString word, const Vocabulary &said, bool english)
 {
     word = word.toCaseFolded().replace(u'\u2019', u'\'');
     if (word.endsWith(u"'s"))
         word.chop(2);
-    return said.holds(word) || said.holds(word + u"'s"_s);
+    return said.holds(word) || said.holds(word + u"'s"_s) || (!english && said.holdsInflected(word));
 }
 
 // Words with which a sentence begins although nobody of that name is meant.
@@ -146,7 +147,9 @@ bool isOrdinaryBeginning(const QString &word)
                                         u"both"_s,  u"all"_s,     u"one"_s,      u"who"_s,      u"what"_s,
                                         u"which"_s, u"management"_s, u"participant"_s, u"attendee"_s};
     const QString key = word.toCaseFolded();
-    return ordinary.contains(key) || key.endsWith(u's');
+    static const QSet<QString> names{u"james"_s, u"charles"_s, u"jones"_s, u"williams"_s};
+    const bool plural = key.endsWith(u's') && !key.endsWith(u"is") && !key.endsWith(u"as") && !key.endsWith(u"us");
+    return ordinary.contains(key) || (plural && !names.contains(key));
 }
 
 } // namespace
@@ -155,7 +158,7 @@ Vocabulary::Vocabulary(const QStringList &words)
 {
     for (const QString &word : words) {
         m_words.insert(word);
-        m_byBeginning[word.left(shortestStem)].insert(word);
+        m_byBeginning[word.left(shortestName)].insert(word);
     }
 }
 
@@ -163,8 +166,19 @@ bool Vocabulary::holds(const QString &word) const
 {
     if (m_words.contains(word))
         return true;
-    const QSet<QString> near = m_byBeginning.value(word.left(shortestStem));
+    const QSet<QString> near = m_byBeginning.value(word.left(shortestName));
     return std::ranges::any_of(near, [&](const QString &known) { return alike(word, known); });
+}
+
+bool Vocabulary::holdsInflected(const QString &name) const
+{
+    if (name.size() < shortestName || holds(name))
+        return holds(name);
+    const QSet<QString> near = m_byBeginning.value(name.left(shortestName));
+    return std::ranges::any_of(near, [&](const QString &known) {
+        const qsizetype stem = std::ranges::mismatch(name, known).in1 - name.begin();
+        return stem + 1 >= std::min(name.size(), known.size()) && std::max(name.size(), known.size()) <= stem + 2;
+    });
 }
 
 bool keepsWhatWasSaid(const QString &said, const QString &written)
@@ -194,13 +208,13 @@ bool namesOnlyWhatWasSaid(const QString &sentence, const Vocabulary &said, const
     static const QSet<QString> doing{u"will"_s, u"must"_s, u"should"_s, u"has"_s, u"needs"_s, u"is"_s, u"was"_s};
     const std::vector<Written> words = wordsWritten(sentence);
     for (size_t i = 0; i < words.size(); ++i) {
-        if (!isCapital(words[i].word) || hasDigit(words[i].word) || wasSaid(words[i].word, said))
+        if (!isCapital(words[i].word) || hasDigit(words[i].word) || wasSaid(words[i].word, said, english))
             continue;
         // At the beginning any word has a capital: a name is told by what follows it.
         const bool acts = english && i + 1 < words.size() && doing.contains(words[i + 1].word) &&
                           !isOrdinaryBeginning(words[i].word);
         const bool fullName = i + 1 < words.size() && !words[i + 1].begins && isCapital(words[i + 1].word) &&
-                              !wasSaid(words[i + 1].word, said);
+                              !wasSaid(words[i + 1].word, said, english);
         const bool owns = english && (words[i].word.endsWith(u"'s") || words[i].word.endsWith(u"\u2019s"));
         if (!words[i].begins || acts || fullName || owns)
             return false;
@@ -217,8 +231,10 @@ bool titleFits(const QString &title, const Vocabulary &said, const QString &lang
         std::ranges::all_of(telling, [](const Written &one) { return isCapital(one.word) || hasDigit(one.word); });
     if (!allCapitals)
         return namesOnlyWhatWasSaid(title, said, language);
-    const auto known = std::ranges::count_if(telling, [&](const Written &one) { return wasSaid(one.word, said); });
-    return numbersWereSaid(title, said, language.startsWith(u"en")) && 2 * known >= std::ssize(telling);
+    const bool english = language.startsWith(u"en");
+    const auto known =
+        std::ranges::count_if(telling, [&](const Written &one) { return wasSaid(one.word, said, english); });
+    return numbersWereSaid(title, said, english) && 2 * known >= std::ssize(telling);
 }
 
 } // namespace engine

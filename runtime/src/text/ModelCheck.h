@@ -16,9 +16,12 @@ public:
 
     bool holds(const QString &word) const;
 
+    // Of a name, also with another case's last letters: "Anne" for "Annu".
+    bool holdsInflected(const QString &name) const;
+
 private:
     QSet<QString> m_words;
-    QHash<QString, QSet<QString>> m_byBeginning;
+    QHash<QString, QSet<QString>> m_byBeginning; // the first letters
 };
 
 // Words in one form: small letters, figures for English numbers; "twenty five" gives "twenty", "20", "5" and "25".

@@ -91,6 +91,23 @@ std::optional<WrittenSummary> summaryOf(const QString &text, const QString &lang
     return written.summary.sentences.isEmpty() ? std::nullopt : std::optional(written);
 }
 
+// Paragraphs behind the name of whoever says them, so that a task can be given to a person.
+QString withSpeakers(const Part &part)
+{
+    QString text;
+    QString speaker;
+    for (const Sentence &sentence : part) {
+        const bool begins = sentence.speaker != speaker;
+        speaker = sentence.speaker;
+        if (!text.isEmpty())
+            text += begins || sentence.startsParagraph ? u"\n\n"_s : u" "_s;
+        if (!speaker.isEmpty() && (begins || sentence.startsParagraph))
+            text += speaker + u": "_s;
+        text += sentence.text;
+    }
+    return text;
+}
+
 QString clock(qint64 ms)
 {
     const qint64 seconds = ms / 1000;
@@ -194,7 +211,7 @@ std::optional<WrittenSummary> writtenSummary(const std::vector<Sentence> &senten
     WrittenSummary whole;
     for (size_t i = 0; i < parts.size(); ++i) {
         show(int(i), steps);
-        const QString text = paragraphs(parts[i]);
+        const QString text = withSpeakers(parts[i]);
         std::optional<WrittenSummary> part =
             text.size() <= 2 * summaryPart ? summaryOf(text, language, ask) : std::nullopt;
         if (part)

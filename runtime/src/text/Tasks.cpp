@@ -12,8 +12,8 @@ namespace engine {
 namespace {
 
 constexpr size_t mostTasks = 20;
-constexpr qsizetype fewestWords = 3;  // of a task
-constexpr qsizetype mostInAnswer = 6; // words of an answer that belongs to the task before it
+constexpr qsizetype fewestInTask = 3; // words
+constexpr qsizetype mostInAnswer = 8; // words of an answer that belongs to the task before it
 
 QRegularExpression pattern(const QString &text)
 {
@@ -130,7 +130,7 @@ QString mainLanguage(const QString &language)
 
 bool speaksOfDuty(const QString &text, const QString &language)
 {
-    if (countWords(text) < fewestWords)
+    if (countWords(text) < fewestInTask)
         return false;
     if (isEnglish(language))
         return speaksOfDutyInEnglish(text);
@@ -165,8 +165,9 @@ QStringList extractTasks(const std::vector<Sentence> &sentences, const QString &
         Task task{said(sentences[i]), namesDate(sentences[i].text)};
         if (!task.dated && i + 1 < sentences.size()) {
             const Sentence &next = sentences[i + 1];
+            const bool asked = sentences[i].text.endsWith(u'?');
             if (countWords(next.text) <= mostInAnswer && namesDate(next.text) &&
-                !speaksOfDuty(next.text, language)) {
+                (asked || !speaksOfDuty(next.text, language))) {
                 task.text += u' ' + (next.speaker == sentences[i].speaker ? next.text : said(next));
                 task.dated = true;
                 ++i;
@@ -188,16 +189,27 @@ QStringList extractTasks(const std::vector<Sentence> &sentences, const QString &
     return texts;
 }
 
-QStringList tasksRenamed(QStringList tasks, const QString &oldName, const QString &newName)
+QStringList speakerRenamed(QStringList texts, const QString &oldName, const QString &newName)
 {
-    for (QString &task : tasks) {
-        if (task.startsWith(oldName + u": "_s))
-            task.replace(0, oldName.size(), newName);
-        // In an answer behind the task.
-        task.replace(u". "_s + oldName + u": "_s, u". "_s + newName + u": "_s);
-        task.replace(u"? "_s + oldName + u": "_s, u"? "_s + newName + u": "_s);
+    static const QRegularExpression ours(u"^Speaker \\d+$"_s);
+    if (ours.match(oldName).hasMatch()) {
+        const QRegularExpression whole(u"\\b"_s + oldName + u"\\b"_s);
+        for (QString &text : texts) {
+            // Backslashes in a name would stand for what was found.
+            for (QRegularExpressionMatch match = whole.match(text); match.hasMatch();
+                 match = whole.match(text, match.capturedStart() + newName.size()))
+                text.replace(match.capturedStart(), match.capturedLength(), newName);
+        }
+        return texts;
     }
-    return tasks;
+    for (QString &text : texts) {
+        if (text.startsWith(oldName + u": "_s))
+            text.replace(0, oldName.size(), newName);
+        // In an answer behind the task.
+        text.replace(u". "_s + oldName + u": "_s, u". "_s + newName + u": "_s);
+        text.replace(u"? "_s + oldName + u": "_s, u"? "_s + newName + u": "_s);
+    }
+    return texts;
 }
 
 } // namespace engine

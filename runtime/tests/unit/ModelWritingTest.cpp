@@ -120,6 +120,21 @@ TEST(ModelWriting, summariesOfPartsBecomeOne)
     EXPECT_TRUE(written->summary.missing.isEmpty());
 }
 
+TEST(ModelWriting, theSummaryIsAskedForWithTheSpeakers)
+{
+    QString asked;
+    writtenSummary({{u"We need a roof."_s, 0, 1000, true, u"Speaker 1"_s},
+                    {u"Yes."_s, 1500, 2000, false, u"Speaker 1"_s},
+                    {u"I will build it."_s, 3000, 4000, true, u"Bo"_s}},
+                   u"en"_s,
+                   [&](const ModelQuestion &question) {
+                       asked = question.text;
+                       return std::optional(uR"({"summary": ["Bo builds a roof."]})"_s);
+                   },
+                   &showNothing);
+    EXPECT_EQ(asked, u"Speaker 1: We need a roof. Yes.\n\nBo: I will build it."_s);
+}
+
 TEST(ModelWriting, aPartWithoutAnAnswerIsToldOf)
 {
     int asked = 0;
