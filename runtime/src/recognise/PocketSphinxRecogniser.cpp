@@ -1,11 +1,10 @@
 #include "recognise/PocketSphinxRecogniser.h"
 
-#include "core/Failure.h"
-
 #include <QFile>
 
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
+#include <sphinxbase/ngram_model.h>
 
 #include <algorithm>
 #include <atomic>
@@ -117,8 +116,44 @@ void PocketSphinxRecogniser::prepare()
     if (settings)
         ::cmd_ln_free_r(settings);
     if (!m_decoder)
-        throw Failure(u"The speech model in “"_s + m_model.acoustic +
-                      u"” could not be loaded. Install it again."_s);
+        throw unusable();
+}
+
+Failure PocketSphinxRecogniser::unusable() const
+{
+    return Failure(u"The speech model in “"_s + m_model.acoustic +
+                   u"” could not be loaded. Install it again."_s);
+}
+
+// Without the step that costs most: making the dictionary's words out of the model's sounds.
+void PocketSphinxRecogniser::check()
+{
+    if (!partsAreWhole())
+        throw unusable();
+}
+
+bool PocketSphinxRecogniser::partsAreWhole() const
+{
+    QFile dictionary(m_model.dictionary);
+    if (!dictionary.open(QIODevice::ReadOnly) || dictionary.size() == 0 ||
+        !dictionary.seek(dictionary.size() - 1) || dictionary.read(1) != "\n")
+        return false;
+    ::err_set_logfp(nullptr);
+    cmd_ln_t *settings =
+        ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", QFile::encodeName(m_model.acoustic).constData(),
+                      "-logfn", "/dev/null", nullptr);
+    if (!settings)
+        return false;
+    const std::unique_ptr<ps_decoder_s, Release> sounds(::ps_init(settings));
+    ngram_model_t *words = sounds ? ::ngram_model_read(settings, QFile::encodeName(m_model.words).constData(),
+                                                       NGRAM_AUTO, ::ps_get_logmath(sounds.get()))
+                                  : nullptr;
+    ::cmd_ln_free_r(settings);
+    // The words stand at the end of the file, and the library does not mind when that is missing.
+    const bool whole = words && ::ngram_wid(words, "<s>") != ::ngram_unknown_wid(words);
+    if (words)
+        ::ngram_model_free(words);
+    return whole;
 }
 
 bool PocketSphinxRecogniser::search(const Sound &sound)
