@@ -12,15 +12,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// All that people do at the computer meanwhile comes first.
-constexpr int priority = 10;
 
 QString recogniserTrouble()
 {
@@ -69,7 +65,6 @@ int main(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
         return check();
-    ::setpriority(PRIO_PROCESS, 0, priority);
     try {
         return engine::Worker(engine::Paths::ofThisUser()).run();
     } catch (const engine::Failure &failure) {

@@ -237,6 +237,29 @@ TEST(Store, theOrderIsThatOfArrivalWhateverTheClockSays)
     }
 }
 
+TEST(Store, allAreHiddenAtOnceAsOneByOne)
+{
+    test::Home home;
+    Database database(home.paths());
+    Job ready = test::sampleJob(uR"(a ","hidden":false," title)"_s);
+    ready.status = Status::ready.toString();
+    ready = test::addJob(database, ready);
+    const Job waiting = test::addJob(database, test::sampleJob());
+    const auto entries = [&] {
+        QByteArray all;
+        forEachEntries(database, [&](const QByteArray &more) { all += more; });
+        return all;
+    };
+    for (const bool hidden : {true, false}) {
+        EXPECT_TRUE(hideAll(database, hidden));
+        EXPECT_FALSE(hideAll(database, hidden));
+        ready.hidden = hidden;
+        EXPECT_EQ(jobBySeq(database, ready.seq)->hidden, hidden);
+        EXPECT_FALSE(jobBySeq(database, waiting.seq)->hidden);
+        EXPECT_EQ(entries(), historyEntry(waiting) + ",\n" + historyEntry(ready));
+    }
+}
+
 TEST(Store, segmentsAreKeptOneByOneAndSurvive)
 {
     const test::Home home;
