@@ -109,6 +109,26 @@ int refuse()
     return -1;
 }
 
+bool isThere(const char *path)
+{
+    const int before = errno;
+    const bool there = ::syscall(SYS_faccessat, AT_FDCWD, path, F_OK) == 0;
+    errno = before;
+    return there;
+}
+
+// Whether making this file or folder is to fail: opening what is there needs no room.
+bool cannotMake(const char *path)
+{
+    return !isThere(path) && strikes(Create, path);
+}
+
+// Whether cutting this file is to fail; half a cut there is not.
+bool cannotCut(int fd)
+{
+    return control() && control()->error.load() != 0 && strikes(Write, fd);
+}
+
 // How much of it is written: all, half, or nothing (-1).
 ssize_t allowed(int fd, size_t size)
 {
@@ -193,19 +213,19 @@ int fdatasync(int fd)
 int ftruncate(int fd, off_t size) noexcept
 {
     static const auto real = next(&ftruncate, "ftruncate");
-    return strikes(Write, fd) ? refuse() : real(fd, size);
+    return cannotCut(fd) ? refuse() : real(fd, size);
 }
 
 int ftruncate64(int fd, off64_t size) noexcept
 {
     static const auto real = next(&ftruncate64, "ftruncate64");
-    return strikes(Write, fd) ? refuse() : real(fd, size);
+    return cannotCut(fd) ? refuse() : real(fd, size);
 }
 
 int mkdir(const char *path, mode_t mode) noexcept
 {
     static const auto real = next(&mkdir, "mkdir");
-    return strikes(Create, path) ? refuse() : real(path, mode);
+    return cannotMake(path) ? refuse() : real(path, mode);
 }
 
 int rename(const char *from, const char *to) noexcept
@@ -221,7 +241,7 @@ int open(const char *path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return (flags & O_CREAT) != 0 && strikes(Create, path) ? refuse() : real(path, flags, mode);
+    return (flags & O_CREAT) != 0 && cannotMake(path) ? refuse() : real(path, flags, mode);
 }
 
 int open64(const char *path, int flags, ...)
@@ -231,7 +251,7 @@ int open64(const char *path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return (flags & O_CREAT) != 0 && strikes(Create, path) ? refuse() : real(path, flags, mode);
+    return (flags & O_CREAT) != 0 && cannotMake(path) ? refuse() : real(path, flags, mode);
 }
 
 int clock_gettime(clockid_t clock, timespec *now) noexcept

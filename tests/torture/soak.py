@@ -185,5 +185,5 @@ def kept_when_lost(engine, tally):
         engine.close()
 
 
-__all__ = ["ACTIVE", "OPTIONS", "PATIENCE", "Engine", "Lost", "Recordings", "Tally", "all_ended", "check_store", "faults_in", "kept_when_lost",
-           "library_holds_only", "moment", "require", "settle", "until"]
+__all__ = ["ACTIVE", "OPTIONS", "PATIENCE", "Engine", "Lost", "Recordings", "Tally", "all_ended", "check_store",
+           "faults_in", "kept_when_lost", "library_holds_only", "moment", "require", "settle", "until"]

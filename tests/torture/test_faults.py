@@ -15,18 +15,18 @@ YEAR = 365 * 24 * 3600
 
 class FaultsAreFelt(RoadTest):
     def setUp(self):
-        self.larkspire = self.engine()
-        self.faults = faults_in(self.larkspire, LIBRARY)
-        self.larkspire.environment |= self.faults.environment
-        self.path = self.recording(self.larkspire)
-        self.entry = self.larkspire.transcribe(self.path)
+        self.runtime = self.engine()
+        self.faults = faults_in(self.runtime, LIBRARY)
+        self.runtime.environment |= self.faults.environment
+        self.path = self.recording(self.runtime)
+        self.entry = self.runtime.transcribe(self.path)
 
     def test_every_kind_of_disk(self):
-        listing, history = self.larkspire.listing(), self.larkspire.history()
+        listing, history = self.runtime.listing(), self.runtime.history()
         for kind in DISK:
             with self.subTest(kind):
                 self.faults.break_disk(kind, 0, FOR_EVER)
-                reply = self.larkspire.call("process", self.path, *OPTIONS)
+                reply = self.runtime.call("process", self.path, *OPTIONS)
                 self.assertGreater(self.faults.mend_disk(), 0, "nothing has failed")
                 if kind == "half of it written":  # which is no fault: the rest can be written after it
                     self.assertEqual((reply.status, reply.err), (0, ""))
@@ -34,26 +34,26 @@ class FaultsAreFelt(RoadTest):
                 self.assert_one_line(reply, 1)
                 self.assertIn("disk", reply.err)
                 print(f"{kind}: {reply.err.strip()}")
-                self.assertEqual(self.larkspire.history()[-1:], history)
-                self.assertEqual([path for path in self.larkspire.listing() if path in listing], listing)
+                self.assertEqual(self.runtime.history()[-1:], history)
+                self.assertEqual([path for path in self.runtime.listing() if path in listing], listing)
 
     def test_a_list_that_cannot_be_read_for_a_while(self):
         """The one thing to do about it at first is nothing."""
-        before = self.larkspire.history()
+        before = self.runtime.history()
         self.faults.break_disk("disk error on reading", 0, FOR_EVER)
-        reply = self.larkspire.call("history", "--json")
+        reply = self.runtime.call("history", "--json")
         self.faults.mend_disk()
         self.assert_one_line(reply, 1)
         self.assertRegex(reply.err, "disk (fails|reported an error)")
         self.assertNotRegex(reply.err, r"\A(?!.*[Tt]ry again).*[Mm]ove that file")
-        self.assertEqual(self.larkspire.history(), before)
+        self.assertEqual(self.runtime.history(), before)
 
     def test_clock(self):
         self.faults.shift_clock(-10 * YEAR)
-        entry = self.larkspire.transcribe(self.path)
+        entry = self.runtime.transcribe(self.path)
         self.assertEqual(int(entry["completed_at"][:4]), int(self.entry["completed_at"][:4]) - 10)
         self.assertEqual(transcript(entry), transcript(self.entry))
-        self.assertEqual([e["id"] for e in self.larkspire.history()], [entry["id"], self.entry["id"]])
+        self.assertEqual([e["id"] for e in self.runtime.history()], [entry["id"], self.entry["id"]])
 
 
 if __name__ == "__main__":
