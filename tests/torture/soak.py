@@ -16,9 +16,9 @@ from road import ACTIVE, ENDED, PATIENCE, Engine, several, technical, until  # n
 
 OPTIONS = ("--background", "--engine", "auto", "--language", "en", "--no-speakers")
 BASES = (("Good morning.", "We need to send the report to the city by Friday."),
-         ("There are about twenty people on the team.", "Thank you very much."),
-         ("We hope to open the doors in September.", "Good morning, and thank you for coming."),
-         ("My brother will look after the water and the lights.",))
+         ("Thank you very much.",),
+         ("We hope to open the doors in September.",),
+         ("There are about twenty people on the team.",))
 TITLE = re.compile(rb"take [0-9]+")
 
 
