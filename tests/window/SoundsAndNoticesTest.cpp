@@ -6,8 +6,12 @@
 #include "window/WindowTest.h"
 
 #include "engine/DebugLog.h"
+#include "ui/TickBox.h"
 
+#include <QApplication>
+#include <QDir>
 #include <QJsonDocument>
+#include <QPlainTextEdit>
 
 using namespace Qt::StringLiterals;
 using namespace tuppi;
@@ -157,6 +161,38 @@ TEST_F(SoundsAndNotices, AClickOnANoticeBringsTheWindowBack)
     EXPECT_TRUE(waitFor([this] { return window()->isVisible(); }));
 }
 
+TEST_F(SoundsAndNotices, AClickOnANoticeOpensItsTranscript)
+{
+    const QString folder = m_engine.path(u"home/Talk"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+    test::writeFile(folder + u"/call.md"_s, "What was said");
+    const auto talk = [&](const QString &status) {
+        QJsonObject entry = job(u"a"_s, u"Talk"_s, status);
+        entry.insert(u"call_dir"_s, folder);
+        return entry;
+    };
+    openWindow();
+    show({talk(u"cleaning"_s)});
+    show({talk(u"ready"_s)});
+    ASSERT_TRUE(waitFor([this] { return notices().size() == 1 && m_number == 1; }));
+    // Its number is known to the application once another notice has gone out.
+    show({talk(u"ready"_s), job(u"b"_s, u"B"_s, u"cleaning"_s)});
+    show({talk(u"ready"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
+    ASSERT_TRUE(waitFor([this] { return notices().size() == 2; }));
+    QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s,
+                                                     u"org.freedesktop.Notifications"_s, u"ActionInvoked"_s);
+    signal << uint(1) << u"default"_s;
+    m_service.send(signal);
+    EXPECT_TRUE(waitFor([] {
+        for (const QWidget *top : QApplication::topLevelWidgets()) {
+            const auto *text = top->findChild<QPlainTextEdit *>();
+            if (top->isVisible() && text && text->toPlainText() == u"What was said"_s)
+                return true;
+        }
+        return false;
+    }));
+}
+
 class Heard : public SoundsAndNotices
 {
 protected:
@@ -212,6 +248,25 @@ TEST_F(Heard, PurrsFadesInNineStepsAndIsSilent)
 
     work(u"analyzing"_s);
     EXPECT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s, 2)) << "resumed work purrs again";
+}
+
+TEST_F(Heard, SoundsOffInTheSettingsEndsThePurr)
+{
+    Recording recording(m_server);
+    openWindow();
+    work(u"transcribing"_s);
+    constexpr qsizetype half = 22050;
+    ASSERT_TRUE(waitFor([&] { return recording.samples().size() > half && loudest(recording.samples().last(half)) > 500; }));
+    m_app->perform(u"showSettings"_s);
+    TickBox *sounds = nullptr;
+    for (const QWidget *top : QApplication::topLevelWidgets()) {
+        if (auto *box = top->findChild<TickBox *>(u"sounds"_s))
+            sounds = box;
+    }
+    ASSERT_NE(sounds, nullptr);
+    sounds->click();
+    EXPECT_TRUE(waitFor([&] { return loudest(recording.samples().last(half)) == 0; }));
+    EXPECT_EQ(window()->findChild<IconButton *>(u"soundButton"_s)->symbol(), u"speaker.slash.fill"_s);
 }
 
 TEST_F(Heard, TwoReadyTranscriptsGiveOneMew)
