@@ -48,6 +48,16 @@ class FaultsAreFelt(RoadTest):
         self.assertNotRegex(reply.err, r"\A(?!.*[Tt]ry again).*[Mm]ove that file")
         self.assertEqual(self.runtime.history(), before)
 
+    def test_a_recording_on_a_failing_disk_is_not_called_damaged(self):
+        self.runtime.environment["TUPPI_FAULTS_UNDER"] = self.runtime.library + os.sep
+        self.faults.break_disk("disk error on reading", 0, FOR_EVER)
+        number = self.runtime.process(self.path)
+        failed = self.runtime.wait(number, "failed")
+        self.faults.mend_disk()
+        self.assertIn("the disk reported an error", failed["error"])
+        self.runtime.ask("retry", number)
+        self.assertEqual(transcript(self.runtime.wait(number, "ready")), transcript(self.entry))
+
     def test_clock(self):
         self.faults.shift_clock(-10 * YEAR)
         entry = self.runtime.transcribe(self.path)

@@ -50,13 +50,13 @@ class Clock:
 def one_round(asked, chance, recordings, tally, clock):
     both = asked.part is None
     files = max(1, asked.jobs // 10) if both else asked.jobs
-    if asked.part != "application":
-        over = clock.share(0.8 if both else 1).over
-        EngineSoak(chance, recordings, tally, LIBRARY, asked.jobs - (files if both else 0), asked.faults).run(over)
-        print(f"engine: {tally.total()} faults so far", flush=True)
     if asked.part != "engine":
-        ApplicationSoak(chance, recordings, tally, LIBRARY, PROGRAM, files, files * asked.faults).run(clock.over)
+        over = clock.share(0.2 if both else 1).over
+        ApplicationSoak(chance, recordings, tally, LIBRARY, PROGRAM, files, files * asked.faults).run(over)
         print(f"application: {tally.total()} faults so far", flush=True)
+    if asked.part != "application":  # whose end, with all its jobs, takes the longest
+        EngineSoak(chance, recordings, tally, LIBRARY, asked.jobs - (files if both else 0), asked.faults).run(clock.over)
+        print(f"engine: {tally.total()} faults so far", flush=True)
 
 
 def main():
