@@ -396,7 +396,7 @@ TEST(Store, garbageIsToldOfAndLeftAlone)
     test::write(home.paths().database, garbage);
     EXPECT_TRUE(test::sentenceOf([&] {
                     Database database(home.paths());
-                }).contains(u"is damaged and was left as it is"));
+                }).contains(u"It was left as it is"));
     EXPECT_EQ(test::contentOf(home.paths().database), garbage);
 }
 
