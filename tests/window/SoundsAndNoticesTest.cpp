@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QJsonDocument>
 #include <QPlainTextEdit>
+#include <QResource>
 
 using namespace Qt::StringLiterals;
 using namespace tuppi;
@@ -279,6 +280,18 @@ TEST_F(Heard, SoundsOffInTheSettingsEndsThePurr)
     sounds->click();
     EXPECT_TRUE(waitFor([&] { return loudest(recording.samples().last(half)) == 0; }));
     EXPECT_EQ(window()->findChild<IconButton *>(u"soundButton"_s)->symbol(), u"speaker.slash.fill"_s);
+}
+
+TEST_F(Heard, ASoundThatCannotBeReadIsLoggedAndNothingElse)
+{
+    ASSERT_TRUE(QResource::registerResource(QCoreApplication::applicationDirPath() + u"/no-sound.rcc"_s));
+    openWindow();
+    work(u"cleaning"_s);
+    work(u"ready"_s);
+    EXPECT_TRUE(logged(u"sound purr start play=1 sound=loaded"_s));
+    EXPECT_TRUE(logged(u"sound meow play=0 sound=nil"_s));
+    EXPECT_TRUE(waitFor([this] { return notices().size() == 1; }));
+    EXPECT_EQ(sheet(), nullptr);
 }
 
 TEST_F(Heard, TwoReadyTranscriptsGiveOneMew)
