@@ -152,7 +152,6 @@ void TranscriptList::selectRow(int index)
         if (RowView *view = m_shown.value(changed))
             place(changed, view);
     }
-    Q_EMIT selectionChanged();
 }
 
 int TranscriptList::rowAt(const QPoint &viewportPosition) const

@@ -23,6 +23,20 @@ bool IsRightToLeft(const QString &language)
     return language.startsWith("ar"_L1) || language.startsWith("he"_L1);
 }
 
+bool RunsFromTheRight(QStringView text)
+{
+    constexpr qsizetype enough = 10000;
+    qsizetype more = 0;
+    for (const QChar character : text.first(qMin(text.size(), enough))) {
+        const QChar::Direction direction = character.direction();
+        if (direction == QChar::DirR || direction == QChar::DirAL)
+            ++more;
+        else if (direction == QChar::DirL)
+            --more;
+    }
+    return more > 0;
+}
+
 QString viewerI18nScript(const QHash<QString, QString> &texts, const QString &language)
 {
     QJsonObject table;

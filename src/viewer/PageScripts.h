@@ -12,6 +12,8 @@ QString ScriptText(const QJsonValue &value);
 
 /// Whether an interface in that language runs from right to left.
 bool IsRightToLeft(const QString &language);
+/// Whether most letters of a text (of its first ten thousand characters) belong to scripts that run from right to left.
+bool RunsFromTheRight(QStringView text);
 
 /// Hands the page its translations (English text to text) and its direction; runs before the page's own.
 QString viewerI18nScript(const QHash<QString, QString> &texts, const QString &language);

@@ -2,8 +2,10 @@
 
 #include "ui/Fonts.h"
 #include "ui/Metrics.h"
+#include "viewer/PageScripts.h"
 
 #include <QPlainTextEdit>
+#include <QTextOption>
 
 namespace tuppi {
 
@@ -37,6 +39,10 @@ TextWindow::TextWindow(const ResultPlan &plan, const QString &text)
     m_text->setReadOnly(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_text->setFont(System(textSize));
+    // The view would put every line at the left edge, whichever way it runs.
+    QTextOption option = m_text->document()->defaultTextOption();
+    option.setAlignment((RunsFromTheRight(text) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
+    m_text->document()->setDefaultTextOption(option);
     m_text->setPlainText(text);
     setContent(m_text);
 }

@@ -127,6 +127,14 @@ TEST(TheScripts, KnowWhichLanguagesRunFromTheRight)
         EXPECT_FALSE(IsRightToLeft(language)) << qPrintable(language);
 }
 
+TEST(TheScripts, TellByItsLettersWhichWayATextRuns)
+{
+    for (const QString &text : {u"مقابلة"_s, u"# Interview\n\n## Full text\n\nصباح الخير، وشكرًا على حضوركم اليوم."_s, u"1. שלום"_s})
+        EXPECT_TRUE(RunsFromTheRight(text)) << qPrintable(text);
+    for (const QString &text : {QString(), u"12:30 —"_s, u"Interview"_s, u"مقابلة, an interview"_s, u"Розмова"_s, u"采访"_s})
+        EXPECT_FALSE(RunsFromTheRight(text)) << qPrintable(text);
+}
+
 TEST(TheScripts, SwitchTheTab)
 {
     EXPECT_EQ(ShowTabScript(true), u"window.showTab&&showTab('summary')"_s);

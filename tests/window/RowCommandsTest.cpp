@@ -476,16 +476,16 @@ TEST_F(RowCommands, ClearListOfOneSaysSoAndHidesThemInListOrder)
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"x"_s, u"a"_s, u"y"_s, u"z"_s}}));
 }
 
-TEST_F(RowCommands, RowsWithoutAnIdAreLeftOutOfHide)
+TEST_F(RowCommands, RowsWhoseIdIsNoTextAreLeftOutOfHide)
 {
     openWith({});
     m_app->removeCalls({}, u"Nothing"_s);
     EXPECT_EQ(sheet(), nullptr);
-    const QJsonObject nameless{{u"title"_s, u"N"_s}};
-    m_app->removeCalls({nameless, job(u"a"_s, u"A"_s, u"ready"_s)}, u"Remove"_s);
+    const QJsonObject nameless{{u"id"_s, 0}, {u"title"_s, u"N"_s}};
+    m_app->removeCalls(ArrangeHistory({nameless, job(u"a"_s, u"A"_s, u"ready"_s)}).entries, u"Remove"_s);
     answer(0);
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"a"_s}}));
-    m_app->removeCalls({nameless}, u"Remove"_s);
+    m_app->removeCalls(ArrangeHistory({nameless}).entries, u"Remove"_s);
     answer(0);
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"a"_s}, {u"hide"_s}}));
 }

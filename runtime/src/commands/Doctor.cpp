@@ -3,9 +3,13 @@
 #include "core/ChildProgram.h"
 #include "core/Failure.h"
 #include "core/Files.h"
+#include "core/WorkerLock.h"
 #include "models/CustomModels.h"
+#include "store/Jobs.h"
 #include "store/Settings.h"
 
+#include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -78,6 +82,40 @@ void requireRoom(const QString &folder)
         throw Failure(u"Only "_s + sizeText(room) + u" are free at “"_s + existing + u"”."_s);
 }
 
+bool standsStill(pid_t process)
+{
+    QFile file(u"/proc/%1/stat"_s.arg(process));
+    const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const qsizetype name = line.lastIndexOf(") ");
+    return name >= 0 && line.mid(name + 2, 1) == "T";
+}
+
+// What keeps the jobs that are not done from going on.
+void requireProgress(Database &database)
+{
+    const std::vector<Job> jobs = unfinishedJobs(database);
+    for (const Job &job : jobs) {
+        if (!QFileInfo::exists(job.callDir))
+            throw Failure(u"The folder of “"_s + job.title + u"” is not in its place: “"_s + job.callDir +
+                          u"”. Put it back, or cancel this transcription."_s);
+    }
+    if (jobs.empty())
+        return;
+    const std::optional<pid_t> worker = WorkerLock(Paths::ofThisUser()).owner();
+    if (worker && standsStill(*worker))
+        throw Failure(u"The program at work was stopped from outside and waits to be continued: process "_s +
+                      QString::number(*worker) + u'.');
+}
+
+void requireClock(Database &database)
+{
+    const std::optional<Job> newest = newestJob(database);
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    if (newest && QDateTime::fromString(newest->createdAt, Qt::ISODate) > now.addDays(1))
+        throw Failure(u"This computer's clock says "_s + now.toString(Qt::ISODate) +
+                      u", but the newest transcription was begun "_s + newest->createdAt + u'.');
+}
+
 // What the rest of the checks need of the store.
 struct Settings
 {
@@ -94,13 +132,19 @@ Settings appendStoreChecks(std::vector<Check> &checks)
         if (const QString verdict = database->integrity(); verdict != u"ok")
             throw Failure(u"The list of transcripts is damaged: "_s + verdict);
         settings = {libraryFolder(*database), textModel(*database)};
-        const Transaction writing(*database); // the store may be open for reading alone
+        // SQLite begins to write without a word where it may only read: it refuses the first change.
+        const Transaction writing(*database);
+        database->run(u"UPDATE settings SET value = value WHERE FALSE"_s);
     }));
     checks.push_back(check(u"Transcripts folder"_s, [&] { requireLibrary(settings.library); }));
     checks.push_back(check(u"Room on the disk"_s, [&] {
         requireRoom(settings.library);
         requireRoom(Paths::ofThisUser().base);
     }));
+    if (database) {
+        checks.push_back(check(u"Unfinished transcriptions"_s, [&] { requireProgress(*database); }));
+        checks.push_back(check(u"Date and time"_s, [&] { requireClock(*database); }));
+    }
     return settings;
 }
 

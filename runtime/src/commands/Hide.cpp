@@ -14,8 +14,6 @@ namespace {
 std::vector<Job> chosenJobs(Database &database, const Arguments &arguments, bool hidden)
 {
     std::vector<Job> jobs;
-    if (arguments.has(u"--all"))
-        return jobsToHide(database, hidden);
     for (const QString &id : arguments.words) {
         const Job job = requireJob(database, id);
         if (hidden && job.unfinished())
@@ -24,6 +22,16 @@ std::vector<Job> chosenJobs(Database &database, const Arguments &arguments, bool
             jobs.push_back(job);
     }
     return jobs;
+}
+
+bool hideChosen(Database &database, const Arguments &arguments, bool hidden)
+{
+    std::vector<Job> jobs = chosenJobs(database, arguments, hidden);
+    for (Job &job : jobs) {
+        job.hidden = hidden;
+        updateJob(database, job);
+    }
+    return !jobs.empty();
 }
 
 } // namespace
@@ -35,13 +43,10 @@ int hide(const Arguments &arguments)
     const bool hidden = !arguments.has(u"--undo");
     Database database(Paths::ofThisUser());
     Transaction transaction(database);
-    const std::vector<Job> jobs = chosenJobs(database, arguments, hidden);
-    for (Job job : jobs) {
-        job.hidden = hidden;
-        updateJob(database, job);
-    }
+    const bool changed =
+        arguments.has(u"--all") ? hideAll(database, hidden) : hideChosen(database, arguments, hidden);
     transaction.commit();
-    if (!jobs.empty())
+    if (changed)
         announceChange(database.paths());
     return 0;
 }

@@ -34,7 +34,7 @@ void makeFolder(const QString &path, const QString &doing)
     throw systemFailure(doing, error);
 }
 
-static void writeAll(int fd, const QByteArray &bytes, const QString &doing)
+void writeAll(int fd, const QByteArray &bytes, const QString &doing)
 {
     qsizetype written = 0;
     while (written < bytes.size()) {

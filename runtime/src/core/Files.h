@@ -8,6 +8,10 @@ namespace engine {
 // Makes the folder and what leads to it. Throws Failure with a sentence that starts with `doing`.
 void makeFolder(const QString &path, const QString &doing);
 
+// Writes all of it into the open file, in as many steps as that takes. Throws Failure with a sentence that starts with
+// `doing`.
+void writeAll(int fd, const QByteArray &bytes, const QString &doing);
+
 // Writes beside and renames: a reader sees the old text or the new one, also after a power cut.
 // Throws Failure.
 void writeFile(const QString &path, const QByteArray &bytes);

@@ -49,6 +49,17 @@ void WorkerLock::signOwner()
         errno = 0; // a full disk is no reason not to work
 }
 
+std::optional<pid_t> WorkerLock::owner()
+{
+    if (tryTake()) {
+        release();
+        return std::nullopt;
+    }
+    QFile file(m_paths.workerLock);
+    const int pid = file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
+    return pid > 0 ? std::optional<pid_t>(pid) : std::nullopt;
+}
+
 void WorkerLock::release()
 {
     m_file.reset();

@@ -3,6 +3,9 @@
 #include "core/FileDescriptor.h"
 #include "core/Paths.h"
 
+#include <optional>
+#include <sys/types.h>
+
 namespace engine {
 
 // The right to work, held by one worker at a time over all processes of this user; the kernel gives it back
@@ -19,8 +22,11 @@ public:
     bool takeSoon();
     void release();
 
-    // Writes the process id of the holder into the lock file, for people who look.
+    // Writes the process id of the holder into the lock file, for whoever looks.
     void signOwner();
+
+    // The process that has signed last, if the lock is held; else nothing.
+    std::optional<pid_t> owner();
 
     // For a forked child, which must not keep the lock alive beyond its parent.
     void abandonInChild() { m_file.reset(); }

@@ -7,7 +7,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,16 @@ using namespace Qt::StringLiterals;
 namespace engine {
 
 namespace {
+
+// All that people do at the computer meanwhile comes first. Linux desktops share processors out among sessions
+// before they look at processes, so the priority of the worker's session counts too.
+void stepBack(const QByteArray &steps)
+{
+    ::setpriority(PRIO_PROCESS, 0, std::atoi(steps.constData()));
+    const FileDescriptor session(::open("/proc/self/autogroup", O_WRONLY | O_CLOEXEC));
+    if (session.valid() && ::write(session.get(), steps.constData(), size_t(steps.size())) < 0)
+        errno = 0; // it is only a wish
+}
 
 // Between fork and exec only calls that are safe there. The report descriptor closes itself at exec.
 [[noreturn]] void becomeWorker(const char *program, int report)
@@ -47,6 +59,7 @@ QString workerProgram()
 pid_t launch(bool detached)
 {
     const QByteArray program = QFile::encodeName(workerProgram());
+    const QByteArray steps = qEnvironmentVariableIsSet("TUPPI_NICE") ? qgetenv("TUPPI_NICE") : "10"_ba;
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         throw systemFailure(u"The worker could not be started"_s, errno);
@@ -57,6 +70,7 @@ pid_t launch(bool detached)
         throw systemFailure(u"The worker could not be started"_s, errno);
     if (child == 0) {
         ::setsid();
+        stepBack(steps);
         const pid_t grandchild = detached ? ::fork() : 0;
         if (grandchild != 0)
             ::_exit(grandchild > 0 ? 0 : 1);

@@ -26,6 +26,8 @@ constexpr const char *acceptedForms = "mov,mp3,wav,w64,aac,flac,ogg,matroska,aif
 constexpr double longestGapSeconds = 600;
 constexpr double shortestGapSeconds = 0.25;
 
+const QString readingFailed = u"The recording could not be read"_s;
+
 Failure unreadable(const QString &why)
 {
     return Failure(u"The file is not a recording that can be read: "_s + why);
@@ -62,6 +64,9 @@ private:
     void prepareResampler(AVFrame *frame);
     void keepTime(const AVFrame *frame);
 
+    Failure damaged() const;
+
+    ffmpeg::File m_file; // outlives the format, which reads from it
     ffmpeg::Format m_format;
     ffmpeg::Codec m_codec;
     ffmpeg::Packet m_packet{::av_packet_alloc()};
@@ -81,19 +86,32 @@ void AudioReader::Private::open(const QString &path)
 {
     if (!QFileInfo(path).isFile())
         throw Failure(u"The recording is no longer in its folder: “"_s + path + u"”."_s);
+    const QByteArray address = "file:" + QFile::encodeName(path);
+    AVIOContext *file = nullptr;
+    const int reached = ::avio_open(&file, address.constData(), AVIO_FLAG_READ);
+    if (reached < 0)
+        throw reached == AVERROR(EACCES) ? unreadable(u"permission was refused."_s)
+                                         : systemFailure(readingFailed, AVUNERROR(reached));
+    m_file.reset(file);
+    AVFormatContext *opened = ::avformat_alloc_context();
+    opened->pb = file;
     AVDictionary *options = nullptr;
     ::av_dict_set(&options, "protocol_whitelist", "file", 0);
     ::av_dict_set(&options, "format_whitelist", acceptedForms, 0);
-    AVFormatContext *opened = nullptr;
-    const QByteArray address = "file:" + QFile::encodeName(path);
     const int result = ::avformat_open_input(&opened, address.constData(), nullptr, &options);
     ::av_dict_free(&options);
     if (result < 0)
-        throw unreadable(result == AVERROR(EACCES) ? u"permission was refused."_s
-                                                   : u"it is damaged, incomplete or of another kind."_s);
+        throw damaged();
     m_format.reset(opened);
     if (::avformat_find_stream_info(opened, nullptr) < 0)
-        throw unreadable(u"it is damaged, incomplete or of another kind."_s);
+        throw damaged();
+}
+
+// What FFmpeg takes for damage may be the disk.
+Failure AudioReader::Private::damaged() const
+{
+    return m_file->error == AVERROR(EIO) ? systemFailure(readingFailed, EIO)
+                                         : unreadable(u"it is damaged, incomplete or of another kind."_s);
 }
 
 void AudioReader::Private::openDecoder()
@@ -123,8 +141,8 @@ bool AudioReader::Private::feedPacket()
     while (!m_fileEnded) {
         if (::av_read_frame(m_format.get(), m_packet.get()) < 0) {
             // A recording that was cut off is worth what there is of it; a failing disk is not its end.
-            if (m_format->pb && m_format->pb->error == AVERROR(EIO))
-                throw systemFailure(u"The recording could not be read"_s, EIO);
+            if (m_file->error == AVERROR(EIO))
+                throw systemFailure(readingFailed, EIO);
             m_fileEnded = true;
             ::avcodec_send_packet(m_codec.get(), nullptr);
             return true;

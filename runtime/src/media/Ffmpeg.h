@@ -13,6 +13,7 @@ namespace engine::ffmpeg {
 
 struct Release
 {
+    void operator()(AVIOContext *file) const { ::avio_closep(&file); }
     void operator()(AVFormatContext *format) const { ::avformat_close_input(&format); }
     void operator()(AVCodecContext *codec) const { ::avcodec_free_context(&codec); }
     void operator()(AVPacket *packet) const { ::av_packet_free(&packet); }
@@ -20,6 +21,7 @@ struct Release
     void operator()(SwrContext *resampler) const { ::swr_free(&resampler); }
 };
 
+using File = std::unique_ptr<AVIOContext, Release>;
 using Format = std::unique_ptr<AVFormatContext, Release>;
 using Codec = std::unique_ptr<AVCodecContext, Release>;
 using Packet = std::unique_ptr<AVPacket, Release>;

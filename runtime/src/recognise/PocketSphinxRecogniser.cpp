@@ -1,8 +1,7 @@
 #include "recognise/PocketSphinxRecogniser.h"
 
-#include "core/Failure.h"
-
 #include <QFile>
+#include <QtEndian>
 
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
@@ -11,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstring>
 #include <mutex>
 #include <thread>
 
@@ -31,6 +31,32 @@ QString spoken(const char *entry)
         return {};
     const qsizetype mark = word.indexOf(u'(');
     return mark > 0 ? word.left(mark) : word;
+}
+
+bool endsWithNewline(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) &&
+           file.read(1) == "\n";
+}
+
+// A language model in PocketSphinx's own form begins with a mark, its order and the number of its words, and ends
+// with the words themselves behind their length in bytes. The library loads it without them, too.
+bool endsWithItsWords(const QString &path)
+{
+    constexpr QByteArrayView mark("Trie Language Model");
+    QFile file(path);
+    const qint64 size = file.open(QIODevice::ReadOnly) ? file.size() : 0;
+    const uchar *bytes = size > 0 ? file.map(0, size) : nullptr;
+    const qint64 numberAt = mark.size() + 1;
+    if (!bytes || size < numberAt + 8 || std::memcmp(bytes, mark.data(), size_t(mark.size())) != 0)
+        return false;
+    const auto *words = bytes + size;
+    for (qint64 word = qFromLittleEndian<quint32>(bytes + numberAt); word >= 0 && words; --word)
+        words = static_cast<const uchar *>(::memrchr(bytes, 0, size_t(words - bytes)));
+    // This is the last byte of the length.
+    return words && words - bytes >= numberAt + 8 &&
+           qFromLittleEndian<quint32>(words - 3) == size_t(bytes + size - words - 1);
 }
 
 // Tells how far the decoder has come while it works, from a thread of its own: the library gives no sign of
@@ -117,8 +143,33 @@ void PocketSphinxRecogniser::prepare()
     if (settings)
         ::cmd_ln_free_r(settings);
     if (!m_decoder)
-        throw Failure(u"The speech model in “"_s + m_model.acoustic +
-                      u"” could not be loaded. Install it again."_s);
+        throw unusable();
+}
+
+Failure PocketSphinxRecogniser::unusable() const
+{
+    return Failure(u"The speech model in “"_s + m_model.acoustic +
+                   u"” could not be loaded. Install it again."_s);
+}
+
+// Without the steps that cost most: making the dictionary's words out of the model's sounds, and reading how often
+// words follow one another.
+void PocketSphinxRecogniser::check()
+{
+    if (!partsAreWhole())
+        throw unusable();
+}
+
+bool PocketSphinxRecogniser::partsAreWhole() const
+{
+    ::err_set_logfp(nullptr);
+    cmd_ln_t *settings =
+        ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", QFile::encodeName(m_model.acoustic).constData(),
+                      "-logfn", "/dev/null", nullptr);
+    const std::unique_ptr<ps_decoder_s, Release> sounds(settings ? ::ps_init(settings) : nullptr);
+    if (settings)
+        ::cmd_ln_free_r(settings);
+    return sounds && endsWithNewline(m_model.dictionary) && endsWithItsWords(m_model.words);
 }
 
 bool PocketSphinxRecogniser::search(const Sound &sound)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Failure.h"
 #include "core/SpeechModel.h"
 #include "recognise/Recogniser.h"
 
@@ -19,10 +20,13 @@ public:
     QString language() const override;
     bool usesOneCore() const override { return true; }
     void prepare() override;
+    void check() override;
     Heard recognise(const Sound &sound) override;
 
 private:
     bool search(const Sound &sound);
+    bool partsAreWhole() const;
+    Failure unusable() const;
 
     struct Release
     {

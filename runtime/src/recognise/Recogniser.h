@@ -73,6 +73,9 @@ public:
     // Loads the model, once; in the parent, so that every child shares it. Throws Failure.
     virtual void prepare() = 0;
 
+    // Looks whether it could work, for less than loading everything. Throws Failure.
+    virtual void check() { prepare(); }
+
     // Throws Failure, or RecogniserBroke.
     virtual Heard recognise(const Sound &sound) = 0;
 };

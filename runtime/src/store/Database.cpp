@@ -52,9 +52,11 @@ Failure storeFailure(const QSqlError &error, const Paths &paths)
                        u". Check the disk and who may write there."_s);
     case Corrupt:
     case NotADatabase:
+        // SQLite says so as well when the disk refuses to read.
         return Failure(
-            u"The list of transcripts is damaged and was left as it is"_s + where +
-            u". The transcripts themselves are still in their folders. Move that file away to start a new list."_s);
+            u"The list of transcripts could not be read: it is damaged, or its disk fails"_s + where +
+            u". It was left as it is, and the transcripts are still in their folders. Try again; if that never helps, "
+            u"move that file away to start a new list."_s);
     case Busy:
     case Locked:
         return Failure(u"The list of transcripts is in use by another program for too long. Try again."_s);

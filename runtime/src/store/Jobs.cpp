@@ -74,6 +74,12 @@ QVariant orNull(const std::optional<double> &number)
     return number ? QVariant(*number) : QVariant();
 }
 
+// As historyEntry() writes it.
+QString hiddenMark(bool hidden)
+{
+    return hidden ? u"\"hidden\":true"_s : u"\"hidden\":false"_s;
+}
+
 const QString unfinished = u"status IN ('queued', 'transcribing', 'cleaning', 'analyzing')"_s;
 
 // Of places (a job's number and its call dir, one behind the other), those whose folder alone is gone: their
@@ -151,14 +157,30 @@ bool hasCallDir(Database &database, const QString &callDir)
     return oneJob(database, u"WHERE call_dir = ?"_s, {callDir}).has_value();
 }
 
-std::vector<Job> jobsToHide(Database &database, bool hidden)
+bool hideAll(Database &database, bool hidden)
 {
     const QString which = hidden ? u" WHERE hidden = 0 AND NOT "_s + unfinished : u" WHERE hidden = 1"_s;
-    QSqlQuery query = database.run(u"SELECT "_s + columns + u" FROM jobs"_s + which);
+    // Ten thousand jobs one by one would take a second. No text in an entry looks like this: its quotes are escaped.
+    database.run(u"UPDATE entries SET entry = CAST(replace(CAST(entry AS TEXT), ?, ?) AS BLOB) "
+                 "WHERE seq IN (SELECT seq FROM jobs"_s +
+                     which + u')',
+                 {hiddenMark(!hidden), hiddenMark(hidden)});
+    return database.run(u"UPDATE jobs SET hidden = %1"_s.arg(int(hidden)) + which).numRowsAffected() > 0;
+}
+
+std::vector<Job> unfinishedJobs(Database &database)
+{
+    QSqlQuery query =
+        database.run(u"SELECT "_s + columns + u" FROM jobs WHERE "_s + unfinished + u" ORDER BY seq"_s);
     std::vector<Job> jobs;
     while (query.next())
         jobs.push_back(jobFrom(query));
     return jobs;
+}
+
+std::optional<Job> newestJob(Database &database)
+{
+    return oneJob(database, u"ORDER BY seq DESC"_s);
 }
 
 std::optional<Job> nextJob(Database &database)
@@ -171,7 +193,7 @@ std::optional<Job> latestJob(Database &database)
     const QString order = u" ORDER BY paused, status = 'queued', seq"_s;
     if (std::optional<Job> job = oneJob(database, u"WHERE "_s + unfinished + order))
         return job;
-    return oneJob(database, u"ORDER BY seq DESC"_s);
+    return newestJob(database);
 }
 
 void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take)

@@ -21,8 +21,15 @@ Job requireJob(Database &database, const QString &id); // throws Failure when th
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
 bool hasCallDir(Database &database, const QString &callDir); // any of the jobs
 
-// Those that "hide --all" takes off the list (every one that is not being worked on) or puts back.
-std::vector<Job> jobsToHide(Database &database, bool hidden);
+// What "hide --all" does: marks every job that is not being worked on as hidden, or takes the mark off every job. Tells
+// whether any was changed.
+bool hideAll(Database &database, bool hidden);
+
+// Those that are not done yet, the oldest first.
+std::vector<Job> unfinishedJobs(Database &database);
+
+// The one that was added last.
+std::optional<Job> newestJob(Database &database);
 
 // The job that a worker should take next: the oldest unfinished one that is not paused.
 std::optional<Job> nextJob(Database &database);

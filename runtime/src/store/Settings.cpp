@@ -72,12 +72,9 @@ void requireWritable(const QString &folder)
         throw systemFailure(doing, errno);
     ::unlink(name.constData());
     // A full disk may still have room for names.
-    const QByteArray block(4096, 'x');
-    const ssize_t written = ::write(probe.get(), block.constData(), size_t(block.size()));
-    if (written < 0 || ::fsync(probe.get()) != 0)
+    writeAll(probe.get(), QByteArray(4096, 'x'), doing);
+    if (::fsync(probe.get()) != 0)
         throw systemFailure(doing, errno);
-    if (written < block.size())
-        throw systemFailure(doing, ENOSPC);
 }
 
 void requireLibrary(const QString &folder)

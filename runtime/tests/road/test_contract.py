@@ -1,12 +1,16 @@
 #!/usr/bin/env python3
 """The command line as its callers know it: argument forms, replies, exit statuses."""
 
+import contextlib
 import datetime
 import json
 import os
 import re
+import shutil
+import sqlite3
 
 from road import ACTIVE, ENDED, SENTENCES, RoadTest, main, several, until
+from seeded import seed
 
 DATE = r"\A\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\Z"
 # Compared with a moment of the reader's: it must tell its zone.
@@ -207,6 +211,20 @@ class Contract(RoadTest):
             self.assertIsInstance(check["optional"], bool)
         self.assertEqual([c for c in checks if not c["ok"] and not c["optional"]], [])
 
+    def test_doctor_names_a_damaged_speech_model(self):
+        engine = self.engine()
+        for damaged in (None, "en-us.lm.bin", "cmudict-en-us.dict", "en-us/means", "en-us/mdef"):
+            model = os.path.join(engine.home, "model")
+            shutil.copytree("/usr/share/pocketsphinx/model/en-us", model)
+            if damaged:
+                path = os.path.join(model, damaged)
+                os.truncate(path, os.path.getsize(path) // 3 * 2 - 2)
+            engine.environment["TUPPI_POCKETSPHINX_MODEL"] = model
+            with self.subTest(damaged):
+                self.assertEqual(list(engine.troubles()),
+                                 ["Speech recogniser (PocketSphinx, English)"] if damaged else [])
+            shutil.rmtree(model)
+
     def test_wrong_arguments(self):
         engine = self.engine()
         path = self.recording(engine)
@@ -243,9 +261,34 @@ class Contract(RoadTest):
                         ("process", path, "--background", "--engine", "auto", "--language", "en", "--no-speakers")):
             with self.subTest(command):
                 self.assert_one_line(engine.call(*command), 1)
+        self.assertEqual(list(engine.troubles()), ["List of transcripts"])
         with open(engine.store, "rb") as file:
             self.assertEqual(file.read(), garbage)
         self.assertEqual(engine.listing(), listing)
+
+    def test_history_is_streamed(self):
+        """A hundred times as many jobs take no more memory: the first go out before the last are read."""
+        engine = self.engine()
+        first = seed(engine)
+        engine.ask("history", "--json")
+
+        def filled(jobs):
+            with contextlib.closing(sqlite3.connect(engine.store, timeout=30)) as base:
+                names = ", ".join(row[1] for row in base.execute("PRAGMA table_info(jobs)")
+                                  if row[1] not in ("seq", "id"))
+                for number in range(base.execute("SELECT count(*) FROM jobs").fetchone()[0], jobs):
+                    job = f"{first['id']}-{number}"
+                    seq = base.execute(f"INSERT INTO jobs (id, {names}) SELECT ?, {names} FROM jobs WHERE seq = 1",
+                                       (job,)).lastrowid
+                    base.execute("INSERT INTO entries VALUES (?, ?)", (seq, json.dumps({**first, "id": job}).encode()))
+                base.commit()
+            self.assertEqual(len(engine.history()), jobs)
+            cost = engine.cost("history", "--json")
+            self.assertEqual(cost.status, 0)
+            return cost.megabytes
+
+        few = filled(100)
+        self.assertLess(filled(10000), few * 1.2)
 
     def test_other_locales(self):
         engine = self.engine()

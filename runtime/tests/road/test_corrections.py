@@ -234,6 +234,36 @@ class Commands(CorrectionTest):
         self.edit(0, "behind")
         self.agreed()
 
+    def test_files_that_people_have_thrown_away_or_spoilt_come_back(self):
+        self.edit(0, "before")
+        for names in (("Transcript.txt",), ("Summary.md",), ("Technical files/segments.json", "Technical files/viewer.html"),
+                      ("Technical files/transcript.txt", "Technical files/subtitles.srt", "Technical files/subtitles.vtt")):
+            for name in names:
+                os.remove(os.path.join(self.entry["call_dir"], name))
+            self.edit(0, "behind " + names[0])
+            self.agreed()
+        for name in ("segments.json", "viewer.html", "subtitles.srt"):
+            with open(technical(self.entry, name), "wb") as file:
+                file.write(b"\xff\xfe{")
+        self.edit(0, "at last")
+        self.agreed()
+
+    def test_a_folder_in_the_place_of_a_file(self):
+        self.edit(0, "before")
+        for name in ("Transcript.txt", "Technical files/viewer.html"):
+            path = os.path.join(self.entry["call_dir"], name)
+            os.rename(path, path + " aside")
+            os.makedirs(os.path.join(path, "theirs"))
+            kept = stored(self.runtime, self.entry)
+            self.assert_one_line(self.runtime.call("edit", self.id, "0", "--json", "--", "not now"), 1)
+            self.assertEqual(stored(self.runtime, self.entry), kept, "nothing has changed")
+            self.assertTrue(os.path.isdir(os.path.join(path, "theirs")))
+            os.removedirs(os.path.join(path, "theirs"))
+            os.rename(path + " aside", path)
+            self.agreed()
+            self.edit(0, "behind " + name)
+            self.agreed()
+
     @unittest.skipIf(os.geteuid() == 0, "root may write everywhere: see the read-only disk")
     def test_a_folder_that_can_only_be_read(self):
         self.edit(0, "before")

@@ -6,7 +6,7 @@ import os
 import signal
 import unittest
 
-from road import ACTIVE, SENTENCES, RoadTest, main, results, several, until
+from road import ACTIVE, SENTENCES, RoadTest, main, read, results, several, until
 
 CORES = len(os.sched_getaffinity(0))
 
@@ -57,12 +57,16 @@ class DecodersTest(RoadTest):
 
     @unittest.skipIf(CORES < 2, "one core")
     def test_every_core_works(self):
+        del self.runtime.environment["TUPPI_NICE"]
         job = self.runtime.process(self.path)
         found = until(lambda: len(self.decoders()) >= 2 and self.decoders(), "two decoders at once")
         # People come first.
         for process in found:
             with contextlib.suppress(ProcessLookupError):
                 self.assertGreaterEqual(os.getpriority(os.PRIO_PROCESS, process), 10)
+            if os.path.exists(f"/proc/{process}/autogroup"):
+                with contextlib.suppress(OSError):
+                    self.assertRegex(read(f"/proc/{process}/autogroup"), r" nice 10\n\Z")
         self.runtime.wait(job, "ready")
 
     def test_killed_decoders(self):

@@ -596,7 +596,7 @@ class Health(ModelTest):
         return {check["check"]: check for check in json.loads(self.tuppi.ask("doctor", "--json").out)}
 
     def bad(self):
-        return {name for name, check in self.checks().items() if not check["ok"] and not check["optional"]}
+        return set(self.tuppi.troubles())
 
     def test_all_is_well(self):
         self.ollama("qwen3:8b")

@@ -261,6 +261,33 @@ TEST_F(JobRunTest, aRecogniserThatAlwaysDiesEndsTheJob)
                 }).startsWith(u"The speech recogniser stopped again and again at second 1 "));
 }
 
+TEST_F(JobRunTest, twelveHoursKeepTheirTimes)
+{
+    // A thousand samples a second; nobody speaks before the last ten seconds.
+    constexpr int rate = 1000;
+    constexpr qint64 quiet = (12 * 3600 - 10) * rate;
+    std::vector<int16_t> end;
+    test::appendBabble(end, 5.0 * rate / 16000, 5000);
+    test::appendSilence(end, 5.0 * rate / 16000);
+    Job job = newJob({});
+    QFile file(job.callDir + u'/' + job.audio);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray whole = test::wav(end, rate);
+    const auto size = quint32(quiet * 2 + qint64(end.size()) * 2);
+    for (int byte = 0; byte < 4; ++byte) {
+        whole[4 + byte] = char((size + 36) >> (8 * byte));
+        whole[40 + byte] = char(size >> (8 * byte));
+    }
+    ASSERT_EQ(file.write(whole.first(44)), 44);
+    ASSERT_TRUE(file.seek(44 + quiet * 2)); // the quiet takes no room on the disk
+    ASSERT_EQ(file.write(whole.mid(44)), whole.size() - 44);
+    file.close();
+    run(job);
+    EXPECT_EQ(stored(job).status, u"ready"_s);
+    EXPECT_NEAR(stored(job).durationSeconds.value_or(0), 12 * 3600, 0.5);
+    EXPECT_TRUE(transcript(job).startsWith("[11:59:")) << transcript(job).toStdString();
+}
+
 TEST_F(JobRunTest, silenceIsToldInTheWordsOfTheContract)
 {
     std::vector<int16_t> silence;

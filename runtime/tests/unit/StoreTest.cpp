@@ -216,6 +216,50 @@ TEST(Store, theOldestUnfinishedUnpausedJobIsNext)
     EXPECT_EQ(latestJob(database)->id, running.id);
 }
 
+TEST(Store, theOrderIsThatOfArrivalWhateverTheClockSays)
+{
+    test::Home home;
+    Database database(home.paths());
+    QStringList arrived;
+    for (const char *time : {"2025-03-14T10:22:33Z", "2099-01-01T00:00:00Z", "1970-01-01T00:00:00Z"}) {
+        Job job = test::sampleJob();
+        job.createdAt = QString::fromLatin1(time);
+        job.recordedAt = job.createdAt.chopped(1);
+        arrived.prepend(test::addJob(database, job).id);
+        EXPECT_EQ(nextJob(database)->id, arrived.last());
+    }
+    QByteArray entries;
+    forEachEntries(database, [&](const QByteArray &more) { entries += more; });
+    qsizetype at = -1;
+    for (const QString &id : arrived) {
+        EXPECT_GT(entries.indexOf(id.toUtf8()), at);
+        at = entries.indexOf(id.toUtf8());
+    }
+}
+
+TEST(Store, allAreHiddenAtOnceAsOneByOne)
+{
+    test::Home home;
+    Database database(home.paths());
+    Job ready = test::sampleJob(uR"(a ","hidden":false," title)"_s);
+    ready.status = Status::ready.toString();
+    ready = test::addJob(database, ready);
+    const Job waiting = test::addJob(database, test::sampleJob());
+    const auto entries = [&] {
+        QByteArray all;
+        forEachEntries(database, [&](const QByteArray &more) { all += more; });
+        return all;
+    };
+    for (const bool hidden : {true, false}) {
+        EXPECT_TRUE(hideAll(database, hidden));
+        EXPECT_FALSE(hideAll(database, hidden));
+        ready.hidden = hidden;
+        EXPECT_EQ(jobBySeq(database, ready.seq)->hidden, hidden);
+        EXPECT_FALSE(jobBySeq(database, waiting.seq)->hidden);
+        EXPECT_EQ(entries(), historyEntry(waiting) + ",\n" + historyEntry(ready));
+    }
+}
+
 TEST(Store, segmentsAreKeptOneByOneAndSurvive)
 {
     const test::Home home;
@@ -352,7 +396,7 @@ TEST(Store, garbageIsToldOfAndLeftAlone)
     test::write(home.paths().database, garbage);
     EXPECT_TRUE(test::sentenceOf([&] {
                     Database database(home.paths());
-                }).contains(u"is damaged and was left as it is"));
+                }).contains(u"It was left as it is"));
     EXPECT_EQ(test::contentOf(home.paths().database), garbage);
 }
 
