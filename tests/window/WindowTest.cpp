@@ -83,10 +83,12 @@ bool Drag::drop(QWidget *over)
 void clickAt(QWidget *widget, const QPoint &place, Qt::MouseButton button)
 {
     QWidget *window = widget->window();
-    const QPoint there = widget->mapTo(window, place);
-    const QWidget *hit = window->childAt(there);
-    ASSERT_TRUE(hit == widget || widget->isAncestorOf(hit)) << "covered by something else";
-    QTest::mouseClick(window->windowHandle(), button, Qt::NoModifier, there);
+    // What has just come may not be in its place yet.
+    ASSERT_TRUE(waitFor([&] {
+        const QWidget *hit = window->childAt(widget->mapTo(window, place));
+        return hit == widget || widget->isAncestorOf(hit);
+    })) << "covered by something else";
+    QTest::mouseClick(window->windowHandle(), button, Qt::NoModifier, widget->mapTo(window, place));
 }
 
 void click(QWidget *widget, Qt::MouseButton button)

@@ -7,6 +7,14 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
+QStringList textsOf(const std::vector<Word> &words)
+{
+    QStringList texts;
+    for (const Word &word : words)
+        texts.append(word.text);
+    return texts;
+}
+
 QString Segment::text() const
 {
     QString text;

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -19,6 +20,7 @@ struct Word
 
     bool operator==(const Word &) const = default;
 };
+QStringList textsOf(const std::vector<Word> &words);
 
 // A stretch of the recording that is recognised on its own. Segments of a job never overlap and are numbered
 // from 0 in the order of time.

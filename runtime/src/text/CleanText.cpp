@@ -76,9 +76,7 @@ QString capitalised(QString text)
 
 QString textOf(const std::vector<Word> &words, bool english)
 {
-    QStringList texts;
-    for (const Word &word : words)
-        texts.append(word.text);
+    const QStringList texts = textsOf(words);
     const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
     if (WordParts(texts.back()).endsSentence())
         return text;
@@ -136,6 +134,27 @@ std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const
     std::vector<Sentence> sentences = sentencesFrom(stretches, isEnglish(language));
     // Whoever said nothing but "um" said that.
     return sentences.empty() ? sentencesFrom(stretches, false) : sentences;
+}
+
+std::vector<Segment> asLines(std::vector<Segment> segments, const QString &language)
+{
+    const auto hasCapitals = [](const Segment &segment) {
+        return std::ranges::any_of(segment.text(), [](QChar c) { return c.isUpper(); });
+    };
+    if (std::ranges::any_of(segments, hasCapitals))
+        return segments;
+    for (Segment &segment : segments) {
+        if (!segment.words || segment.words->empty())
+            continue;
+        std::vector<Word> &words = *segment.words;
+        const QStringList texts = isEnglish(language) ? english::withCapitals(textsOf(words)) : textsOf(words);
+        std::ranges::transform(words, texts, words.begin(), [](Word word, const QString &text) {
+            word.text = text;
+            return word;
+        });
+        words.front().text = capitalised(words.front().text);
+    }
+    return segments;
 }
 
 QString plainText(const std::vector<Segment> &segments)

@@ -25,6 +25,10 @@ bool isEnglish(const QString &language);
 // languages (`language` is a code such as "en") no word is added, dropped or replaced.
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language);
 
+// The segments as lines of a transcript are written: where the recogniser knows no capitals, a line begins with one, and
+// English has them for "I", days and months. Else as they are.
+std::vector<Segment> asLines(std::vector<Segment> segments, const QString &language);
+
 // The words as recognised, one segment a line: for when no cleaning is wanted.
 QString plainText(const std::vector<Segment> &segments);
 

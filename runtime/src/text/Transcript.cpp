@@ -10,14 +10,6 @@ namespace engine {
 
 namespace {
 
-QStringList textsOf(const std::vector<Word> &words)
-{
-    QStringList texts;
-    for (const Word &word : words)
-        texts.append(word.text);
-    return texts;
-}
-
 // Lets the words from `first` to before `end` share a stretch of time.
 void share(std::vector<Word> &words, size_t first, size_t end, qint64 startMs, qint64 endMs)
 {

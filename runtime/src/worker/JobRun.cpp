@@ -290,8 +290,9 @@ void JobRun::finish()
     if (m_control.job().speakers)
         segments = cutBySpeaker(segments, findTurns(segments));
     Transcript transcript;
-    transcript.lines = linesFrom(segments);
-    transcript.clean = plainText(segments);
+    const std::vector<Segment> lines = asLines(segments, m_control.job().language);
+    transcript.lines = linesFrom(lines);
+    transcript.clean = plainText(lines);
     if (m_control.job().clean || m_control.job().analyze)
         write(transcript, segments);
     keep(transcript);

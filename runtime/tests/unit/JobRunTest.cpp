@@ -3,6 +3,7 @@
 #include "core/Cores.h"
 #include "output/CallDirWriter.h"
 #include "store/Transcripts.h"
+#include "text/CleanText.h"
 
 #include "FakeRecogniser.h"
 #include "Support.h"
@@ -102,7 +103,7 @@ TEST_F(JobRunTest, aJobThatIsReadyHasATranscriptThatAgreesWithItsFiles)
     run(m_job);
     const std::optional<Transcript> kept = keptTranscript(m_database, m_job.seq);
     ASSERT_TRUE(kept);
-    EXPECT_EQ(kept->lines, linesFrom(segmentsOf(m_database, m_job.seq)));
+    EXPECT_EQ(kept->lines, linesFrom(asLines(segmentsOf(m_database, m_job.seq), u"en"_s)));
     EXPECT_TRUE(unwrittenJobs(m_database).empty());
     for (const auto &[name, bytes] : callDirFiles(stored(m_job), *kept))
         EXPECT_EQ(test::contentOf(m_job.callDir + u'/' + name), bytes) << name.toStdString();
@@ -183,8 +184,8 @@ TEST_F(JobRunTest, whatWasShownAsDoneStaysSo)
         return std::vector<Word>{{less ? u"less"_s : u"more"_s, 0, qint64(samples.size() / 16)}};
     };
     run(m_job);
-    EXPECT_TRUE(transcript(m_job).contains("more"));
-    EXPECT_FALSE(transcript(m_job).contains("less"));
+    EXPECT_TRUE(transcript(m_job).contains("More"));
+    EXPECT_FALSE(transcript(m_job).contains("Less"));
 }
 
 TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)

@@ -1,5 +1,6 @@
 #include "text/CleanText.h"
 #include "text/Summary.h"
+#include "text/Words.h"
 
 #include "Support.h"
 
@@ -209,6 +210,44 @@ INSTANTIATE_TEST_SUITE_P(
                     EnglishCase{"so do i", "So do I."}, EnglishCase{"is the plan ready", "Is the plan ready?"},
                     EnglishCase{"it is late isn't it", "It is late isn't it?"},
                     EnglishCase{"who went there", "Who went there."}));
+
+struct LinesCase
+{
+    const char *name;
+    QString language;
+    QStringList said;
+    QStringList written;
+};
+
+class AsLines : public testing::TestWithParam<LinesCase>
+{
+};
+
+TEST_P(AsLines, haveTheCapitalsThatNobodyWrote)
+{
+    std::vector<Segment> segments;
+    for (const QString &line : GetParam().said) {
+        Segment &segment = segments.emplace_back();
+        segment.words.emplace();
+        for (const QString &word : wordsOf(line))
+            segment.words->push_back({word, 0, 1});
+    }
+    QStringList written;
+    for (const Segment &segment : asLines(segments, GetParam().language))
+        written.append(segment.text());
+    EXPECT_EQ(written, GetParam().written);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CleanText, AsLines,
+    testing::Values(
+        LinesCase{"english", u"en"_s, {u"so i came on monday"_s, u""_s, u"i'm glad you did"_s},
+                  {u"So I came on Monday"_s, u""_s, u"I'm glad you did"_s}},
+        LinesCase{"another", u"es"_s, {u"el lunes i el martes"_s}, {u"El lunes i el martes"_s}},
+        LinesCase{"written", u"en"_s, {u"and then"_s, u"Anna said yes on monday"_s},
+                  {u"and then"_s, u"Anna said yes on monday"_s}},
+        LinesCase{"withoutCapitals", u"zh"_s, {u"\u4f60\u597d"_s}, {u"\u4f60\u597d"_s}}),
+    [](const auto &each) { return std::string(each.param.name); });
 
 TEST(CleanText, nothingSaidGivesNothing)
 {
