@@ -18,6 +18,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -51,6 +52,7 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     ground.setColor(QPalette::Window, Colours::window);
     setPalette(ground);
     buildMenuBar();
+    addMenuKey();
     buildContent(stage);
     const int menuHeight = menuBar()->isNativeMenuBar() ? 0 : menuBar()->sizeHint().height();
     setMinimumSize(Metrics::windowMinimumWidth, Metrics::windowMinimumHeight + menuHeight);
@@ -84,6 +86,13 @@ void MainWindow::buildMenuBar()
             });
         }
     }
+}
+
+/// As on every desktop; the toolkit knows only the Alt key.
+void MainWindow::addMenuKey()
+{
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this,
+            [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
 }
 
 void MainWindow::performForFocus(const QString &action)

@@ -111,6 +111,7 @@ void TranscriptList::place(int index, RowView *view)
 {
     RowLook look = m_content.lookAt(index);
     look.selected = index == m_selected;
+    look.focused = look.selected && m_showsFocus && hasFocus();
     const bool hadFocus = view->isAncestorOf(QApplication::focusWidget());
     view->setLook(look);
     // A button that vanishes under the keyboard would hand it to the next one, of whatever row that is.
@@ -152,7 +153,34 @@ void TranscriptList::selectRow(int index)
         if (RowView *view = m_shown.value(changed))
             place(changed, view);
     }
+    if (hasFocus())
+        tellFocus();
     Q_EMIT selectionChanged();
+}
+
+void TranscriptList::focusRow(const RowView *row)
+{
+    setFocus(Qt::OtherFocusReason);
+    setShowsFocus(true);
+    selectRow(m_shown.key(const_cast<RowView *>(row), -1));
+}
+
+/// The ring is for those who use the keyboard: a click shows by itself where it was.
+void TranscriptList::setShowsFocus(bool shown)
+{
+    m_showsFocus = shown;
+    if (RowView *view = viewAt(m_selected))
+        place(m_selected, view);
+}
+
+/// To assistive tools the selected row has the keyboard, and not the list around it.
+void TranscriptList::tellFocus()
+{
+    RowView *view = viewAt(m_selected);
+    if (!view || !QAccessible::isActive())
+        return;
+    QAccessibleEvent focused(view, QAccessible::Focus);
+    QAccessible::updateAccessibility(&focused);
 }
 
 int TranscriptList::rowAt(const QPoint &viewportPosition) const
@@ -175,6 +203,7 @@ void TranscriptList::pressed(const QPoint &viewportPosition, Qt::MouseButton but
 {
     const int index = rowAt(viewportPosition);
     setFocus(Qt::MouseFocusReason);
+    setShowsFocus(false);
     if (index >= 0 || button == Qt::LeftButton)
         selectRow(index);
 }
@@ -253,6 +282,7 @@ bool TranscriptList::moveSelection(QKeyEvent *event)
     default:
         return false;
     }
+    setShowsFocus(true);
     if (count > 0) {
         target = qBound(0, target, count - 1);
         selectRow(target);
@@ -340,13 +370,16 @@ void TranscriptList::focusInEvent(QFocusEvent *event)
         && (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason))
         selectRow(rowsInSight().first);
     QAbstractScrollArea::focusInEvent(event);
-    viewport()->update();
+    if (event->reason() != Qt::MouseFocusReason)
+        setShowsFocus(m_showsFocus || event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
+    // The toolkit names the list itself only after this.
+    QMetaObject::invokeMethod(this, &TranscriptList::tellFocus, Qt::QueuedConnection);
 }
 
 void TranscriptList::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
-    viewport()->update();
+    setShowsFocus(m_showsFocus);
 }
 
 } // namespace tuppi
