@@ -27,6 +27,10 @@ target_compile_definitions(tuppi_common INTERFACE
 target_compile_options(tuppi_common INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef
   $<$<BOOL:${TUPPI_WERROR}>:-Werror>)
+if(CMAKE_UNITY_BUILD)
+  # It warns of local types in headers, and takes every source for one here.
+  target_compile_options(tuppi_common INTERFACE -Wno-subobject-linkage)
+endif()
 
 if(TUPPI_SANITIZE)
   target_compile_options(tuppi_common INTERFACE

@@ -96,13 +96,14 @@ class Screen:
                 rgb[3 * width * row + channel:3 * width * (row + 1):3] = line[2 - channel::4]
         return bytes(rgb)
 
+    def shows(self, box):
+        """Whether there is something in it. The screen behind is black, a new window shows it until painted."""
+        points = [(box.x + box.width * part // 4, box.y + box.height * part // 4) for part in (1, 2, 3)]
+        return all((self.pixels(x, y, 1, 1) or bytes(3)) != bytes(3) for x, y in points)
+
     def painted(self):
-        """The first window with something in it. The screen behind is black, a new window shows it until painted."""
-        for box in self.windows():
-            points = [(box.x + box.width * part // 4, box.y + box.height * part // 4) for part in (1, 2, 3)]
-            if all((self.pixels(x, y, 1, 1) or bytes(3)) != bytes(3) for x, y in points):
-                return box
-        return None
+        """The first window with something in it."""
+        return next(filter(self.shows, self.windows()), None)
 
     def photograph(self, box):
         return Picture(box.width, box.height, self.pixels(box.x, box.y, box.width, box.height))

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString suffix = u".txt"_s;
+const QString textSuffix = u".txt"_s;
 
 /// True when a folder of the current user's stands at `path`, closed to all others by now.
 bool isOwnPrivateFolder(const QByteArray &path)
@@ -37,17 +37,17 @@ bool isOwnPrivateFolder(const QByteArray &path)
 
 QString WithTextSuffix(const QString &path)
 {
-    return path.endsWith(suffix, Qt::CaseInsensitive) ? path : path + suffix;
+    return path.endsWith(textSuffix, Qt::CaseInsensitive) ? path : path + textSuffix;
 }
 
 QString FileNameThatFits(const QString &name)
 {
     constexpr qsizetype longest = 240; // bytes; 255 are allowed, and the file being written has a longer name
-    const qsizetype room = longest - suffix.size();
-    QString base = name.endsWith(suffix) ? name.chopped(suffix.size()) : name;
+    const qsizetype room = longest - textSuffix.size();
+    QString base = name.endsWith(textSuffix) ? name.chopped(textSuffix.size()) : name;
     while (QFile::encodeName(base).size() > room)
         base.chop(base.back().isLowSurrogate() ? 2 : 1);
-    return base + suffix;
+    return base + textSuffix;
 }
 
 std::optional<QString> WriteTextFile(const QString &path, const QString &text)

@@ -1,5 +1,7 @@
 #include "platform/PortalRequest.h"
 
+#include "platform/Portal.h"
+
 #include <QDBusObjectPath>
 #include <QGuiApplication>
 #include <QUuid>
@@ -11,14 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
 const QString requestInterface = u"org.freedesktop.portal.Request"_s;
 
 } // namespace
 
 QDBusMessage PortalRequest::call(const QString &interface, const QString &member)
 {
-    return QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s, portalPath, interface, member);
+    return QDBusMessage::createMethodCall(portalService, portalPath, interface, member);
 }
 
 PortalRequest::PortalRequest(const QDBusConnection &session, QObject *context, std::function<void(bool)> then)

@@ -1,4 +1,5 @@
 #include "platform/ReducedMotion.h"
+#include "platform/Portal.h"
 
 #include <QDBusArgument>
 #include <QDBusServiceWatcher>
@@ -14,9 +15,7 @@ using namespace Qt::StringLiterals;
 
 using Settings = QMap<QString, QVariantMap>;
 
-const QString portalService = u"org.freedesktop.portal.Desktop"_s;
-const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString portalInterface = u"org.freedesktop.portal.Settings"_s;
+const QString settingsPortal = u"org.freedesktop.portal.Settings"_s;
 const QString appearance = u"org.freedesktop.appearance"_s;
 const QString reducedMotion = u"reduced-motion"_s;
 const QString gnomeInterface = u"org.gnome.desktop.interface"_s;
@@ -73,7 +72,7 @@ ReducedMotion::ReducedMotion(const QDBusConnection &session, const QString &kdeg
         return;
     }
     // Without a sender in the rule: naming one makes Qt ask the bus for its owner and wait for the answer.
-    m_bus.connect(QString(), portalPath, portalInterface, u"SettingChanged"_s, this,
+    m_bus.connect(QString(), portalPath, settingsPortal, u"SettingChanged"_s, this,
                   SLOT(settingChanged(QDBusMessage)));
     auto *watcher =
         new QDBusServiceWatcher(portalService, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
@@ -106,7 +105,7 @@ void ReducedMotion::askPortal()
     m_askAgain = false;
     // Both groups in one call, the only one that every version of the portal has.
     QDBusMessage call =
-        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
+        QDBusMessage::createMethodCall(portalService, portalPath, settingsPortal, u"ReadAll"_s);
     call << QStringList{appearance, gnomeInterface};
     CallLater(m_bus, call, m_limit, this, [this](const QDBusMessage &reply) { readPortal(reply); });
 }

@@ -1,4 +1,5 @@
 #include "platform/SleepInhibitor.h"
+#include "platform/Portal.h"
 
 #include <QCoreApplication>
 #include <QDBusObjectPath>
@@ -11,9 +12,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QString portalService = u"org.freedesktop.portal.Desktop"_s;
-const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString portalInterface = u"org.freedesktop.portal.Inhibit"_s;
+const QString inhibitPortal = u"org.freedesktop.portal.Inhibit"_s;
 const QString requestInterface = u"org.freedesktop.portal.Request"_s;
 const QString logindService = u"org.freedesktop.login1"_s;
 const QString logindPath = u"/org/freedesktop/login1"_s;
@@ -126,7 +125,7 @@ void SleepInhibitor::askPortal()
     setStage(Stage::AskingPortal);
 
     QDBusMessage call =
-        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"Inhibit"_s);
+        QDBusMessage::createMethodCall(portalService, portalPath, inhibitPortal, u"Inhibit"_s);
     call << QString() << suspendFlag << QVariantMap{{u"handle_token"_s, token}, {u"reason"_s, m_reason}};
     // The reply is awaited beyond this object's life, so that a grant is never left behind.
     QPointer<SleepInhibitor> self(this);

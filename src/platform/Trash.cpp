@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QThread>
+#include <QUrl>
 
 #include <memory>
 
@@ -52,6 +53,23 @@ void keepPrivate(const QString &pathInTrash)
     QFile::setPermissions(trash, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
+/// Qt before 6.5 notes the origin as it is, but whoever restores it takes every "%" for the begin of a code.
+void encodeOrigin(const QString &pathInTrash, const QString &origin)
+{
+    const QFileInfo item(pathInTrash);
+    QFile info(QFileInfo(item.path()).path() + u"/info/"_s + item.fileName() + u".trashinfo"_s);
+    if (!info.open(QIODevice::ReadWrite))
+        return;
+    const QString text = QString::fromUtf8(info.readAll());
+    const QString path = text.section(u"\nPath="_s, 1).section(u'\n', 0, 0);
+    const QByteArray encoded = QUrl::toPercentEncoding(path, "/");
+    if (path.isEmpty() || !origin.endsWith(path) || encoded == path.toUtf8())
+        return;
+    info.seek(0);
+    info.resize(0);
+    info.write(QString(text).replace(u"\nPath="_s + path, u"\nPath="_s + QString::fromLatin1(encoded)).toUtf8());
+}
+
 } // namespace
 
 TrashResult MoveToTrash(const QString &path)
@@ -60,7 +78,7 @@ TrashResult MoveToTrash(const QString &path)
     if (path.isEmpty() || !(item.exists() || item.isSymLink()))
         return {TrashOutcome::Gone, {}};
     // Without this folder Qt moves the item into the working folder and calls that a success.
-    if (!QDir().mkpath(dataHome()))
+    if (!QDir().mkpath(dataHome() + u"/Trash"_s))
         return {TrashOutcome::Failed, {}};
     QFile file(item.absoluteFilePath());
     if (!file.moveToTrash())
@@ -70,6 +88,7 @@ TrashResult MoveToTrash(const QString &path)
         return {TrashOutcome::Failed, {}};
     }
     keepPrivate(file.fileName());
+    encodeOrigin(file.fileName(), item.absoluteFilePath());
     return {TrashOutcome::Moved, {}};
 }
 

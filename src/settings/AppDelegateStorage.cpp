@@ -16,7 +16,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLocale>
-#include <QUrl>
 
 namespace tuppi {
 
@@ -91,7 +90,7 @@ void AppDelegate::openInstallLog()
     const bool exists = QFile::exists(log);
     if (!exists)
         QDir().mkpath(logs);
-    openUrl(QUrl::fromLocalFile(exists ? log : logs));
+    openPath(exists ? log : logs);
 }
 
 } // namespace tuppi

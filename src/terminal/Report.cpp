@@ -68,7 +68,7 @@ void Report::claimFirstJobs(const History &history)
     }
 }
 
-void Report::claimJobs(const History &history)
+void Report::claimJobs(const History &history, bool starting)
 {
     if (!m_loaded) {
         claimFirstJobs(history);
@@ -79,8 +79,10 @@ void Report::claimJobs(const History &history)
                 claim(job, true);
         }
     }
+    // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
+    if (!m_loaded || !starting)
+        m_knownJobs = JobIds(history);
     m_loaded = true;
-    m_knownJobs = JobIds(history);
 }
 
 bool Report::report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
@@ -103,7 +105,7 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
 {
     QList<ReportLine> lines;
     if (jobs.loaded)
-        claimJobs(*jobs.history);
+        claimJobs(*jobs.history, jobs.starting);
     for (const QJsonObject &row : BuildRows(jobs).rows) {
         const QString status = row.value("status"_L1).toString();
         const QString id = idOf(row);

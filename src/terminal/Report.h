@@ -56,7 +56,7 @@ public:
 
 private:
     FollowedFile &fileFor(const QString &path);
-    void claimJobs(const History &history);
+    void claimJobs(const History &history, bool starting);
     void claimFirstJobs(const History &history);
     bool claim(const QJsonObject &job, bool anyTitle);
     bool report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,

@@ -118,6 +118,7 @@ void ElidedLabel::paintEvent(QPaintEvent *)
 struct WrapLabel::Lines
 {
     QStringList texts;
+    QList<Qt::LayoutDirection> directions; ///< of the paragraph that each belongs to
     double width = 0;
     double spacing = 0; ///< from one line to the next
 };
@@ -155,6 +156,7 @@ void WrapLabel::setMaximumLines(int lines)
 WrapLabel::Lines WrapLabel::breakLines(double width) const
 {
     Lines lines;
+    const QStringList paragraphs = text().split(u'\n');
     const QFontMetricsF metrics(font(), this);
     double extra = 0;
     QString whole = text();
@@ -169,6 +171,8 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
         extra = qMax(extra, extraHeight(line, metrics));
         const bool last = m_maximumLines > 0 && lines.texts.size() == m_maximumLines - 1;
         const int end = line.textStart() + line.textLength();
+        const auto paragraph = QStringView(whole).first(line.textStart()).count(QChar::LineSeparator);
+        lines.directions.append(paragraphs.at(paragraph).isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         if (last && end < whole.size()) {
             lines.texts.append(
                 metrics.elidedText(onOneLine(whole.mid(line.textStart())), Qt::ElideRight, width));
@@ -181,6 +185,11 @@ WrapLabel::Lines WrapLabel::breakLines(double width) const
     layout.endLayout();
     lines.spacing = metrics.lineSpacing() + extra;
     return lines;
+}
+
+QString WrapLabel::shownText() const
+{
+    return breakLines(width()).texts.join(u'\n');
 }
 
 QSize WrapLabel::sizeHint() const
@@ -204,14 +213,15 @@ int WrapLabel::heightForWidth(int width) const
 void WrapLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     painter.setPen(Colours::withOpacity(m_colour, isEnabled() ? 1 : 0.5));
     const Lines lines = breakLines(width());
     const int across = int(absolute(*this) & ~Qt::AlignVertical_Mask) | Qt::AlignTop | oneLine;
     const double free = qMax(0.0, height() - double(lines.texts.size()) * lines.spacing);
     double y = alignment() & Qt::AlignVCenter ? free / 2 : 0;
-    for (const QString &line : lines.texts) {
-        painter.drawText(QRectF(0, y, width(), lines.spacing), across, line);
+    for (qsizetype line = 0; line < lines.texts.size(); ++line) {
+        // By its paragraph: a later line may begin with a name in another script.
+        painter.setLayoutDirection(lines.directions.at(line));
+        painter.drawText(QRectF(0, y, width(), lines.spacing), across, lines.texts.at(line));
         y += lines.spacing;
     }
 }

@@ -43,6 +43,8 @@ public:
     void setPreferredWidth(int width);
     /// 0 for as many as it takes.
     void setMaximumLines(int lines);
+    /// The lines as they are drawn at the present width.
+    QString shownText() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -10,8 +10,8 @@
 namespace tuppi {
 namespace {
 
-constexpr int padX = 8;
-constexpr int padY = 5;
+constexpr int linkPadX = 8;
+constexpr int linkPadY = 5;
 constexpr double radius = 8;
 
 } // namespace
@@ -28,7 +28,7 @@ LinkButton::LinkButton(const QString &title, QWidget *parent)
 
 QSize LinkButton::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(m_title) + 2 * padX, fontMetrics().height() + 2 * padY};
+    return {fontMetrics().horizontalAdvance(m_title) + 2 * linkPadX, fontMetrics().height() + 2 * linkPadY};
 }
 
 void LinkButton::paintEvent(QPaintEvent *)

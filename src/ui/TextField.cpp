@@ -14,7 +14,7 @@ namespace tuppi {
 namespace {
 
 constexpr int fieldHeight = 34;
-constexpr int padX = 8;
+constexpr int textPadX = 8;
 constexpr double borderWidth = 1.5;
 
 } // namespace
@@ -27,7 +27,7 @@ TextField::TextField(const QString &placeholder, int width, QWidget *parent)
     setPalette(LightPalette());
     setPlaceholderText(placeholder);
     setFrame(false);
-    setTextMargins(padX, 0, padX, 0);
+    setTextMargins(textPadX, 0, textPadX, 0);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     // The ground is drawn here, rounded.
     QPalette clear = palette();
@@ -38,7 +38,7 @@ TextField::TextField(const QString &placeholder, int width, QWidget *parent)
 QSize TextField::sizeHint() const
 {
     constexpr int caret = 8;
-    const int placeholder = fontMetrics().horizontalAdvance(placeholderText()) + 2 * padX + caret;
+    const int placeholder = fontMetrics().horizontalAdvance(placeholderText()) + 2 * textPadX + caret;
     return {qMax(m_width, placeholder), fieldHeight};
 }
 

@@ -171,6 +171,21 @@ TEST_F(ReportTest, JobOfSomebodyElseIsNotFollowed)
     EXPECT_EQ(m_report.files().first().jobId, u""_s);
 }
 
+TEST_F(ReportTest, JobListedBeforeItsStartIsAnsweredIsTheFiles)
+{
+    load("[]");
+    wait({u"/x/talk.m4a"_s});
+    startFirst();
+    update();
+    load(R"([{"id":"7","title":"talk","status":"ready"}])");
+    EXPECT_EQ(update(), QStringList());
+    answerStart(true);
+    update();
+    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    EXPECT_EQ(m_report.files().first().jobId, u"7"_s);
+    EXPECT_TRUE(m_report.allReady());
+}
+
 TEST_F(ReportTest, RefusedFileEndsTheRunWithoutBeingReady)
 {
     load("[]");

@@ -1,14 +1,19 @@
 """The installed program: an empty home, the engine set up by the first start, a recording, an upgrade, a removal."""
 
+import json
 import os
 import pathlib
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 
 BUILD = os.environ["TUPPI_BUILD"]
 SOURCE = pathlib.Path(os.environ["TUPPI_SOURCE"])
+sys.path.insert(0, str(SOURCE / "runtime/tests/road"))
+from road import QUICK, say, until  # noqa: E402
+
 PROGRAMS = ("tuppi-engine", "tuppi-engine-models", "tuppi-engine-worker")
 
 
@@ -32,6 +37,14 @@ class Installed(unittest.TestCase):
 
     def transcribe(self, *files):
         return self.run_program(self.prefix / "bin/tuppi-transcriber", "--transcribe", *files)
+
+    def engine_says(self, *arguments):
+        done = self.run_program("/bin/bash", self.runtime / "call", *arguments)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout
+
+    def statuses(self):
+        return [entry["status"] for entry in json.loads(self.engine_says("history", "--json"))]
 
     def link(self):
         return self.run_program("/bin/bash", self.engine / "install-engine", "--link")
@@ -84,6 +97,42 @@ class Installed(unittest.TestCase):
         self.assert_linked()
         self.assertEqual(self.link().stdout, "")
         self.assertEqual(sorted(path.name for path in (self.runtime / "bin").iterdir()), sorted(PROGRAMS))
+
+    def test_an_earlier_engine_gives_way_without_touching_its_jobs(self):
+        subprocess.run([SOURCE / "runtime/install-engine", BUILD], env=dict(os.environ, HOME=str(self.home)),
+                       stdout=subprocess.DEVNULL, check=True)
+        for program in PROGRAMS:
+            with open(self.runtime / "bin" / program, "ab") as file:
+                file.write(b"of an earlier day")
+        short = say(str(self.home / "short.wav"), "Thank you very much.")
+        self.engine_says("process", short, *QUICK)
+        folder = self.engine_says("process", SOURCE / "samples/interview.m4a", "--background", *QUICK).strip()
+        job = until(self.job_half_done, "a part of the recording")
+        self.engine_says("cancel", job)
+        until(lambda: not self.at_work(), "the worker's end")
+        self.assertEqual(self.statuses(), ["cancelled", "ready"])
+        history, files = self.engine_says("history", "--json"), self.contents()
+
+        self.assertEqual(self.transcribe().returncode, 0)
+        self.assert_linked()
+        self.assertEqual(self.engine_says("history", "--json"), history)
+        self.assertEqual(self.contents(), files)
+
+        self.engine_says("retry", job)
+        until(lambda: self.statuses() == ["ready"] * 2, self.statuses)
+        self.assertIn("[00:00:", (pathlib.Path(folder) / "Transcript.txt").read_text())
+
+    def job_half_done(self):
+        latest = json.loads(self.engine_says("status", "--json"))["latest_job"]
+        return latest["id"] if latest["progress"] and int(latest["progress"].split("/")[0]) > 0 else None
+
+    def at_work(self):
+        """Whether some process has this home's worker lock."""
+        lock = self.home / "Library/Application Support/Larkspire/store/worker.lock"
+        return subprocess.run(["flock", "--nonblock", lock, "true"]).returncode != 0
+
+    def contents(self):
+        return {path: path.read_bytes() for path in (self.home / "Documents").rglob("*") if path.is_file()}
 
     def test_links_to_a_place_that_is_gone_are_replaced(self):
         self.runtime.mkdir(parents=True)

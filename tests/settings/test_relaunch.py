@@ -57,29 +57,37 @@ class Relaunch(unittest.TestCase):
         for pid in running():
             os.kill(pid, 15)
         until(lambda: not running(), "the program's end")
+        # The server may show its window a moment longer, and the next test would take that for its own.
+        until(lambda: not self.screen.windows(1), "an empty screen")
+
+    def focused(self, window):
+        """Asks for the keyboard and says whether it is there. A window may take it back at once, as one does that opens
+        just now, so nothing may wait here for ever."""
+        subprocess.run(["xdotool", "windowfocus", str(window)], stderr=subprocess.DEVNULL, timeout=60, check=False)
+        answer = subprocess.run(["xdotool", "getwindowfocus", "-f"], capture_output=True, timeout=60, check=False)
+        return answer.stdout.strip() == str(window).encode()
 
     def key(self, window, *keys):
-        subprocess.run(["xdotool", "windowfocus", "--sync", str(window), "key", *keys], check=True)
+        until(lambda: self.focused(window), f"the keyboard at window {window}, with {self.screen.windows(1)}")
+        subprocess.run(["xdotool", "key", *keys], timeout=60, check=True)
 
     def other(self, known):
-        """A window beside those, painted or not."""
-        return until(lambda: next((box.window for box in self.screen.windows(smallest=100) if box.window not in known), None),
-                     "a window")
+        """A window beside those, painted."""
+        def painted():
+            box = next((box for box in self.screen.windows(smallest=100) if box.window not in known), None)
+            return box.window if box and self.screen.shows(box) else None
+        return until(painted, f"a window beside {known} among {self.screen.windows(1)}")
 
     def choose_spanish_and_restart(self, command):
         first = subprocess.Popen(command, env=self.environment, cwd=self.home.name, stdin=subprocess.DEVNULL)
         main = until(self.screen.painted, "the main window").window
         old = until(running, "the program")
-
-        def settings_window():
-            self.key(main, "ctrl+comma")  # until the window takes keys; a second one only brings it forward
-            return next((box.window for box in self.screen.windows(smallest=100) if box.window != main), None)
-
-        settings = until(settings_window, "the Settings window", pause=1)
+        self.key(main, "ctrl+comma")
+        settings = self.other({main})
         # Into the language menu, its fifth choice after the present one, and it is chosen.
         self.key(settings, "Tab", "Down")
         menu = self.other({main, settings})
-        subprocess.run(["xdotool", "key", *["Down"] * 5, "Return"], check=True)
+        subprocess.run(["xdotool", "key", *["Down"] * 5, "Return"], timeout=60, check=True)
         path = os.path.join(self.home.name, ".config", "tuppi-transcriber", "settings.json")
 
         def stored():

@@ -112,6 +112,23 @@ TEST(WrapLabel, endsEveryLineAtTheEdgeItIsAlignedTo)
     EXPECT_EQ(first, second);
 }
 
+/// A line that begins with a name in another script reads as the rest of its paragraph does.
+TEST(WrapLabel, linesRunAsTheirParagraph)
+{
+    const auto drawn = [](const QString &text) {
+        WrapLabel label;
+        label.setLayoutDirection(Qt::RightToLeft);
+        label.setText(text);
+        const int width = label.fontMetrics().horizontalAdvance(u"نموذج النص الطويل Oll"_qs);
+        label.resize(width, label.heightForWidth(width));
+        EXPECT_EQ(label.shownText().section(u'\n', 1).remove(QChar(0x200f)), u"Ollama: نص"_qs) << label.shownText().toStdString();
+        return pictureOf(label);
+    };
+    const QImage one = drawn(u"نموذج النص الطويل Ollama: نص"_qs);
+    EXPECT_EQ(one, drawn(u"نموذج النص الطويل\n\u200fOllama: نص"_qs));
+    EXPECT_NE(one, drawn(u"نموذج النص الطويل\nOllama: نص"_qs));
+}
+
 TEST(WrapLabel, keepsToItsNumberOfLines)
 {
     WrapLabel label;

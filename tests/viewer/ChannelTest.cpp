@@ -80,6 +80,25 @@ TEST_F(Channel, WhatIsNoObjectIsIgnored)
     EXPECT_EQ(m_engine.count(u"edit"_s), 0);
 }
 
+TEST_F(Channel, ThereIsNoOtherName)
+{
+    ViewerWindow *opened = openKnown(u"a"_s);
+    EXPECT_EQ(ask(opened, u"Object.keys(window.webkit.messageHandlers)"_s), R"(["tuppi"])");
+}
+
+TEST_F(Channel, SeveralCorrectionsOfOnePageRunAtOnce)
+{
+    m_engine.answerCall(u"edit"_s, 1, test::Answer{"{}"}.heldAt("first"));
+    m_engine.answerCall(u"edit"_s, 2, {"{}"});
+    ViewerWindow *opened = openKnown(u"a"_s);
+    post(opened, u"{index: 1, text: 'one'}"_s);
+    ASSERT_TRUE(waitFor([this] { return m_engine.count(u"edit"_s) == 1; }));
+    post(opened, u"{index: 2, text: 'two'}"_s);
+    EXPECT_TRUE(isAnswered(opened, R"([["Saved",2,true,"Saved","two"]])"));
+    m_engine.openGate("first");
+    EXPECT_TRUE(isAnswered(opened, R"([["Saved",2,true,"Saved","two"],["Saved",1,true,"Saved","one"]])"));
+}
+
 TEST_F(Channel, MessagesPostedBeforeTheChannelStandsWait)
 {
     m_engine.answer(u"edit"_s, {"{}"});

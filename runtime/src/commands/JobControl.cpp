@@ -85,6 +85,7 @@ int retry(const Arguments &arguments)
             job.status = Status::queued.toString();
         job.paused = false;
         job.error.clear();
+        job.lost = false;
         job.attempts = 0;
         job.completedAt.clear();
     });

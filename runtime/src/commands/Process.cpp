@@ -68,7 +68,7 @@ void record(Database &database, const Recording &recording, Job &job)
 {
     const QString library = libraryFolder(database);
     requireLibrary(library);
-    NewCallDir folder(library);
+    NewCallDir folder(library, [&](const QString &callDir) { return hasCallDir(database, callDir); });
     job.audio = folder.take(recording);
     job.callDir = folder.place(callDirName(recording.modified, job.title));
     Transaction transaction(database);

@@ -1,7 +1,8 @@
 #include "core/ChildProgram.h"
 
+#include "core/ArgumentVector.h"
+
 #include <QDeadlineTimer>
-#include <QFile>
 
 #include <cerrno>
 #include <csignal>
@@ -10,7 +11,6 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <vector>
 
 namespace engine {
 
@@ -26,7 +26,7 @@ FileDescriptor inputFile(const QByteArray &input)
     return file;
 }
 
-[[noreturn]] void becomeProgram(const char *program, char *const *arguments, int input, int output, pid_t parent)
+[[noreturn]] void becomeProgram(const ArgumentVector &command, int input, int output, pid_t parent)
 {
     if (input >= 0 && (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != parent))
         ::_exit(126);
@@ -34,7 +34,7 @@ FileDescriptor inputFile(const QByteArray &input)
     ::dup2(input >= 0 ? input : null, 0);
     ::dup2(output, 1);
     ::dup2(null, 2);
-    ::execv(program, arguments);
+    ::execv(command.program(), command.arguments());
     ::_exit(127);
 }
 
@@ -69,17 +69,11 @@ ChildProgram::ChildProgram(const QString &program, const QStringList &arguments,
         return;
     m_output = FileDescriptor(ends[0]);
     const FileDescriptor writing(ends[1]);
-    std::vector<QByteArray> texts{QFile::encodeName(program)};
-    for (const QString &argument : arguments)
-        texts.push_back(QFile::encodeName(argument));
-    std::vector<char *> pointers;
-    for (QByteArray &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
+    const ArgumentVector command(program, arguments);
     const pid_t parent = ::getpid();
     m_child = ::fork();
     if (m_child == 0)
-        becomeProgram(pointers.front(), pointers.data(), reading.valid() ? reading.get() : -1, writing.get(), parent);
+        becomeProgram(command, reading.valid() ? reading.get() : -1, writing.get(), parent);
 }
 
 ChildProgram::~ChildProgram()

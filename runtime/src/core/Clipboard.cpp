@@ -1,10 +1,10 @@
 #include "core/Clipboard.h"
 
+#include "core/ArgumentVector.h"
 #include "core/Failure.h"
 #include "core/FileDescriptor.h"
 
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -15,7 +15,6 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -62,7 +61,7 @@ FileDescriptor fileOf(const QByteArray &bytes)
 
 // In a session of its own and with nothing of ours open: it lives on as the owner of the clipboard, and
 // whoever waits for the end of our output must not wait for the end of that.
-[[noreturn]] void becomeTool(const char *program, char *const *arguments, int text)
+[[noreturn]] void becomeTool(const ArgumentVector &command, int text)
 {
     ::setsid();
     const int null = ::open("/dev/null", O_RDWR);
@@ -70,7 +69,7 @@ FileDescriptor fileOf(const QByteArray &bytes)
     ::dup2(null, 1);
     ::dup2(null, 2);
     ::close_range(3, ~0U, 0);
-    ::execv(program, arguments);
+    ::execv(command.program(), command.arguments());
     ::_exit(127);
 }
 
@@ -78,19 +77,13 @@ FileDescriptor fileOf(const QByteArray &bytes)
 bool run(const QString &path, const QStringList &arguments, const QByteArray &text)
 {
     const FileDescriptor file = fileOf(text);
-    std::vector<QByteArray> texts{QFile::encodeName(path)};
-    for (const QString &argument : arguments)
-        texts.push_back(QFile::encodeName(argument));
-    std::vector<char *> pointers;
-    for (QByteArray &one : texts)
-        pointers.push_back(one.data());
-    pointers.push_back(nullptr);
+    const ArgumentVector command(path, arguments);
     ::signal(SIGCHLD, SIG_DFL); // a caller may have had it ignored, and then nobody learns how a child ended
     const pid_t child = ::fork();
     if (child < 0)
         throw systemFailure(u"The text could not be copied"_s, errno);
     if (child == 0)
-        becomeTool(pointers.front(), pointers.data(), file.get());
+        becomeTool(command, file.get());
     const QDeadlineTimer deadline(longestWaitMs);
     int status = 0;
     while (::waitpid(child, &status, WNOHANG) == 0) {

@@ -15,15 +15,10 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
-namespace {
-
-constexpr int longestWaitMs = 15000; // as long as for the store
-constexpr auto lookEvery = std::chrono::milliseconds(5);
-
-} // namespace
-
 FilesLock::FilesLock(const Paths &paths, Patience patience)
 {
+    constexpr int longestWaitMs = 15000; // as long as for the store
+    constexpr auto lookEvery = std::chrono::milliseconds(5);
     FileDescriptor file(
         ::open(QFile::encodeName(paths.filesLock).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     if (!file.valid())

@@ -24,6 +24,8 @@ namespace engine {
 namespace {
 
 const QString temporaryPrefix = u".tuppi-incoming-"_s;
+const QString inTheMaking = u"call"_s;
+const QString announcedName = u"name of the transcript"_s;
 constexpr qsizetype longestTitleBytes = 120;
 constexpr qint64 roomToSpare = 1 << 20;
 
@@ -35,13 +37,41 @@ FileDescriptor lockFolder(const QString &folder)
     return lock;
 }
 
-void removeLeftovers(const QString &library)
+ino_t inodeOf(const QString &path)
+{
+    struct stat info
+    {
+    };
+    return ::lstat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+// Removes what a killed program has put into the library without recording a job for it: the call dir, or the
+// empty folder that was to keep its place.
+void removePlaced(const QString &library, const QString &workshop, const NewCallDir::IsRecorded &isRecorded)
+{
+    QFile announced(workshop + u'/' + announcedName);
+    if (!announced.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray inode = announced.readLine().trimmed();
+    const QString name = QFile::decodeName(announced.readAll());
+    const QString placed = library + u'/' + name;
+    if (name.isEmpty() || name.contains(u'/') || name.startsWith(u'.') || isRecorded(placed))
+        return;
+    if (QByteArray::number(quint64(inodeOf(placed))) == inode)
+        QDir(placed).removeRecursively();
+    else
+        ::rmdir(QFile::encodeName(placed).constData());
+}
+
+void removeLeftovers(const QString &library, const NewCallDir::IsRecorded &isRecorded)
 {
     QDirIterator found(library, {temporaryPrefix + u'*'}, QDir::Dirs | QDir::Hidden);
     while (found.hasNext()) {
-        const QString folder = found.next();
-        if (const FileDescriptor lock = lockFolder(folder); lock.valid())
-            QDir(folder).removeRecursively();
+        const QString workshop = found.next();
+        if (const FileDescriptor lock = lockFolder(workshop); lock.valid()) {
+            removePlaced(library, workshop, isRecorded);
+            QDir(workshop).removeRecursively();
+        }
     }
 }
 
@@ -61,35 +91,32 @@ QString safeTitle(const QString &title)
 
 } // namespace
 
-NewCallDir::NewCallDir(const QString &library)
+NewCallDir::NewCallDir(const QString &library, const IsRecorded &isRecorded)
     : m_library(library)
 {
     makeFolder(library, u"The transcripts folder “"_s + library + u"” could not be made"_s);
     requireWritable(library);
-    removeLeftovers(library);
+    removeLeftovers(library, isRecorded);
     // Until it is locked, another start may take the new folder for a leftover and clear it away. Where folders
     // cannot be locked, nobody clears anything away, and the last one is as good as any.
     constexpr int mostTries = 20;
-    QByteArray folder;
-    for (int tries = 0; tries < mostTries && !(m_lock.valid() && QDir(m_folder).exists()); ++tries) {
-        if (!m_folder.isEmpty())
-            QDir().rmdir(m_folder);
-        folder = QFile::encodeName(library + u'/' + temporaryPrefix + u"XXXXXX"_s);
+    for (int tries = 0; tries < mostTries && !(m_lock.valid() && QDir(m_workshop).exists()); ++tries) {
+        if (!m_workshop.isEmpty())
+            QDir().rmdir(m_workshop);
+        QByteArray folder = QFile::encodeName(library + u'/' + temporaryPrefix + u"XXXXXX"_s);
         if (!::mkdtemp(folder.data()))
             throw systemFailure(u"The transcripts folder “"_s + library + u"” cannot be written"_s, errno);
-        m_folder = QFile::decodeName(folder);
-        m_lock = lockFolder(m_folder);
+        m_workshop = QFile::decodeName(folder);
+        m_lock = lockFolder(m_workshop);
     }
-    // As open to others as this user's folders are, and no more.
-    const mode_t mask = ::umask(077);
-    ::umask(mask);
-    ::chmod(folder.constData(), 0777 & ~mask);
+    m_folder = m_workshop + u'/' + inTheMaking;
 }
 
 NewCallDir::~NewCallDir()
 {
     if (!m_folder.isEmpty())
         QDir(m_folder).removeRecursively();
+    QDir(m_workshop).removeRecursively();
 }
 
 QString NewCallDir::take(const Recording &recording)
@@ -108,13 +135,23 @@ QString NewCallDir::take(const Recording &recording)
     return CallDirNames::technical + u'/' + name;
 }
 
+// Says what is about to stand in the library, for whoever comes after a kill.
+void NewCallDir::announce(const QString &name)
+{
+    writeFile(m_workshop + u'/' + announcedName,
+              QByteArray::number(quint64(inodeOf(m_folder))) + '\n' + QFile::encodeName(name));
+    syncFolder(m_workshop);
+}
+
 QString NewCallDir::place(const QString &name)
 {
     for (int number = 1;; ++number) {
-        QString folder = m_library + u'/' + name;
-        if (number > 1)
-            folder += u" (%1)"_s.arg(number);
+        const QString numbered = number > 1 ? name + u" (%1)"_s.arg(number) : name;
+        const QString folder = m_library + u'/' + numbered;
         const QByteArray target = QFile::encodeName(folder);
+        if (inodeOf(folder) != 0)
+            continue;
+        announce(numbered);
         // An empty folder reserves the name against others, and a rename may take its place.
         if (::mkdir(target.constData(), 0755) != 0) {
             if (errno == EEXIST)

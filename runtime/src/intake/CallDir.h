@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace engine {
 
 // Names inside a call dir.
@@ -14,13 +16,16 @@ inline const QString summary = QStringLiteral("Summary.md");
 inline const QString transcript = QStringLiteral("Transcript.txt");
 } // namespace CallDirNames
 
-// A call dir in the making: hidden in the library under a temporary name until it is complete, removed again
-// unless it was kept. One that a killed program left behind is removed by the next one.
+// A call dir in the making: in a hidden folder of the library until it is complete, removed again unless it was
+// kept. One that a killed program left behind is removed by the next one.
 class NewCallDir
 {
 public:
+    // Whether a job has this call dir: then it stays, also where its maker was killed before it could keep it.
+    using IsRecorded = std::function<bool(const QString &callDir)>;
+
     // Makes the library where it is missing. Throws Failure.
-    explicit NewCallDir(const QString &library);
+    NewCallDir(const QString &library, const IsRecorded &isRecorded);
     ~NewCallDir();
     NewCallDir(const NewCallDir &) = delete;
     NewCallDir &operator=(const NewCallDir &) = delete;
@@ -35,8 +40,11 @@ public:
     void keep() { m_folder.clear(); }
 
 private:
+    void announce(const QString &name);
+
     QString m_library;
-    QString m_folder;
+    QString m_workshop;
+    QString m_folder; // in the workshop, later in the library
     FileDescriptor m_lock;
 };
 

@@ -19,7 +19,7 @@ constexpr int64_t padAfter = 20;
 constexpr int64_t longest = 2000;
 constexpr int64_t searchForCut = 600;
 constexpr int64_t leastSpeech = 10;
-constexpr int64_t frameMs = 10;
+constexpr int64_t vadFrameMs = 10;
 
 // How long a pause must be to end a piece that is already so long: short pieces lose context, long ones cost
 // more when the work is interrupted.
@@ -167,7 +167,7 @@ int64_t Segmenter::quietestFrame(int64_t from, int64_t to) const
 void Segmenter::close(int64_t endFrame)
 {
     if (m_open->speechFrames >= leastSpeech) {
-        m_found.push_back({m_open->start * frameMs, endFrame * frameMs});
+        m_found.push_back({m_open->start * vadFrameMs, endFrame * vadFrameMs});
         m_lastEnd = endFrame;
     }
     m_open.reset();

@@ -26,7 +26,7 @@ namespace engine {
 
 namespace {
 
-constexpr int listLimitMs = 1000;
+constexpr int glanceLimitMs = 1000;
 constexpr int checkLimitMs = 700;
 constexpr int useLimitMs = 5000;
 constexpr qsizetype longestName = 80;
@@ -73,7 +73,7 @@ QByteArray list(const Arguments &arguments)
     Http http;
     const std::vector<CustomModel> models = customModels(paths);
     const QString text = textModel(database);
-    const QStringList texts = Ollama(http).models(listLimitMs).names();
+    const QStringList texts = Ollama(http).models(glanceLimitMs).names();
     if (arguments.has(u"--json")) {
         QJsonArray custom;
         for (const CustomModel &model : models)

@@ -7,6 +7,13 @@
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace engine {
@@ -25,6 +32,48 @@ QString spoken(const char *entry)
     const qsizetype mark = word.indexOf(u'(');
     return mark > 0 ? word.left(mark) : word;
 }
+
+// Tells how far the decoder has come while it works, from a thread of its own: the library gives no sign of
+// life before it is through with a sound, and counts frames in a number that can be read beside it.
+class FrameWatch
+{
+public:
+    FrameWatch(ps_decoder_t *decoder, const Sound &sound)
+        : m_decoder(decoder)
+        , m_sound(sound)
+        , m_thread([this](const std::stop_token &stop) { watch(stop); })
+    {
+    }
+
+    // Everything was searched once, and is now searched again among the words that were found.
+    void secondSearch() { m_second = true; }
+
+private:
+    void watch(const std::stop_token &stop)
+    {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any ended;
+        while (!ended.wait_for(lock, stop, every, [&] { return stop.stop_requested(); }))
+            m_sound.progress(percent());
+    }
+
+    int percent() const
+    {
+        const qint64 frames = std::max<qint64>(1, qint64(m_sound.samples.size()) / samplesPerMs / frameMs);
+        const qint64 searched = std::clamp<qint64>(::ps_get_n_frames(m_decoder), 0, frames);
+        return int(m_second ? firstShare + (100 - firstShare) * searched / frames
+                            : firstShare * searched / frames);
+    }
+
+    static constexpr std::chrono::milliseconds every{500};
+    static constexpr qint64 firstShare = 80; // of the work, in per cent
+
+    ps_decoder_t *m_decoder;
+    const Sound &m_sound;
+    std::atomic_bool m_second = false;
+    std::jthread m_thread; // last: it uses the rest
+};
 
 } // namespace
 
@@ -72,14 +121,21 @@ void PocketSphinxRecogniser::prepare()
                       u"” could not be loaded. Install it again."_s);
 }
 
+bool PocketSphinxRecogniser::search(const Sound &sound)
+{
+    ps_decoder_t *decoder = m_decoder.get();
+    FrameWatch watch(decoder, sound);
+    if (::ps_start_stream(decoder) != 0 || ::ps_start_utt(decoder) != 0 ||
+        ::ps_process_raw(decoder, sound.samples.data(), sound.samples.size(), FALSE, TRUE) < 0)
+        return false;
+    watch.secondSearch();
+    return ::ps_end_utt(decoder) == 0;
+}
+
 Heard PocketSphinxRecogniser::recognise(const Sound &sound)
 {
     ps_decoder_t *decoder = m_decoder.get();
-    const bool heard =
-        ::ps_start_stream(decoder) == 0 && ::ps_start_utt(decoder) == 0 &&
-        ::ps_process_raw(decoder, sound.samples.data(), sound.samples.size(), FALSE, TRUE) >= 0 &&
-        ::ps_end_utt(decoder) == 0;
-    if (!heard)
+    if (!search(sound))
         throw Failure(u"The speech recogniser stopped with an error."_s);
     std::vector<Word> words;
     for (ps_seg_t *part = ::ps_seg_iter(decoder); part; part = ::ps_seg_next(part)) {

@@ -17,10 +17,13 @@ public:
     QString name() const override;
     QString contractName() const override { return {}; }
     QString language() const override;
+    bool usesOneCore() const override { return true; }
     void prepare() override;
     Heard recognise(const Sound &sound) override;
 
 private:
+    bool search(const Sound &sound);
+
     struct Release
     {
         void operator()(ps_decoder_s *decoder) const;

@@ -64,6 +64,9 @@ public:
     // How much sound it wants at once, in milliseconds; 0 for one segment at a time.
     virtual qint64 longestSoundMs() const { return 0; }
 
+    // Whether a sound keeps one core busy and no more, so that several can be recognised side by side.
+    virtual bool usesOneCore() const { return false; }
+
     // How often it may break down in one place before the job has failed.
     virtual int mostBreakdowns() const { return 10; }
 

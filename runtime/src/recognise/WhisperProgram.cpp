@@ -1,5 +1,6 @@
 #include "recognise/WhisperProgram.h"
 
+#include "core/ArgumentVector.h"
 #include "core/Failure.h"
 #include "recognise/WhisperOutput.h"
 
@@ -14,7 +15,6 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -27,7 +27,7 @@ constexpr qint64 idleLooks = 10; // in the time after which it counts as stuck
 constexpr int priority = 10;
 constexpr qsizetype longestRest = 4096;
 
-[[noreturn]] void becomeWhisper(const char *program, char *const *arguments, int messages, pid_t parent)
+[[noreturn]] void becomeWhisper(const ArgumentVector &command, int messages, pid_t parent)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
@@ -38,7 +38,7 @@ constexpr qsizetype longestRest = 4096;
     ::dup2(null, 0);
     ::dup2(null, 1);
     ::dup2(messages, 2);
-    ::execv(program, arguments);
+    ::execv(command.program(), command.arguments());
     ::_exit(127);
 }
 
@@ -110,19 +110,13 @@ WhisperProgram::WhisperProgram(const QString &program, const QStringList &argume
         throw systemFailure(doing, errno);
     m_messages = FileDescriptor(ends[0]);
     const FileDescriptor writing(ends[1]);
-    std::vector<QByteArray> texts{QFile::encodeName(program)};
-    for (const QString &argument : arguments)
-        texts.push_back(QFile::encodeName(argument));
-    std::vector<char *> pointers;
-    for (QByteArray &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
+    const ArgumentVector command(program, arguments);
     const pid_t parent = ::getpid();
     m_child = ::fork();
     if (m_child < 0)
         throw systemFailure(doing, errno);
     if (m_child == 0)
-        becomeWhisper(pointers.front(), pointers.data(), writing.get(), parent);
+        becomeWhisper(command, writing.get(), parent);
 }
 
 WhisperProgram::~WhisperProgram()

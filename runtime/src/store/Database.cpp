@@ -110,10 +110,11 @@ void Database::openForReading(const Failure &why)
         const QByteArray name = QUrl::toPercentEncoding(m_paths.database, "/");
         open(u"file:"_s + QString::fromLatin1(name) + u"?immutable=1"_s,
              u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_s);
-        // What the list needs has been there from the first version on.
         const int version = value(u"PRAGMA user_version"_s).toInt();
-        if (version > 0 && version <= newestSchema())
+        if (version > 0 && version <= newestSchema()) {
+            showListAsNewest(*this);
             return;
+        }
     } catch (const Failure &) {
         // The first reason is the one to tell.
     }

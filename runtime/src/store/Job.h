@@ -36,6 +36,7 @@ struct Job
     int attemptsAt = 0;   // segments kept when attempts began to count
     QString createdAt;    // UTC, 2025-03-14T10:22:33Z
     QString completedAt;  // likewise; of a job that is ready or has failed
+    bool lost = false;    // it failed when its call dir was gone already: nobody has taken it off the list
 
     bool unfinished() const;
 };

@@ -17,7 +17,7 @@ namespace {
 const QString columns =
     u"seq, id, status, paused, hidden, title, call_dir, audio, error, recorded_at, duration_seconds, "
     "engine, recogniser, engine_choice, language_choice, language, speakers, clean, analyze, "
-    "progress, planned, attempts, attempts_at, created_at, completed_at"_s;
+    "progress, planned, attempts, attempts_at, created_at, completed_at, lost"_s;
 
 Job jobFrom(const QSqlQuery &row)
 {
@@ -50,6 +50,7 @@ Job jobFrom(const QSqlQuery &row)
     job.attemptsAt = next().toInt();
     job.createdAt = next().toString();
     job.completedAt = next().toString();
+    job.lost = next().toBool();
     return job;
 }
 
@@ -116,11 +117,11 @@ void updateJob(Database &database, const Job &job)
     database.run(
         uR"(UPDATE jobs SET status = ?, paused = ?, hidden = ?, title = ?, call_dir = ?, audio = ?, error = ?,
             recorded_at = ?, duration_seconds = ?, engine = ?, recogniser = ?, language = ?, progress = ?,
-            planned = ?, attempts = ?, attempts_at = ?, completed_at = ? WHERE seq = ?)"_s,
+            planned = ?, attempts = ?, attempts_at = ?, completed_at = ?, lost = ? WHERE seq = ?)"_s,
         {job.status, int(job.paused), int(job.hidden), job.title, job.callDir, job.audio, orNull(job.error),
          job.recordedAt, orNull(job.durationSeconds), orNull(job.engine), orNull(job.recogniser),
          job.language, orNull(job.progress), int(job.planned), job.attempts, job.attemptsAt,
-         orNull(job.completedAt), job.seq});
+         orNull(job.completedAt), int(job.lost), job.seq});
     // The newest entry is most of what changes; replacing only what differs spares the journal.
     database.run(u"INSERT INTO entries (seq, entry) VALUES (?, ?) "
                  "ON CONFLICT (seq) DO UPDATE SET entry = excluded.entry WHERE entry <> excluded.entry"_s,
@@ -143,6 +144,11 @@ Job requireJob(Database &database, const QString &id)
 std::optional<Job> jobBySeq(Database &database, qint64 seq)
 {
     return oneJob(database, u"WHERE seq = ?"_s, {seq});
+}
+
+bool hasCallDir(Database &database, const QString &callDir)
+{
+    return oneJob(database, u"WHERE call_dir = ?"_s, {callDir}).has_value();
 }
 
 std::vector<Job> jobsToHide(Database &database, bool hidden)
@@ -176,7 +182,7 @@ void forEachEntries(Database &database, const std::function<void(const QByteArra
         u"FROM "
         "(SELECT seq, entry, CASE WHEN "_s +
         unfinished +
-        u" THEN NULL ELSE seq || call_dir END AS place FROM entries JOIN jobs USING (seq) WHERE seq < ? "
+        u" OR lost THEN NULL ELSE seq || call_dir END AS place FROM entries JOIN jobs USING (seq) WHERE seq < ? "
         "ORDER BY seq DESC LIMIT 256)"_s;
     database.run(u"BEGIN"_s);
     for (qint64 before = std::numeric_limits<qint64>::max();;) {

@@ -19,6 +19,7 @@ void updateJob(Database &database, const Job &job);
 std::optional<Job> jobById(Database &database, const QString &id);
 Job requireJob(Database &database, const QString &id); // throws Failure when there is none
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
+bool hasCallDir(Database &database, const QString &callDir); // any of the jobs
 
 // Those that "hide --all" takes off the list (every one that is not being worked on) or puts back.
 std::vector<Job> jobsToHide(Database &database, bool hidden);
@@ -30,8 +31,8 @@ std::optional<Job> nextJob(Database &database);
 std::optional<Job> latestJob(Database &database);
 
 // Every job's history entry, newest first and as of one moment, some hundreds at a time, joined by ",\n". A
-// job that has ended and whose call dir was thrown away is left out for as long as that is so; where the
-// whole library is away, as on a disk that was pulled out, its jobs are listed.
+// job that has ended and whose call dir was thrown away since is left out for as long as that is so; where
+// the whole library is away, as on a disk that was pulled out, its jobs are listed.
 void forEachEntries(Database &database, const std::function<void(const QByteArray &)> &take);
 
 // Reads the job, lets `change` alter it and writes it, in one transaction; then tells the watchers.

@@ -88,14 +88,29 @@ void addAnswers(Database &database)
         PRIMARY KEY (job, question)) WITHOUT ROWID)"_s);
 }
 
+// A job that failed for want of its call dir stays in the list, with the sentence that says so.
+void addLost(Database &database)
+{
+    database.run(u"ALTER TABLE jobs ADD COLUMN lost INTEGER NOT NULL DEFAULT 0"_s);
+}
+
 // Step n leads from version n to version n + 1. A step that was ever released is never edited.
-constexpr std::array migrations = {&createFirstSchema, &addTranscripts, &addAnswers};
+constexpr std::array migrations = {&createFirstSchema, &addTranscripts, &addAnswers, &addLost};
+constexpr int versionWithLost = 4;
 
 } // namespace
 
 int newestSchema()
 {
     return int(migrations.size());
+}
+
+void showListAsNewest(Database &database)
+{
+    if (database.value(u"PRAGMA user_version"_s).toInt() >= versionWithLost)
+        return;
+    database.run(u"PRAGMA temp_store=MEMORY"_s);
+    database.run(u"CREATE TEMP VIEW jobs AS SELECT *, 0 AS lost FROM main.jobs"_s);
 }
 
 void bringToNewest(Database &database)

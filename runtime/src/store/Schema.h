@@ -11,4 +11,7 @@ int newestSchema();
 // Throws Failure for a store that a newer program wrote.
 void bringToNewest(Database &database);
 
+// Lets jobs and entries of an older store, which can only be read, be read like those of the newest.
+void showListAsNewest(Database &database);
+
 } // namespace engine

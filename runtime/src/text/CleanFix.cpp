@@ -12,7 +12,7 @@ namespace engine {
 namespace {
 
 constexpr size_t contextWords = 20;
-constexpr size_t tellingWords = 3; // that many alike in a row are no coincidence
+constexpr size_t certainWords = 3; // that many alike in a row are no coincidence
 
 bool isWordCharacter(QChar c)
 {
@@ -126,7 +126,7 @@ public:
             }
         }
         const auto words = size_t(m_end - m_begin);
-        const bool certain = words + bestLikeness >= tellingWords && (places == 1 || bestLikeness > 0);
+        const bool certain = words + bestLikeness >= certainWords && (places == 1 || bestLikeness > 0);
         return certain ? best : std::nullopt;
     }
 

@@ -21,7 +21,7 @@ constexpr size_t mostHolders = 300;  // sentences; a word that more of them hold
 constexpr int rounds = 30;           // after which the order does not change any more
 constexpr double damping = 0.85;
 
-const QSet<QString> &commonWords()
+const QSet<QString> &everydayWords()
 {
     static const QSet<QString> words = [] {
         const QString list =
@@ -47,7 +47,7 @@ QSet<QString> tellingWords(const Sentence &sentence)
 {
     QSet<QString> telling;
     for (const QString &word : wordsOf(sentence)) {
-        if (word.size() > 2 && !commonWords().contains(word))
+        if (word.size() > 2 && !everydayWords().contains(word))
             telling.insert(word);
     }
     return telling;

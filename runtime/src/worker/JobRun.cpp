@@ -1,5 +1,6 @@
 #include "worker/JobRun.h"
 
+#include "core/Cores.h"
 #include "core/Failure.h"
 #include "intake/CallDir.h"
 #include "media/Segmenter.h"
@@ -8,7 +9,6 @@
 #include "store/Answers.h"
 #include "store/Transcripts.h"
 #include "text/ModelWriting.h"
-#include "worker/SegmentProcess.h"
 #include "worker/TextModel.h"
 
 #include <algorithm>
@@ -21,7 +21,8 @@ namespace {
 
 constexpr int waitMs = 100;
 constexpr size_t blockSamples = 16384;
-constexpr size_t segmentsPerSpeakerStep = 20; // telling speakers apart counts as so much more to recognise
+constexpr qint64 showEveryMs = 1000;     // each time is a write to the disk
+constexpr double recognisedPerTold = 20; // telling speakers apart counts as so much more to recognise
 
 std::vector<Segment> numbered(const std::vector<Span> &spans)
 {
@@ -31,9 +32,9 @@ std::vector<Segment> numbered(const std::vector<Span> &spans)
     return segments;
 }
 
-QString progressText(int kept, int total)
+qint64 lengthMs(const Segment &segment)
 {
-    return u"%1/%2"_s.arg(kept).arg(total);
+    return segment.endMs - segment.startMs;
 }
 
 } // namespace
@@ -43,6 +44,7 @@ JobRun::JobRun(Database &database, WorkerLock &lock, const Job &job, RecogniserS
     , m_lock(lock)
     , m_control(database, job)
     , m_recognisers(std::move(recognisers))
+    , m_progress(job.progress)
 {
 }
 
@@ -84,16 +86,19 @@ void JobRun::plan()
     while (const size_t count = reader.read(block)) {
         segmenter.add(std::span(block).first(count));
         m_control.check();
+        showPlanning(double(reader.position()) / sampleRate);
     }
     if (reader.position() == 0)
         throw Failure(u"The file is not a recording that can be read: there is no sound in it."_s);
     segmenter.finish();
     const std::vector<Segment> segments = numbered(segmenter.take());
+    countSpeech(segments);
     m_control.change(
         [&](Job &job) {
             job.planned = true;
             job.durationSeconds = double(reader.position()) / sampleRate;
-            job.progress = segments.empty() ? QString() : progressText(0, int(segments.size()) + speakerSteps(segments.size()));
+            job.progress =
+                segments.empty() ? QString() : m_progress.advance(done(0), whole()).value_or(job.progress);
         },
         [&] { planSegments(m_database, m_control.job().seq, segments); });
 }
@@ -115,20 +120,29 @@ void JobRun::recogniseMissing()
     const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (segments.empty())
         throw Failure(silenceError.toString());
-    m_planned = int(segments.size());
-    m_kept = int(std::ranges::count_if(segments, &Segment::kept));
-    if (m_kept == m_planned)
+    countSpeech(segments);
+    if (std::ranges::all_of(segments, &Segment::kept))
         return;
-    m_shown = std::max(m_kept, m_control.job().progress.section(u'/', 0, 0).toInt());
     enter(Status::transcribing);
     nameRecogniser();
     m_recogniser->prepare();
+    Decoders decoders(
+        *m_recogniser, m_recogniser->usesOneCore() ? decodersAllowed() : 1,
+        [this](const SoundTask &task) { noteBeginning(task); }, [this] { m_lock.abandonInChild(); });
     AudioReader reader(audioPath());
     for (std::vector<Segment> &group : groupsOf(segments, m_recogniser->longestSoundMs())) {
         std::erase_if(group, &Segment::kept);
-        if (!group.empty())
-            recogniseGroup(reader, joinedSound(group));
+        if (group.empty())
+            continue;
+        SoundTask task = taskOf(reader, joinedSound(group));
+        while (decoders.full())
+            attend(decoders);
+        if (m_control.job().language != u"auto")
+            task.language = m_control.job().language;
+        decoders.begin(std::move(task));
     }
+    while (!decoders.idle())
+        attend(decoders);
 }
 
 std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs)
@@ -141,91 +155,110 @@ std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segme
         if (reader.position() == before)
             throw Failure(u"The recording has become shorter since it was taken."_s);
     }
-    std::vector<int16_t> samples(size_t((segment.endMs - segment.startMs + tailMs) * samplesPerMs));
+    std::vector<int16_t> samples(size_t((lengthMs(segment) + tailMs) * samplesPerMs));
     samples.resize(reader.read(samples));
     return samples;
 }
 
-// Nothing when the child that did it has died.
-std::optional<Heard> JobRun::tryRecognising(const Sound &sound, const std::vector<Piece> &pieces)
+SoundTask JobRun::taskOf(AudioReader &reader, std::vector<Piece> pieces)
+{
+    SoundTask task;
+    for (const Piece &piece : pieces) {
+        const std::vector<int16_t> more = samplesOf(reader, piece.segment, piece.tailMs);
+        task.samples.insert(task.samples.end(), more.begin(), more.end());
+    }
+    task.pieces = std::move(pieces);
+    return task;
+}
+
+void JobRun::noteBeginning(const SoundTask &task)
 {
     m_control.note([&] {
-        for (const Piece &piece : pieces)
+        for (const Piece &piece : task.pieces)
             beginSegment(m_database, m_control.job().seq, piece.segment.number);
     });
-    SegmentProcess process(*m_recogniser, sound, [this] { m_lock.abandonInChild(); });
-    SegmentProcess::State state = SegmentProcess::State::Running;
-    while (state == SegmentProcess::State::Running) {
-        state = process.wait(waitMs);
-        m_control.check();
-        // All of it is done once it is kept.
-        showProgress(m_kept + std::min(int(pieces.size()) * process.percent() / 100, int(pieces.size()) - 1));
-    }
-    if (state == SegmentProcess::State::Died)
-        return std::nullopt;
-    return process.heard();
 }
 
-void JobRun::showProgress(int done)
+// What is done is kept at once, whichever of them is done first: the plan holds the order.
+void JobRun::attend(Decoders &decoders)
 {
-    if (done <= m_shown)
-        return;
-    m_shown = done;
-    m_control.progress([this](Job &job) { job.progress = progressText(m_shown, m_planned + speakerSteps(size_t(m_planned))); });
+    if (const std::optional<Decoders::Done> ended = decoders.wait(waitMs))
+        keepTask(ended->task, ended->heard);
+    m_control.check();
+    showProgress(done(m_keptMs + decoders.unfinishedMs()), whole());
 }
 
-void JobRun::keepGroup(const std::vector<Piece> &pieces, const Heard &heard)
+void JobRun::keepTask(const SoundTask &task, const Heard &heard)
 {
-    const std::vector<std::vector<Word>> words = wordsByPiece(pieces, heard);
-    m_kept += int(pieces.size());
-    m_shown = std::max(m_shown, m_kept);
+    const std::vector<std::vector<Word>> words = wordsByPiece(task.pieces, heard);
+    m_keptMs += task.speechMs();
     m_control.progress(
         [&](Job &job) {
-            job.progress = progressText(m_shown, m_planned + speakerSteps(size_t(m_planned)));
+            job.progress = m_progress.advance(done(m_keptMs), whole()).value_or(job.progress);
             // Where nothing was said, the language is a guess.
             if (job.language == u"auto" && !heard.phrases.empty() && !heard.language.isEmpty())
                 job.language = heard.language;
         },
         [&] {
-            for (size_t i = 0; i < pieces.size(); ++i)
-                keepSegment(m_database, m_control.job().seq, pieces[i].segment.number, words[i]);
+            for (size_t i = 0; i < task.pieces.size(); ++i)
+                keepSegment(m_database, m_control.job().seq, task.pieces[i].segment.number, words[i]);
         });
+    m_sinceShown.restart();
 }
 
-void JobRun::recogniseGroup(AudioReader &reader, const std::vector<Piece> &pieces)
+void JobRun::countSpeech(const std::vector<Segment> &segments)
 {
-    std::vector<int16_t> samples;
-    for (const Piece &piece : pieces) {
-        const std::vector<int16_t> more = samplesOf(reader, piece.segment, piece.tailMs);
-        samples.insert(samples.end(), more.begin(), more.end());
+    m_keptMs = m_speechMs = 0;
+    for (const Segment &segment : segments) {
+        m_speechMs += lengthMs(segment);
+        m_keptMs += segment.kept() ? lengthMs(segment) : 0;
     }
-    Sound sound{samples};
-    if (m_control.job().language != u"auto")
-        sound.language = m_control.job().language;
-    for (int deaths = 0; deaths < m_recogniser->mostBreakdowns(); ++deaths) {
-        if (const std::optional<Heard> heard = tryRecognising(sound, pieces))
-            return keepGroup(pieces, *heard);
-    }
-    throw Failure(u"The speech recogniser stopped again and again at second %1 of the recording."_s.arg(
-        pieces.front().segment.startMs / 1000));
 }
 
-// What telling speakers apart adds to the count of segments that the progress shows.
-int JobRun::speakerSteps(size_t segments) const
+// Progress is counted in seconds of speech, since segments differ in length. What is read before and learnt
+// afterwards counts as so many more.
+qint64 JobRun::done(qint64 heardMs) const
 {
-    return m_control.job().speakers ? int(segments / segmentsPerSpeakerStep) + 1 : 0;
+    const qint64 heard = heardMs < m_speechMs ? heardMs / 1000 : (m_speechMs + 999) / 1000;
+    return planningSeconds(m_control.job().durationSeconds.value_or(0)) + heard;
+}
+
+qint64 JobRun::whole() const
+{
+    return done(m_speechMs) + speakerSeconds(double(m_speechMs) / 1000);
+}
+
+qint64 JobRun::speakerSeconds(double speechSeconds) const
+{
+    return m_control.job().speakers ? qint64(speechSeconds / recognisedPerTold) + 1 : 0;
+}
+
+void JobRun::showPlanning(double readSeconds)
+{
+    // As if there were speech from end to end.
+    if (const double length = m_control.job().durationSeconds.value_or(0); length > 0) {
+        const qint64 planned = planningSeconds(std::min(readSeconds, length));
+        showProgress(planned, planningSeconds(length) + qint64(length) + 1 + speakerSeconds(length));
+    }
+}
+
+void JobRun::showProgress(qint64 done, qint64 whole)
+{
+    if (done < whole && m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs))
+        return;
+    const std::optional<QString> text = m_progress.advance(done, whole);
+    if (!text)
+        return;
+    m_control.progress([&](Job &job) { job.progress = *text; });
+    m_sinceShown.restart();
 }
 
 // Who speaks where. Nothing of it is kept: after a kill it is found again, and is the same.
 std::vector<Turn> JobRun::findTurns(const std::vector<Segment> &segments)
 {
-    const auto total = int(segments.size()) + speakerSteps(segments.size());
-    int shown = int(segments.size());
+    const qint64 heard = done(m_speechMs);
     const auto show = [&](size_t handled) {
-        const int now = int(segments.size()) + speakerSteps(segments.size()) * int(handled) / int(2 * segments.size());
-        if (now > shown)
-            m_control.progress([&](Job &job) { job.progress = progressText(now, total); });
-        shown = std::max(shown, now);
+        showProgress(heard + (whole() - heard) * qint64(handled) / qint64(2 * segments.size()), whole());
     };
     SpeakerFinder finder([this] { m_control.check(); });
     std::vector<Turn> turns;
@@ -266,7 +299,7 @@ void JobRun::finish()
 
 void JobRun::showParts(int done, int total)
 {
-    m_control.progress([&](Job &job) { job.progress = progressText(done, total); });
+    m_control.progress([&](Job &job) { job.progress = u"%1/%2"_s.arg(done).arg(total); });
 }
 
 // By the text model, where there is one that answers; else by rules.
@@ -279,7 +312,8 @@ void JobRun::write(Transcript &transcript, const std::vector<Segment> &segments)
     const auto show = [&](int done, int total) { showParts(done, total); };
     if (m_control.job().clean) {
         enter(Status::cleaning);
-        transcript.clean = model.chosen() ? polishedText(sentences, language, ask, show) : paragraphs(sentences);
+        transcript.clean =
+            model.chosen() ? polishedText(sentences, language, ask, show) : paragraphs(sentences);
     }
     if (!m_control.job().analyze)
         return;

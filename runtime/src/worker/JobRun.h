@@ -5,8 +5,9 @@
 #include "recognise/Recogniser.h"
 #include "speakers/SpeakerFinder.h"
 #include "text/Transcript.h"
+#include "worker/Decoders.h"
 #include "worker/JobControl.h"
-#include "worker/SoundGroups.h"
+#include "worker/JobProgress.h"
 
 #include <functional>
 #include <optional>
@@ -34,12 +35,17 @@ private:
     void plan();
     void recogniseMissing();
     void nameRecogniser();
-    void recogniseGroup(AudioReader &reader, const std::vector<Piece> &pieces);
+    SoundTask taskOf(AudioReader &reader, std::vector<Piece> pieces);
     std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs = 0);
-    std::optional<Heard> tryRecognising(const Sound &sound, const std::vector<Piece> &pieces);
-    void showProgress(int done);
-    void keepGroup(const std::vector<Piece> &pieces, const Heard &heard);
-    int speakerSteps(size_t segments) const;
+    void noteBeginning(const SoundTask &task);
+    void attend(Decoders &decoders);
+    void keepTask(const SoundTask &task, const Heard &heard);
+    void countSpeech(const std::vector<Segment> &segments);
+    qint64 done(qint64 heardMs) const;
+    qint64 whole() const;
+    qint64 speakerSeconds(double speechSeconds) const;
+    void showPlanning(double readSeconds);
+    void showProgress(qint64 done, qint64 whole);
     std::vector<Turn> findTurns(const std::vector<Segment> &segments);
     void finish();
     void write(Transcript &transcript, const std::vector<Segment> &segments);
@@ -53,10 +59,11 @@ private:
     JobControl m_control;
     RecogniserSource m_recognisers;
     Recogniser *m_recogniser = nullptr;
-    QString m_title; // that the text model proposes; empty: none
-    int m_kept = 0; // segments
-    int m_planned = 0;
-    int m_shown = 0; // of them, as done: no fewer than kept, and never fewer than before
+    QString m_title;     // that the text model proposes; empty: none
+    qint64 m_keptMs = 0; // of the speech
+    qint64 m_speechMs = 0;
+    JobProgress m_progress;
+    QElapsedTimer m_sinceShown;
 };
 
 } // namespace engine

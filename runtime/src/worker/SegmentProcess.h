@@ -30,6 +30,9 @@ public:
     // Waits for the end of the child, but no longer than that.
     State wait(int limitMs);
 
+    // Can be read when `wait` has something to do.
+    int descriptor() const { return m_answerPipe.get(); }
+
     // How much of the sound is done, from 0 to 100, as far as the recogniser tells.
     int percent() const { return m_percent; }
 

@@ -14,7 +14,7 @@ namespace engine {
 
 namespace {
 
-constexpr int waitMs = 100;
+constexpr int answerLookMs = 100;
 constexpr int mostFailures = 2;
 
 } // namespace
@@ -49,7 +49,7 @@ std::optional<QString> TextModel::answerTo(const ModelQuestion &question)
                             {u"json"_s, question.json}};
     ChildProgram child(executableFolder() + u"/tuppi-engine-models"_s, {u"--ask"_s},
                        QJsonDocument(asked).toJson(QJsonDocument::Compact));
-    while (!child.ended(waitMs))
+    while (!child.ended(answerLookMs))
         m_control.check();
     const ProgramResult result = child.finish(0);
     return result.exitStatus == 0 ? std::optional(QString::fromUtf8(result.output)) : std::nullopt;

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <new>
 
@@ -118,6 +119,7 @@ void Worker::fail(const Job &job, const QString &sentence)
             failed.status = Status::failed.toString();
             failed.paused = false;
             failed.error = sentence;
+            failed.lost = !QFileInfo::exists(failed.callDir);
             failed.completedAt = contractNow();
         });
     };

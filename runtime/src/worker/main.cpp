@@ -9,10 +9,14 @@
 
 #include <cstdio>
 #include <cstring>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// All that people do at the computer meanwhile comes first.
+constexpr int priority = 10;
 
 QString recogniserTrouble()
 {
@@ -38,6 +42,7 @@ int main(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
         return check();
+    ::setpriority(PRIO_PROCESS, 0, priority);
     try {
         return engine::Worker(engine::Paths::ofThisUser()).run();
     } catch (const engine::Failure &failure) {

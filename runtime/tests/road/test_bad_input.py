@@ -4,7 +4,7 @@
 import os
 import shutil
 
-from road import SAMPLE, SENTENCES, Engine, RoadTest, ffmpeg, main, say, several, silence, steady, transcript, until
+from road import SAMPLE, SENTENCES, Engine, RoadTest, ffmpeg, main, say, several, silence, steady, transcript
 
 
 class BadInput(RoadTest):
@@ -109,15 +109,19 @@ class BadInput(RoadTest):
         job = self.larkspire.process(several(self.path("long.wav"), *SENTENCES[:4]))
         self.larkspire.ask("pause", job)
         steady(self.larkspire.ticks, "processor time of a paused job")
-        folder = self.larkspire.job(job)["call_dir"]
-        shutil.rmtree(folder)
+        folder, aside = self.larkspire.job(job)["call_dir"], self.path("aside")
+        os.rename(folder, aside)
         self.larkspire.ask("continue", job)
-        # What has been thrown away leaves the list, and nothing makes it again.
-        until(lambda: job not in [entry["id"] for entry in self.larkspire.history()], "a list without it")
-        until(lambda: self.larkspire.status()["latest_job"] is None or
-              self.larkspire.status()["latest_job"]["id"] != job or
-              self.larkspire.status()["latest_job"]["status"] == "failed", "the end of the work on it")
-        self.assertFalse(os.path.exists(folder))
+        self.told(self.larkspire.wait(job, "failed")["error"])
+        self.larkspire.ask("retry", job)
+        self.larkspire.wait(job, "failed")
+        self.assertFalse(os.path.exists(self.larkspire.job(job)["call_dir"]))
+        # Found again, it goes on; thrown away after its end, it leaves the list.
+        os.rename(aside, folder)
+        self.larkspire.ask("retry", job)
+        self.larkspire.wait(job, "ready")
+        shutil.rmtree(folder)
+        self.assertNotIn(job, [entry["id"] for entry in self.larkspire.history()])
 
     def test_nothing_stays_after_a_refusal(self):
         engine = self.engine()

@@ -248,7 +248,7 @@ class Commands(CorrectionTest):
         self.assertEqual(self.runtime.query("PRAGMA user_version"), [(1,)])
         segments = self.runtime.query("SELECT * FROM segments")
         self.assertEqual(self.runtime.history(), [self.entry])
-        self.assertEqual(self.runtime.query("PRAGMA user_version"), [(3,)])
+        self.assertEqual(self.runtime.query("PRAGMA user_version"), [(4,)])
         self.assertEqual(self.runtime.query("SELECT count(*) FROM lines"), [(0,)])
         self.edit(4, "the doors close in september")
         self.assertEqual(view(self.agreed()), [(None, s) for s in (*SENTENCES[:4], "the doors close in september")])

@@ -136,7 +136,7 @@ class Disk(RoadTest):
         self.assertEqual(engine.status()["library"], engine.library)
         self.print(f"{entry['status']}: {entry['error']}")
         self.assertNotEqual(entry["status"], "ready")
-        self.assertEqual(engine.kept(job)[:len(before)], before)
+        self.assertLessEqual(set(before), set(engine.kept(job)))
         refused = engine.call("process", path, "--background", "--engine", "auto", "--language", "en")
         self.assert_one_line(refused, 1)
         self.assertEqual(len(engine.history()), 2)

@@ -36,7 +36,7 @@ class Pause(RoadTest):
         engine.ask("continue", job)
         self.assertIs(engine.job(job)["paused"], False)
         until(lambda: len(engine.kept(job)) > len(first), "one more segment")
-        self.assertEqual(engine.kept(job)[:len(first)], first)
+        self.assertLessEqual(set(first), set(engine.kept(job)))
 
         engine.ask("cancel", job)
         self.assertEqual(engine.job(job)["status"], "cancelled")
@@ -52,10 +52,11 @@ class Pause(RoadTest):
         engine.ask("retry", job)
         entry = engine.wait(job, "ready")
         kept = engine.kept(job)
-        self.assertEqual(kept[:len(cancelled)], cancelled)
+        self.assertLessEqual(set(cancelled), set(kept))
         self.assertGreater(len(kept), len(cancelled))
         # What was kept was not recognised again.
-        self.assertEqual(engine.attempts(job)[:len(cancelled)], attempted[:len(cancelled)])
+        for number, *_ in cancelled:
+            self.assertEqual(engine.attempts(job)[number], attempted[number])
         self.assertEqual(len(transcript(entry).splitlines()), len(engine.spoken(job)))
         self.assertEqual(len(engine.history()), 1)
 

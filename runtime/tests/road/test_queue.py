@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Several recordings: one at a time, none lost."""
 
+import contextlib
 import os
+import sqlite3
 import subprocess
 
 from road import ACTIVE, QUICK, SENTENCES, RoadTest, main, several, transcript, until, wer
@@ -84,6 +86,24 @@ class Queue(RoadTest):
         for job in jobs:
             self.assertLessEqual(len(engine.workers()), 1)
             engine.wait(job, "ready")
+
+    def test_killed_on_the_way_into_the_list(self):
+        """Its folder stands in the library, its job not yet in the store."""
+        engine = self.engine()
+        engine.transcribe(self.recording(engine))
+        before = engine.listing()
+        process = ["process", self.recording(engine, name="second.wav"), "--background"]
+        with contextlib.closing(sqlite3.connect(engine.store, isolation_level=None)) as base:
+            base.execute("BEGIN IMMEDIATE")
+            killed = subprocess.Popen(engine.command(*process), env=engine.environment)
+            until(lambda: any(name.endswith(" second") for name in os.listdir(engine.library)), "the second folder")
+            killed.kill()
+            killed.wait()
+            base.execute("ROLLBACK")
+        self.assertEqual(len(engine.history()), 1)
+        third = engine.transcribe(self.recording(engine, name="third.wav"))
+        folder = os.path.basename(third["call_dir"])
+        self.assertEqual([path for path in engine.listing() if path.split(os.sep)[0] != folder], before)
 
     def test_foreground(self):
         engine = self.engine()

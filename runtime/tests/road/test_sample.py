@@ -158,13 +158,13 @@ class Sample(RoadTest):
             self.assertTrue(engine.kill_worker(), "the job was over before the last kill")
             kept = engine.kept(job)
             # The worker may have kept one more between the look and the kill; it never loses one.
-            self.assertEqual(kept[:len(before)], before)
-            kept_at_kill.append(len(kept))
+            self.assertLessEqual(set(before), set(kept))
+            kept_at_kill.append({segment[0] for segment in kept})
             fewest = len(kept)
             engine.ask("resume")
         entry = engine.wait(job, "ready")
-        print(f"kills: struck with {kept_at_kill} segments kept")
-        self.assertEqual(engine.kept(job)[:fewest], kept)
+        print(f"kills: struck with {[len(numbers) for numbers in kept_at_kill]} segments kept")
+        self.assertLessEqual(set(kept), set(engine.kept(job)))
         self.assertEqual(results(entry), results(self.entry))
         self.assertEqual(sorted(engine.listing()),
                          [p.replace(os.path.basename(self.entry["call_dir"]), os.path.basename(entry["call_dir"]))
@@ -172,8 +172,11 @@ class Sample(RoadTest):
         attempts = engine.attempts(job)
         self.assertEqual(len(attempts), len(engine.kept(job)))
         for index, count in enumerate(attempts):
-            self.assertLessEqual(count, 1 + kept_at_kill.count(index), f"segment {index} of {attempts}")
+            lost = sum(index not in numbers for numbers in kept_at_kill)
+            self.assertLessEqual(count, 1 + lost, f"segment {index} of {attempts}")
             self.assertGreaterEqual(count, 1)
+        # A kill costs no more than what each decoder has at hand.
+        self.assertLessEqual(sum(attempts), len(attempts) + KILLS * len(os.sched_getaffinity(0)))
         self.assertEqual(self.undisturbed.attempts(self.entry["id"]), [1] * len(attempts))
 
 

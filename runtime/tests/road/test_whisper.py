@@ -111,9 +111,9 @@ class Whisper(RoadTest):
         self.set("closed")
         job = engine.process(path, engine="whisper", language="auto")
         until(lambda: len(self.runs()) > undisturbed, "the first run")
-        shown = until(lambda: engine.status()["latest_job"]["progress"] not in (None, "")
-                      and not engine.status()["latest_job"]["progress"].startswith("0/")
-                      and engine.status()["latest_job"]["progress"], "progress within a group")
+        first = engine.status()["latest_job"]["progress"]
+        until(lambda: engine.status()["latest_job"]["progress"] != first, "progress within a group")
+        shown = steady(lambda: engine.status()["latest_job"]["progress"], "progress of a recogniser that waits", 30)
         self.assertEqual(engine.kept(job), [])
         program = self.runs()[-1]["pid"]
         engine.ask("pause", job)

@@ -4,6 +4,9 @@
 
 #include <QDir>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace engine {
@@ -13,6 +16,11 @@ namespace {
 QStringList everythingIn(const QString &folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+bool neverRecorded(const QString &)
+{
+    return false;
 }
 
 Recording recordingIn(const test::Home &home)
@@ -39,7 +47,7 @@ TEST(NewCallDir, twoOfTheSameNameStandBesideEachOther)
     const QString library = home.file(u"some/library"_s);
     QStringList placed;
     for (int i = 0; i < 3; ++i) {
-        NewCallDir folder(library);
+        NewCallDir folder(library, neverRecorded);
         EXPECT_EQ(folder.take(recordingIn(home)), u"Technical files/audio.wav"_s);
         placed.append(folder.place(u"Talk"_s));
         folder.keep();
@@ -54,11 +62,11 @@ TEST(NewCallDir, leavesNothingUnlessKept)
 {
     const test::Home home;
     {
-        NewCallDir unfinished(home.file(u"library"_s));
+        NewCallDir unfinished(home.file(u"library"_s), neverRecorded);
         unfinished.take(recordingIn(home));
     }
     {
-        NewCallDir placed(home.file(u"library"_s));
+        NewCallDir placed(home.file(u"library"_s), neverRecorded);
         placed.take(recordingIn(home));
         placed.place(u"Talk"_s);
     }
@@ -70,19 +78,55 @@ TEST(NewCallDir, removesWhatAKilledProgramLeftButNotWhatIsInTheMaking)
     const test::Home home;
     const QString library = home.file(u"library"_s);
     QDir().mkpath(library + u"/.tuppi-incoming-dead00/Technical files"_s);
-    const NewCallDir inTheMaking(library);
+    const NewCallDir inTheMaking(library, neverRecorded);
     EXPECT_EQ(everythingIn(library).size(), 1);
     {
-        const NewCallDir another(library);
+        const NewCallDir another(library, neverRecorded);
         EXPECT_EQ(everythingIn(library).size(), 2);
     }
+}
+
+TEST(NewCallDir, whatAKilledProgramHasPlacedGoesUnlessAJobHasIt)
+{
+    const test::Home home;
+    const QString library = home.file(u"library"_s);
+    const QString placed = library + u"/Talk"_s;
+    for (const bool recorded : {true, false}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            NewCallDir folder(library, neverRecorded);
+            folder.take(recordingIn(home));
+            folder.place(u"Talk"_s);
+            ::_exit(0); // nothing is tidied up
+        }
+        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+        ASSERT_EQ(everythingIn(library).size(), 2) << "it, and where it was made";
+        const NewCallDir next(library, [&](const QString &callDir) {
+            EXPECT_EQ(callDir, placed);
+            return recorded;
+        });
+        EXPECT_EQ(QDir(placed).exists(), recorded);
+        QDir(placed).removeRecursively();
+    }
+}
+
+TEST(NewCallDir, aFolderOfAnotherInThePlaceOfWhatAKilledProgramLeftStays)
+{
+    const test::Home home;
+    const QString library = home.file(u"library"_s);
+    QDir().mkpath(library + u"/.tuppi-incoming-dead00"_s);
+    QDir().mkpath(library + u"/Talk/mine"_s);
+    test::write(library + u"/.tuppi-incoming-dead00/name of the transcript"_s, "12345\nTalk");
+    const NewCallDir next(library, neverRecorded);
+    EXPECT_TRUE(QDir(library + u"/Talk/mine"_s).exists());
+    EXPECT_FALSE(QDir(library + u"/.tuppi-incoming-dead00"_s).exists());
 }
 
 TEST(NewCallDir, aFileInPlaceOfTheLibraryIsToldOf)
 {
     const test::Home home;
     test::write(home.file(u"library"_s), "a file");
-    const QString sentence = test::sentenceOf([&] { NewCallDir folder(home.file(u"library"_s)); });
+    const QString sentence = test::sentenceOf([&] { NewCallDir folder(home.file(u"library"_s), neverRecorded); });
     EXPECT_TRUE(sentence.contains(u"a file stands where the folder")) << sentence.toStdString();
 }
 

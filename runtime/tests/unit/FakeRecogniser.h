@@ -14,9 +14,12 @@ public:
     QString contractName() const override { return {}; }
     QString language() const override { return hears; }
     void prepare() override {}
+    bool usesOneCore() const override { return oneCore; }
     qint64 longestSoundMs() const override { return longest; }
     Heard recognise(const Sound &sound) override
     {
+        if (percent > 0)
+            sound.progress(percent);
         const auto lengthMs = qint64(sound.samples.size() / 16);
         return {{{0, lengthMs, act ? act(sound.samples) : words(sound.samples)}}, heardLanguage};
     }
@@ -27,6 +30,8 @@ public:
     }
 
     qint64 longest = 0;
+    bool oneCore = false;
+    int percent = 0; // told before anything is heard
     QString hears = QStringLiteral("en");
     QString heardLanguage;
 

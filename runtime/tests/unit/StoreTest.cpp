@@ -132,6 +132,26 @@ TEST(Store, aFolderThatWasThrownAwayIsNotListed)
     EXPECT_EQ(titles(), all) << "the whole library is away";
 }
 
+TEST(Store, aJobThatFailedForWantOfItsFolderIsListed)
+{
+    const test::Home home;
+    Database database(home.paths());
+    QDir().mkpath(home.file(u"library"_s));
+    Job job = test::sampleJob();
+    job.callDir = home.file(u"library/gone"_s);
+    job = test::addJob(database, job);
+    changeJob(database, job.id, [](Job &failed) {
+        failed.status = Status::failed.toString();
+        failed.error = u"The recording is no longer in its folder."_s;
+        failed.lost = true;
+    });
+    EXPECT_TRUE(jobById(database, job.id)->lost);
+    ASSERT_EQ(history(database).size(), 1);
+    EXPECT_EQ(history(database)[0][u"error"].toString(), u"The recording is no longer in its folder."_s);
+    changeJob(database, job.id, [](Job &later) { later.lost = false; });
+    EXPECT_TRUE(history(database).isEmpty()) << "thrown away after its end";
+}
+
 TEST(Store, theEntryChangesWithTheJob)
 {
     const test::Home home;

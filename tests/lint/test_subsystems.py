@@ -1,0 +1,79 @@
+"""Every test that docs/subsystems.md names is there, and so is every folder."""
+
+import glob
+import os
+import re
+import unittest
+
+ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
+GOOGLE = re.compile(r"^TEST(?:_[FP])?\((\w+), (\w+)\)", re.MULTILINE)
+SLOT = re.compile(r"^    void (\w+)\(\)", re.MULTILINE)
+PYTHON = re.compile(r"^    def (test_\w+)\(", re.MULTILINE)
+COMMAND = re.compile(r"add_test\(NAME (\w+)$", re.MULTILINE)
+FOLDERS = ("tests", "runtime/tests", "runtime/page/tests")
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def files(suffix):
+    return [path for folder in FOLDERS for path in glob.glob(os.path.join(ROOT, folder, "**", "*" + suffix), recursive=True)]
+
+
+def there():
+    """The tests, named as the page names them."""
+    names = set()
+    for path in files(".cpp"):
+        text, file = read(path), os.path.splitext(os.path.basename(path))[0]
+        names.update(".".join(match) for match in GOOGLE.findall(text))
+        if "Q_SLOTS:" in text:
+            names.update(f"{file}.{slot}" for slot in SLOT.findall(text.split("Q_SLOTS:", 1)[1]))
+    for path in files(".py"):
+        file = os.path.splitext(os.path.basename(path))[0]
+        names.update(f"{file}.{test}" for test in PYTHON.findall(read(path)))
+    for path in files("CMakeLists.txt"):
+        names.update(COMMAND.findall(read(path)))
+    return names
+
+
+def named(page):
+    """The tests in the last column of each table."""
+    rows = [line.strip().strip("|").split("|") for line in page.splitlines() if line.startswith("| ")]
+    return [name for row in rows for name in re.findall(r"`([^`]+)`", row[-1])]
+
+
+class TheSubsystems(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.page = read(os.path.join(ROOT, "docs", "subsystems.md"))
+
+    def test_every_test_is_there(self):
+        self.assertEqual(sorted(set(named(self.page)) - there()), [])
+
+    def test_every_row_names_one(self):
+        rows = [line for line in self.page.splitlines() if line.startswith("| ") and not line.startswith("| what ")]
+        self.assertGreater(len(rows), 100)
+        self.assertEqual([row for row in rows if not named(row)], [])
+
+    def test_every_folder_is_there(self):
+        folders = re.findall(r"^In (.*)\.$", self.page, re.MULTILINE)
+        self.assertEqual(len(folders), 23)
+        for folder in re.findall(r"`([^`]+)`", " ".join(folders)):
+            self.assertTrue(os.path.isdir(os.path.join(ROOT, folder)), folder)
+
+    def test_every_name_of_code_is_there(self):
+        sources = "".join(read(path) for folder in ("src", "runtime/src")
+                          for path in glob.glob(os.path.join(ROOT, folder, "**", "*.*"), recursive=True))
+        for row in (line.split("|") for line in self.page.splitlines() if line.startswith("| ")):
+            for name in re.findall(r"`([^`]+)`", row[2]):
+                self.assertTrue(name in sources or os.path.isdir(os.path.join(ROOT, name)), name)
+
+    def test_a_name_that_is_none(self):
+        self.assertEqual(named("| a | `b` | `No.Such`, `Test.AtAll` |"), ["No.Such", "Test.AtAll"])
+        self.assertFalse({"No.Such", "Test.AtAll"} & there())
+
+
+if __name__ == "__main__":
+    unittest.main()
