@@ -225,6 +225,8 @@ void MainWindow::openRowMenu(const QString &key, const QPoint &position)
         connect(action, &QAction::triggered, this,
                 [this, target, name = item.action] { Q_EMIT rowCommand(target, name); });
     }
+    // A choice that an assistive tool makes would leave it open, above the sheet that asks.
+    connect(menu, &QMenu::triggered, menu, &QMenu::close);
     menu->popup(position);
 }
 

@@ -39,9 +39,12 @@ void TranscriptList::setContent(const ListContent &content)
     for (auto shown = m_shown.begin(); shown != m_shown.end(); ++shown)
         byKey.insert(shown.value()->look().key, shown.value());
     m_content = content;
+    const int before = m_selected;
     m_selected = m_selectedKey.isEmpty() ? -1 : IndexOfKey(m_content, m_selectedKey);
     if (m_selected < 0)
         m_selectedKey.clear();
+    if (m_selected < 0 && before >= 0)
+        m_left = before;
     updateScrollRange();
 
     // A row that is still in sight keeps its view, so that focus, hover and mascot go on undisturbed.
@@ -149,6 +152,7 @@ void TranscriptList::selectRow(int index)
     const int before = m_selected;
     m_selected = index >= 0 && index < m_content.size() ? index : -1;
     m_selectedKey = m_selected < 0 ? QString() : m_content.keyAt(m_selected);
+    m_left = -1;
     for (const int changed : {before, m_selected}) {
         if (RowView *view = m_shown.value(changed))
             place(changed, view);
@@ -259,19 +263,20 @@ bool TranscriptList::moveSelection(QKeyEvent *event)
 {
     const int count = int(m_content.size());
     const int page = qMax(1, viewport()->height() / Metrics::rowHeight);
-    int target = m_selected;
+    const int from = m_selected < 0 ? m_left : m_selected;
+    int target = from;
     switch (event->key()) {
     case Qt::Key_Up:
-        target = m_selected < 0 ? count - 1 : m_selected - 1;
+        target = from < 0 ? count - 1 : from - 1;
         break;
     case Qt::Key_Down:
-        target = m_selected + 1;
+        target = m_left < 0 ? from + 1 : m_left; // another row has come there
         break;
     case Qt::Key_PageUp:
-        target = m_selected - page;
+        target = from - page;
         break;
     case Qt::Key_PageDown:
-        target = m_selected + page;
+        target = from + page;
         break;
     case Qt::Key_Home:
         target = 0;

@@ -84,6 +84,7 @@ private:
     QList<QPushButton *> m_tabOrder; ///< the buttons in sight, as Tab visits them
     int m_selected = -1;
     QString m_selectedKey;
+    int m_left = -1; ///< where the selected row was when it left the list: the arrow keys go on from there
     bool m_showsFocus = false; ///< keys are in use here, and not only the mouse
     QString m_typed;
     QElapsedTimer m_lastTyped;

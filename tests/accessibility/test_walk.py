@@ -32,6 +32,7 @@ MODELS = {"custom": [{"id": "ada", "name": "Ada", "kind": "parakeet", "repo": "a
 CHECKS = [{"check": "Engine", "ok": True}, {"check": "Ollama", "ok": False, "optional": True},
           {"check": "FFmpeg", "ok": False, "detail": "not found"}]
 LIST_HEIGHT = 1180  # twelve rows
+PAUSE = 0.1  # a look at the whole tree costs both sides
 
 
 class Outside:
@@ -89,14 +90,14 @@ class Outside:
         return None
 
     def find(self, name, role=None, within=None):
-        return until(lambda: self.look(name, role, within), f"{role or 'anything'} named {name!r}")
+        return until(lambda: self.look(name, role, within), f"{role or 'anything'} named {name!r}", pause=PAUSE)
 
     def window(self, name):
         return until(lambda: next((window for window in self.windows() if window.get_name() == name), None),
-                          f"the window {name!r}")
+                          f"the window {name!r}", pause=PAUSE)
 
     def gone(self, name):
-        until(lambda: all(window.get_name() != name for window in self.windows()), f"the end of {name!r}")
+        until(lambda: all(window.get_name() != name for window in self.windows()), f"the end of {name!r}", pause=PAUSE)
 
     def act(self, node, wanted):
         action = node.get_action_iface()
@@ -104,6 +105,15 @@ class Outside:
         if wanted not in names:
             raise AssertionError(f"{node.get_role_name()} {node.get_name()!r} does not offer {wanted}, only {names}")
         action.do_action(names.index(wanted))
+
+    def focus(self, node):
+        """Not to be followed by a key before it is there."""
+        self.act(node, "SetFocus")
+        self.await_focus(node)
+
+    @staticmethod
+    def await_focus(node):
+        until(lambda: node.get_state_set().contains(Atspi.StateType.FOCUSED), "the focus")
 
     def press(self, name, role=None, within=None):
         self.act(self.find(name, role, within), "Press")
@@ -115,26 +125,31 @@ class Outside:
                 return self.act(node, "Press")
         raise AssertionError(f"no menu item {name!r}")
 
-    def menu(self):
-        """The context menu that is open. It hangs on no window: the application tells of it when an item is lit."""
-        lit = []
+    def hear_of_focus(self, key, role, repeat=False):
+        """What of that role has the keyboard after the key, as the application says by itself."""
+        heard = []
 
-        def heard(event):
-            if event.source.get_role_name() == "menu item":
-                lit.append(event.source)
+        def hear(event):
+            if event.detail1 and event.source.get_role_name() == role:
+                heard.append(event.source)
 
-        def lit_by_a_key():
+        def told():
             while GLib.MainContext.default().iteration(False):
                 pass
-            if not lit:
-                self.keys("Down")
-            return lit
+            if repeat and not heard:
+                self.keys(key)
+            return heard
 
-        listener = Atspi.EventListener.new(heard)
+        listener = Atspi.EventListener.new(hear)
         listener.register("object:state-changed:focused")
-        until(lit_by_a_key, "a menu", pause=0.3)
+        self.keys(key)
+        until(told, f"word of the focus on a {role}", pause=0.3 if repeat else 0.02)
         listener.deregister("object:state-changed:focused")
-        return lit[0].get_parent()
+        return heard[0]
+
+    def menu(self):
+        """The context menu that is open. It hangs on no window: the application tells of it when an item is lit."""
+        return self.hear_of_focus("Down", "menu item", repeat=True).get_parent()
 
     def focused(self):
         """Name of what has the keyboard, the innermost of those that say so."""
@@ -151,6 +166,7 @@ class Outside:
 
 class Walk(unittest.TestCase):
     language = "en"
+    another = "End"  # the key to it in the list of languages
 
     def setUp(self):
         self.engine = ScriptedEngine()
@@ -286,13 +302,13 @@ class Walk(unittest.TestCase):
         """Arrow keys move what is focused from row to row, and the row offers its menu."""
         self.it.act(self.row("Page"), "SetFocus")
         until(lambda: (self.it.focused() or "").startswith("Page. "), "the focus on the row")
-        self.it.keys("Down", window=self.L("Tuppi Transcriber"))
+        told = self.it.hear_of_focus("Down", "panel").get_name()
+        self.assertTrue(told.startswith("Plain. "), told)
         until(lambda: (self.it.focused() or "").startswith("Plain. "), "the focus on the next row")
         self.it.act(self.row("Page"), "ShowMenu")
         menu = self.it.menu()
         self.check("row menu", menu, self.L("Open Transcript"), self.L("Try Again"), self.L("Remove…"))
         self.it.act(self.it.find(self.L("Rename…"), "menu item", menu), "Press")
-        self.it.keys("Escape")
         self.check_sheet("rename", self.L("Rename transcript"), self.L("Cancel"), self.L("Rename"))
 
     def row_sheets(self):
@@ -336,7 +352,7 @@ class Walk(unittest.TestCase):
         box = next(node for node in self.it.below(window) if node.get_role_name() == "combo box" and self.it.shows(node))
         self.it.act(box, "Press") if "Press" in self.actions(box) else self.it.act(box, "ShowMenu")
         self.it.find("Español", "list item")
-        self.it.keys("Down", "Return")
+        self.it.keys(self.another, "Return")
         self.check_sheet("restart", self.L("Restart Tuppi Transcriber to switch the language?"), self.L("Later"),
                          self.L("Restart Now"))
 
@@ -356,12 +372,16 @@ class Walk(unittest.TestCase):
         window = self.it.window("Page")
         self.it.find(self.L("Edit this line"), within=window)
         self.check("viewer, transcript", window, self.L("Speaker: %@", "Guest"), self.L("Play"), self.L("Search in the text"))
-        self.it.act(self.it.find(self.L("Edit this line"), within=window), "SetFocus")
+        line = self.it.find("Good morning. I am happy to be here.", within=window).get_parent().get_parent()
+        self.it.focus(line)
+        until(lambda: line.get_name().startswith("Guest, 0:05, Good"), "the name of the line")
+        self.it.focus(self.it.find(self.L("Edit this line"), within=window))
         self.it.keys("Return", window="Page")
         self.it.find(self.L("Split here"), within=window)
         self.check("viewer, editor", window, self.L("Text of the line"), self.L("Done"))
         self.it.keys("Escape", window="Page")
-        self.it.act(self.it.find(self.L("Speaker: %@", "Interviewer"), within=window), "SetFocus")
+        self.it.await_focus(line)
+        self.it.focus(self.it.find(self.L("Speaker: %@", "Interviewer"), within=window))
         self.it.keys("Return", window="Page")
         self.it.find(self.L("New name"), within=window)
         self.check("viewer, speaker menu", window, self.L("This line only"), self.L("Save"))
@@ -373,6 +393,7 @@ class Walk(unittest.TestCase):
 
 class WalkRightToLeft(Walk):
     language = "ar"
+    another = "Home"
 
 
 if __name__ == "__main__":

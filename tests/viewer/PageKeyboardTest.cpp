@@ -65,8 +65,9 @@ protected:
     {
         for (const QByteArray &stop : stops) {
             ASSERT_EQ(step(key), stop);
-            if (isInPage())
+            if (isInPage()) {
                 EXPECT_EQ(ask(m_viewer, QString::fromLatin1(showsInPage)), "true") << stop.constData();
+            }
         }
     }
 
