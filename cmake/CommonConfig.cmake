@@ -32,8 +32,17 @@ if(CMAKE_UNITY_BUILD)
   target_compile_options(tuppi_common INTERFACE -Wno-subobject-linkage)
 endif()
 
+# How resources are packed: by what every start loads anyway.
+set(TUPPI_PACKING --compress-algo zlib)
+
 if(TUPPI_SANITIZE)
   target_compile_options(tuppi_common INTERFACE
     -fsanitize=${TUPPI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(tuppi_common INTERFACE -fsanitize=${TUPPI_SANITIZE})
+endif()
+
+if(TUPPI_COVERAGE)
+  # Counted atomically, as threads count the same line.
+  target_compile_options(tuppi_common INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(tuppi_common INTERFACE --coverage)
 endif()

@@ -17,6 +17,7 @@
 #include <QTextStream>
 #include <QTranslator>
 
+#include <malloc.h>
 #include <thread>
 
 using namespace tuppi;
@@ -25,6 +26,16 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int usageError = 2;
+
+/// Memory that was needed for a moment goes back to the system: threads share what is free among them, and whatever
+/// is large is mapped by itself, however often it was needed before.
+void keepMemoryLow()
+{
+    constexpr int large = 128 * 1024;
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MMAP_THRESHOLD, large);
+    mallopt(M_TRIM_THRESHOLD, large);
+}
 
 void nameApplication()
 {
@@ -177,6 +188,7 @@ int runWindow(int argc, char *argv[], const Options &options)
 
 int main(int argc, char *argv[])
 {
+    keepMemoryLow();
     nameApplication();
     QStringList arguments;
     for (int index = 1; index < argc; ++index)

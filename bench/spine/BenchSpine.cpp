@@ -11,6 +11,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
+#include <map>
+#include <string>
+
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 
@@ -85,10 +89,10 @@ void unchangedRefresh(benchmark::State &state)
 void describeAll(benchmark::State &state)
 {
     const JobsState jobs = stateOf(replyOf(state));
-    const QList<QJsonObject> rows = BuildRows(jobs).rows;
+    const Rows rows = BuildRows(jobs).rows;
     for ([[maybe_unused]] auto _ : state) {
-        for (const QJsonObject &row : rows)
-            benchmark::DoNotOptimize(Describe(row, jobs.latestJob, {}));
+        for (qsizetype index = 0; index < rows.size(); ++index)
+            benchmark::DoNotOptimize(Describe(rows.at(index), jobs.latestJob, {}));
     }
     state.SetItemsProcessed(qint64(state.iterations()) * rows.size());
 }
@@ -96,13 +100,13 @@ void describeAll(benchmark::State &state)
 /// The last row found by its key.
 void findLastRow(benchmark::State &state)
 {
-    const QList<QJsonObject> rows = BuildRows(stateOf(replyOf(state))).rows;
-    const QString key = RowKey(rows.last());
+    const Rows rows = BuildRows(stateOf(replyOf(state))).rows;
+    const QString key = rows.keyAt(rows.size() - 1);
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(RowIndex(rows, key));
 }
 
-/// On the main thread, at every start: the ids of all jobs known before it.
+/// Off the main thread, at every start: the ids of all jobs known before it.
 void jobIds(benchmark::State &state)
 {
     const JobsState jobs = stateOf(replyOf(state));
@@ -110,7 +114,7 @@ void jobIds(benchmark::State &state)
         benchmark::DoNotOptimize(JobIds(*jobs.history));
 }
 
-/// On the main thread, at every start: the queue and the start in flight written to the disk, and then the
+/// Off the main thread, at every start: the queue and the start in flight written to the disk, and then the
 /// queue without it.
 void storeStart(benchmark::State &state)
 {
@@ -126,7 +130,7 @@ void storeStart(benchmark::State &state)
 
 void sizes(benchmark::internal::Benchmark *benchmark)
 {
-    benchmark->Arg(100)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMicrosecond);
+    benchmark->Arg(100)->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
 }
 
 BENCHMARK(parseFloor)->Apply(sizes);
@@ -139,6 +143,39 @@ BENCHMARK(findLastRow)->Apply(sizes);
 BENCHMARK(jobIds)->Apply(sizes);
 BENCHMARK(storeStart)->Apply(sizes);
 
+/// Keeps the processor times, to hold them against the floor at the end.
+class KeepingReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs)
+            m_microseconds[run.benchmark_name()] = run.GetAdjustedCPUTime();
+    }
+    void printRatio(const std::string &name, const std::string &size) const
+    {
+        const auto ours = m_microseconds.find(name + '/' + size);
+        const auto floor = m_microseconds.find("parseFloor/" + size);
+        if (ours != m_microseconds.end() && floor != m_microseconds.end())
+            printf("RESULT %s, %s transcripts | %.0f µs, ratio %.2f | parsing alone %.0f µs | - | -\n", name.c_str(),
+                   size.c_str(), ours->second, ours->second / floor->second, floor->second);
+    }
+
+private:
+    std::map<std::string, double> m_microseconds;
+};
+
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char *argv[])
+{
+    benchmark::Initialize(&argc, argv);
+    KeepingReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    for (const char *name : {"readChangedHistory", "readUnchangedHistory", "buildRows", "unchangedRefresh"}) {
+        for (const char *size : {"100", "1000", "10000", "100000"})
+            reporter.printRatio(name, size);
+    }
+    return 0;
+}

@@ -38,21 +38,22 @@ QString reasonOf(const TrashResult &result)
 
 void AppDelegate::removeRow(const QString &rowKey)
 {
+    const Rows &rows = m_list.snapshot.rows;
     const QJsonObject row = rowWithKey(rowKey);
     if (IsRemovable(row))
-        removeCalls({row}, RemoveTitle(row));
+        removeCalls(rows.jobs.only(RowIndex(rows, rowKey) - rows.locals()), RemoveTitle(row));
 }
 
 void AppDelegate::clearList()
 {
-    const QList<QJsonObject> rows = FinishedRows(m_list.snapshot.rows);
+    const JobList rows = FinishedRows(m_list.snapshot.rows);
     if (rows.isEmpty())
         flash(L(u"Nothing to clear"_s));
     else
         removeCalls(rows, ClearListTitle(rows.size()));
 }
 
-void AppDelegate::removeCalls(const QList<QJsonObject> &rows, const QString &title)
+void AppDelegate::removeCalls(const JobList &rows, const QString &title)
 {
     if (rows.isEmpty()) {
         QApplication::beep();
@@ -72,7 +73,7 @@ void AppDelegate::removeCalls(const QList<QJsonObject> &rows, const QString &tit
     });
 }
 
-void AppDelegate::confirmTrash(const QList<QJsonObject> &rows)
+void AppDelegate::confirmTrash(const JobList &rows)
 {
     if (rows.size() < 2) {
         trashFolders(rows);
@@ -89,7 +90,7 @@ void AppDelegate::confirmTrash(const QList<QJsonObject> &rows)
     });
 }
 
-void AppDelegate::trashFolders(const QList<QJsonObject> &rows)
+void AppDelegate::trashFolders(const JobList &rows)
 {
     QStringList lines;
     QStringList paths;

@@ -33,28 +33,28 @@ bool IsRemovable(const QJsonObject &row)
     return !row.isEmpty() && !row.contains("local"_L1) && !IsActiveStage(row.value("status"_L1).toString());
 }
 
-QList<QJsonObject> FinishedRows(const QList<QJsonObject> &rows)
+JobList FinishedRows(const Rows &rows)
 {
-    QList<QJsonObject> finished;
-    for (const QJsonObject &row : rows) {
-        if (IsRemovable(row))
-            finished.append(row);
+    JobList finished(rows.jobs.blocks());
+    for (qsizetype index = 0; index < rows.jobs.size(); ++index) {
+        if (!IsActiveStage(rows.jobs.statusAt(index)))
+            finished.append(rows.jobs.places().at(index));
     }
     return finished;
 }
 
-QStringList IdsOf(const QList<QJsonObject> &rows)
+QStringList IdsOf(const JobList &rows)
 {
     QStringList ids;
-    for (const QJsonObject &row : rows) {
-        const QString id = row.value("id"_L1).toString();
+    for (qsizetype index = 0; index < rows.size(); ++index) {
+        const QString id = rows.idAt(index);
         if (!id.isEmpty())
             ids.append(id);
     }
     return ids;
 }
 
-QList<DoomedFolder> FoldersOf(const QList<QJsonObject> &rows)
+QList<DoomedFolder> FoldersOf(const JobList &rows)
 {
     QList<DoomedFolder> folders;
     for (const QJsonObject &row : rows) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "list/Rows.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -11,10 +13,10 @@ namespace tuppi {
 bool IsRemovable(const QJsonObject &row);
 
 /// The rows that Clear List takes, in their order.
-QList<QJsonObject> FinishedRows(const QList<QJsonObject> &rows);
+JobList FinishedRows(const Rows &rows);
 
 /// The ids of the rows that have one, in their order.
-QStringList IdsOf(const QList<QJsonObject> &rows);
+QStringList IdsOf(const JobList &rows);
 
 /// A folder that is to go to the Trash, and what it is called when it could not go.
 struct DoomedFolder
@@ -24,7 +26,7 @@ struct DoomedFolder
 
     bool operator==(const DoomedFolder &) const = default;
 };
-QList<DoomedFolder> FoldersOf(const QList<QJsonObject> &rows);
+QList<DoomedFolder> FoldersOf(const JobList &rows);
 
 /// False for what no transcript can be: a relative path, and a folder that holds the home folder or the
 /// transcripts folder `library`. An engine that is out of its mind must not take those along.

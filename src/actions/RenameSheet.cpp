@@ -22,6 +22,7 @@ void askForTitle(QWidget *window, const QString &title, std::function<void(const
     auto *field = new QLineEdit(title);
     field->setObjectName(u"titleField"_s);
     field->setAccessibleName(text.message);
+    field->setTextMargins(4, 0, 4, 0);
     field->setFixedSize(Metrics::titleFieldWidth, Metrics::titleFieldHeight);
     // The sheet outlives its answer, and so does the field in it.
     Sheet *sheet = Sheet::open(window, text, [field, then = std::move(then)](int button) {

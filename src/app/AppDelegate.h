@@ -98,7 +98,7 @@ public:
     void cancelRow(const QString &rowKey);
     void removeRow(const QString &rowKey);
     /// Offers to hide these rows or to put their folders into the Trash.
-    void removeCalls(const QList<QJsonObject> &rows, const QString &title);
+    void removeCalls(const JobList &rows, const QString &title);
     void clearList();
     void showHidden();
     void openLibrary();
@@ -182,18 +182,24 @@ private:
         bool interruptedStartEnded = false;
     };
 
+    /// What is stored of a start that is in flight.
+    struct StartInFlight
+    {
+        StartRecord record;
+        bool knownFromHistory = false;  ///< the known jobs are those of the history at hand
+    };
+
     void historyArrived(const HistoryReply &reply, PollContext context);
     void statusArrived(const std::optional<QJsonObject> &status, const HistoryPointer &history, PollContext context);
     void settleInterruptedStart(bool commandEnded);
     void startAnswered(const EngineReply &reply);
-    bool storeQueue(const QVariant &startInFlight);
-    QVariant storedStart() const;
+    std::optional<StartInFlight> startInFlight() const;
     void runOnJob(const QStringList &arguments, const QString &title, std::function<void()> succeeded = {});
-    void confirmTrash(const QList<QJsonObject> &rows);
+    void confirmTrash(const JobList &rows);
     void saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window);
     void tellNotSaved(const QString &reason, QWidget *window);
     void share(ShareChoice choice, const SharedFile &file);
-    void trashFolders(const QList<QJsonObject> &rows);
+    void trashFolders(const JobList &rows);
     void trashEnded(const QList<DoomedFolder> &folders, const QList<TrashResult> &results, QStringList lines);
     void resetEngineThatIsGone();
     void buildSettings();

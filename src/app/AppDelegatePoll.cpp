@@ -2,6 +2,7 @@
 
 #include "app/MainLoop.h"
 #include "engine/EngineCommands.h"
+#include "engine/HistoryReader.h"
 #include "settings/L.h"
 
 #include <QFile>
@@ -20,9 +21,11 @@ void AppDelegate::poll()
     // Asked before the history is: only a history younger than the command's end can prove that there is no job.
     context.interruptedStartEnded =
         m_jobs.interruptedStart && m_queue.startLock.tryLock() != FileLock::Result::Elsewhere;
+    const auto reader = std::make_shared<HistoryReader>(m_jobs.history);
     RunCallRead(
-        command::history(), this, {command::queryTimeoutSeconds, -1},
-        [previous = m_jobs.history](const RawReply &raw) { return ReadHistory(raw, previous); },
+        command::history(), this,
+        {command::queryTimeoutSeconds, -1, [reader](QByteArrayView bytes) { reader->take(bytes); }},
+        [reader](const RawReply &raw) { return reader->finish(raw.status); },
         [this, context](const HistoryReply &reply) { historyArrived(reply, context); });
 }
 

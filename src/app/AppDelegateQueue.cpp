@@ -31,32 +31,35 @@ void AppDelegate::enqueue(const QStringList &paths, const StartChoices &choices)
     startNextIfIdle();
 }
 
-void AppDelegate::saveWaiting()
-{
-    if (!storeQueue(storedStart()))
-        flash(L(u"The waiting list could not be saved. It is kept until the app quits."_s));
-}
-
 /// Writes the queue and the start in flight in one replacement of the file, so that a file is always in
 /// exactly one of the two.
-bool AppDelegate::storeQueue(const QVariant &startInFlight)
+void AppDelegate::saveWaiting()
 {
     if (!m_queue.owned)
-        return true;
-    const bool stored = m_queue.defaults.setValues(
-        {{u"waitingQueue"_s, StoredQueue(m_jobs.waiting)}, {u"startInFlight"_s, startInFlight}});
-    if (!stored)
+        return;
+    const auto values = [waiting = m_jobs.waiting, start = startInFlight(), history = m_jobs.history]() -> QVariantMap {
+        QVariant stored;
+        if (start) {
+            const bool known = start->knownFromHistory;
+            stored = StoredStart({start->record.entry, known ? std::optional(JobIds(*history)) : start->record.knownJobs});
+        }
+        return {{u"waitingQueue"_s, StoredQueue(waiting)}, {u"startInFlight"_s, stored}};
+    };
+    m_queue.stored = m_queue.defaults.write(values, this, [this](bool stored) {
+        if (stored)
+            return;
         DebugLog(u"the waiting queue could not be written to %@"_s, {m_queue.defaults.path()});
-    return stored;
+        flash(L(u"The waiting list could not be saved. It is kept until the app quits."_s));
+    });
 }
 
-QVariant AppDelegate::storedStart() const
+std::optional<AppDelegate::StartInFlight> AppDelegate::startInFlight() const
 {
     if (m_jobs.interruptedStart)
-        return StoredStart(*m_jobs.interruptedStart);
+        return StartInFlight{*m_jobs.interruptedStart, false};
     if (!m_jobs.starting)
-        return {};
-    return StoredStart({m_jobs.startingEntry, m_jobs.loaded ? std::optional(JobIds(*m_jobs.history)) : std::nullopt});
+        return std::nullopt;
+    return StartInFlight{{m_jobs.startingEntry, std::nullopt}, m_jobs.loaded};
 }
 
 void AppDelegate::settleInterruptedStart(bool commandEnded)
@@ -92,8 +95,12 @@ void AppDelegate::startNextIfIdle()
         m_queue.startLock.tryLock(); // a command of an earlier run may have held it until now
     saveWaiting();
     refresh();
+    const auto written = [stored = m_queue.stored] { // on the disk before the engine gets the file
+        if (stored.valid())
+            stored.wait();
+    };
     RunCallRead(
-        command::process(m_jobs.startingEntry), this, {0, m_queue.startLock.descriptor()},
+        command::process(m_jobs.startingEntry), this, {0, m_queue.startLock.descriptor(), {}, written},
         [](const RawReply &raw) { return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)}; },
         [this](const EngineReply &reply) { startAnswered(reply); });
 }

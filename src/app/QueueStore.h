@@ -21,6 +21,7 @@ struct QueueStore
     /// Handed to each "process" command: while somebody else holds it, a start of an earlier run is at work.
     FileLock startLock;
     bool owned = false;
+    Defaults::Stored stored;  ///< of the queue as it was last saved; not valid before
 };
 
 } // namespace tuppi

@@ -31,8 +31,8 @@ QStringList JobIds(const History &history)
 {
     QStringList ids;
     ids.reserve(history.entries.size());
-    for (const QJsonObject &entry : history.entries)
-        ids.append(entry.value("id"_L1).toString());
+    for (qsizetype index = 0; index < history.entries.size(); ++index)
+        ids.append(history.entries.idAt(index));
     return ids;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/JobList.h"
 #include "engine/RunCallTimeout.h"
 
 #include <QByteArray>
@@ -20,26 +21,15 @@ struct RowCounts
     int ready = 0;
 };
 
-/// Tells one reply from another without keeping its bytes, which are megabytes with a long history.
-struct ReplyMark
-{
-    qsizetype size = 0;
-    size_t first = 0;
-    size_t second = 0;
-
-    bool operator==(const ReplyMark &) const = default;
-};
-
 /// The engine's jobs as the last usable history reply gave them, arranged for the list. Made off the main
 /// thread, never changed afterwards, shared by everybody who reads it.
 struct History
 {
-    QList<QJsonObject> entries;  ///< those with an id, in the engine's order
+    JobList entries;             ///< those with an id, in the engine's order
     QList<QJsonObject> active;   ///< of these, the ones under way
-    QList<QJsonObject> listed;   ///< the visible ones, those under way first
+    JobList listed;              ///< the visible ones, those under way first
     RowCounts counts;            ///< of the listed ones
     QByteArray digest;           ///< equal exactly when the listed entries are equal in every field
-    ReplyMark source;            ///< of the reply it was read from
 };
 
 using HistoryPointer = std::shared_ptr<const History>;
@@ -52,7 +42,7 @@ std::optional<QJsonArray> ReadArray(const QByteArray &out);
 History ArrangeHistory(const QJsonArray &jobs);
 
 /// A history reply: its exit status and, when it was usable, the jobs. An unchanged reply gives `previous`
-/// itself and is not parsed again.
+/// itself and is not parsed again. What arrives in pieces goes to a HistoryReader.
 struct HistoryReply
 {
     int status = -1;

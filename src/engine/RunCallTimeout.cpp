@@ -68,14 +68,14 @@ struct Pipe
     }
 };
 
-/// Reads what a pipe holds now into `bytes`; closes the reading end at the end of the stream.
-void drain(Descriptor &pipe, QByteArray &bytes)
+/// Hands what a pipe holds now to `take`; closes the reading end at the end of the stream.
+template <typename Take> void drain(Descriptor &pipe, Take take)
 {
     std::array<char, 65536> chunk;
     while (pipe.isOpen()) {
         const ssize_t count = ::read(pipe.get(), chunk.data(), chunk.size());
         if (count > 0) {
-            bytes.append(chunk.data(), count);
+            take(QByteArrayView(chunk.data(), count));
         } else if (count < 0 && errno == EINTR) {
             continue;
         } else if (count < 0 && errno == EAGAIN) {
@@ -147,8 +147,16 @@ int exitStatus(pid_t pid)
 
 /// Follows a running child: both streams at once, so that neither can fill up and block it, its end, and
 /// the limit.
-void follow(pid_t pid, Pipe &out, Pipe &err, double limit, RawReply &reply)
+void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply &reply)
 {
+    const double limit = options.timeoutSeconds;
+    const auto takeErr = [&](QByteArrayView piece) { reply.err.append(piece); };
+    const auto takeOut = [&](QByteArrayView piece) {
+        if (options.out)
+            options.out(piece);
+        else
+            reply.out.append(piece);
+    };
     const Descriptor child(::pidfd_open(pid, 0));
     const QDeadlineTimer deadline = limit > 0 ? QDeadlineTimer(qint64(limit * 1000)) : QDeadlineTimer(QDeadlineTimer::Forever);
     bool running = child.isOpen();
@@ -165,14 +173,14 @@ void follow(pid_t pid, Pipe &out, Pipe &err, double limit, RawReply &reply)
         const qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
         if (::poll(watched.data(), watched.size(), int(left)) < 0 && errno != EINTR)
             break;
-        drain(out.read, reply.out);
-        drain(err.read, reply.err);
+        drain(out.read, takeOut);
+        drain(err.read, takeErr);
         if (watched[2].revents != 0)
             running = false;
     }
     reply.status = exitStatus(pid);
-    drain(out.read, reply.out);
-    drain(err.read, reply.err);
+    drain(out.read, takeOut);
+    drain(err.read, takeErr);
 }
 
 } // namespace
@@ -191,6 +199,8 @@ QString DecodeStream(const QByteArray &bytes)
 // the streams are read to their end.
 RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, const RunOptions &options)
 {
+    if (options.before)
+        options.before();
     Pipe out, err;
     if (!out.open() || !err.open())
         return launchFailure(errno);
@@ -201,7 +211,7 @@ RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, co
     out.write.close();
     err.write.close();
     RawReply reply;
-    follow(pid, out, err, options.timeoutSeconds, reply);
+    follow(pid, out, err, options, reply);
     return reply;
 }
 

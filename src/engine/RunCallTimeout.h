@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -37,6 +38,10 @@ struct RunOptions
     /// A descriptor that the child keeps open while it lives, -1 for none. The caller owns it and keeps it
     /// open until the call returns.
     int keepOpen = -1;
+    /// Gets standard output piece by piece, on the thread that runs the command, in place of RawReply::out.
+    std::function<void(QByteArrayView)> out = {};
+    /// Waited for, on that thread, before the command is run.
+    std::function<void()> before = {};
 };
 
 /// Path of the engine's entry file under the user's home, computed afresh each time.

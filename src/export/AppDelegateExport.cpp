@@ -36,7 +36,7 @@ QString folderToStartWith(const QString &last)
 
 QString titleOf(const History &history, const QString &callDir)
 {
-    return TitleForDir(history.entries, callDir).value_or(QString());
+    return TitleForDir(history.entries.withCallDir(callDir), callDir).value_or(QString());
 }
 
 QString fileNameOf(const QString &title)
@@ -65,7 +65,7 @@ void AppDelegate::saveText(const QString &callDir, const SaveTextDialog &dialog,
 {
     const QFileInfo file(dialog.chosenPath());
     const QString format = dialog.chosenFormat();
-    m_queue.defaults.setValues({{u"txtFormat"_s, format}, {u"saveFolder"_s, file.absolutePath()}});
+    m_queue.defaults.set({{u"txtFormat"_s, format}, {u"saveFolder"_s, file.absolutePath()}});
     const std::optional<QString> text = TextForDir(callDir, format);
     if (!text) {
         tellNotSaved(L(u"This transcript has no text yet."_s), window);

@@ -77,7 +77,7 @@ void AppDelegate::updateSetupList()
 
 void AppDelegate::startSetup(const StartChoices &choices)
 {
-    m_queue.defaults.setValues(RememberedChoices(choices));
+    m_queue.defaults.set(RememberedChoices(choices));
     const QStringList files = m_setup.files;
     closeSetup();
     enqueue(files, choices);

@@ -49,11 +49,10 @@ void AppDelegate::noticeClicked(const QString &identifier, const QString &token)
 {
     applicationShouldHandleReopen(token);
     const QString id = identifier.sliced(noticePrefix.size());
-    const QList<QJsonObject> &entries = m_jobs.history->entries;
-    const auto job = std::find_if(entries.cbegin(), entries.cend(),
-                                  [&](const QJsonObject &entry) { return entry.value("id"_L1) == id; });
-    if (job != entries.cend() && job->value("status"_L1) == "ready"_L1)
-        showResult(*job, false);
+    const JobList &entries = m_jobs.history->entries;
+    const qsizetype job = entries.indexOfId(id);
+    if (job >= 0 && entries.statusAt(job) == "ready"_L1)
+        showResult(entries.at(job), false);
 }
 
 } // namespace tuppi

@@ -34,7 +34,7 @@ void AppDelegate::refreshSoundUI()
 void AppDelegate::toggleSounds()
 {
     const bool wereOn = soundsOn();
-    m_queue.defaults.setValue(u"sounds"_s, !wereOn);
+    m_queue.defaults.set({{u"sounds"_s, !wereOn}});
     refreshSoundUI();
     updatePurr();
     flash(wereOn ? L(u"Sounds off"_s) : L(u"Sounds on"_s));

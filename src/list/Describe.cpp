@@ -5,8 +5,6 @@
 #include "settings/L.h"
 #include "settings/Val.h"
 
-#include <QRegularExpression>
-
 #include <cmath>
 
 namespace tuppi {
@@ -25,8 +23,21 @@ QString textOf(const QJsonObject &row, QLatin1StringView key)
 /// The leading decimal number of a text, 0 when it starts with none.
 double numericValue(const QString &text)
 {
-    static const QRegularExpression number(uR"(^\s*([+-]?(?:\d+(?:\.\d*)?|\.\d+)))"_s);
-    return number.match(text).captured(1).toDouble();
+    const auto isDigit = [&](qsizetype at) { return at < text.size() && text.at(at) >= u'0' && text.at(at) <= u'9'; };
+    qsizetype begin = 0;
+    while (begin < text.size() && text.at(begin).isSpace())
+        ++begin;
+    qsizetype end = begin;
+    if (end < text.size() && (text.at(end) == u'+' || text.at(end) == u'-'))
+        ++end;
+    while (isDigit(end))
+        ++end;
+    if (end < text.size() && text.at(end) == u'.') {
+        ++end;
+        while (isDigit(end))
+            ++end;
+    }
+    return QStringView(text).sliced(begin, end - begin).toDouble();
 }
 
 double numberOf(const QJsonValue &value)

@@ -10,17 +10,17 @@ using namespace Qt::StringLiterals;
 
 QString ListContent::keyAt(qsizetype index) const
 {
-    return RowKey(rows.at(index));
+    return rows.keyAt(index);
 }
 
 QString ListContent::titleAt(qsizetype index) const
 {
-    return rows.at(index).value("title"_L1).toString();
+    return rows.titleAt(index);
 }
 
 RowLook ListContent::lookAt(qsizetype index) const
 {
-    const QJsonObject &row = rows.at(index);
+    const QJsonObject row = rows.at(index);
     const Description description = Describe(row, latestJob, customModels);
     return RowLookFor(row, RowKey(row), description.text, description.progress, L);
 }

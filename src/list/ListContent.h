@@ -1,20 +1,20 @@
 #pragma once
 
 #include "list/RowLook.h"
+#include "list/Rows.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QList>
 
 #include <optional>
 
 namespace tuppi {
 
-/// What the list shows, as one value that is cheap to hand over: its records are shared, and a row is worded
-/// only when it comes into sight.
+/// What the list shows, as one value that is cheap to hand over: its records are shared, and a row is made and
+/// worded only when it comes into sight.
 struct ListContent
 {
-    QList<QJsonObject> rows;
+    Rows rows;
     std::optional<QJsonObject> latestJob;
     QJsonArray customModels;
 

@@ -8,6 +8,8 @@ namespace tuppi {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 struct PoseAndKind
 {
     QString pose;
@@ -21,24 +23,24 @@ QString text(const QJsonObject &row, QLatin1String key)
 
 bool isPaused(const QJsonObject &row, const QString &status)
 {
-    return IsActiveStage(status) && Val(row.value(QLatin1String("paused"))).toVariant().toBool();
+    return IsActiveStage(status) && Val(row.value("paused"_L1)).toVariant().toBool();
 }
 
 PoseAndKind poseFor(const QString &status, bool paused)
 {
-    if (status == QLatin1String("ready"))
-        return {u"done"_qs, false};
-    if (status == QLatin1String("failed"))
-        return {u"oops"_qs, true};
-    if (status == QLatin1String("cancelled"))
-        return {u"oops"_qs, false};
+    if (status == "ready"_L1)
+        return {u"done"_s, false};
+    if (status == "failed"_L1)
+        return {u"oops"_s, true};
+    if (status == "cancelled"_L1)
+        return {u"oops"_s, false};
     if (paused)
-        return {u"waiting"_qs, false};
-    if (status == QLatin1String("waiting"))
-        return {u"waiting"_qs, true};
-    if (status == QLatin1String("analyzing") || status == QLatin1String("cleaning"))
-        return {u"writing"_qs, true};
-    return {u"listening"_qs, IsActiveStage(status)};
+        return {u"waiting"_s, false};
+    if (status == "waiting"_L1)
+        return {u"waiting"_s, true};
+    if (status == "analyzing"_L1 || status == "cleaning"_L1)
+        return {u"writing"_s, true};
+    return {u"listening"_s, IsActiveStage(status)};
 }
 
 RowButton pill(const QString &action, const QString &title, int style = 1)
@@ -54,20 +56,20 @@ RowButton icon(const QString &action, const QString &symbol, const QString &tip)
 /// Texts in English, still to be looked up.
 QList<RowButton> buttonsFor(const QString &status, bool paused)
 {
-    const RowButton trash = icon(u"removeRow"_qs, u"trash"_qs, LText(u"Remove…"_qs));
-    if (status == QLatin1String("ready"))
-        return {pill(u"openRowViewer"_qs, LText(u"Open"_qs), 0), pill(u"openRowText"_qs, LText(u"Summary"_qs)),
-                pill(u"copyRowText"_qs, LText(u"Copy Text"_qs)),
-                icon(u"showRowInFinder"_qs, u"folder"_qs, LText(u"Show in Finder"_qs)), trash};
-    if (status == QLatin1String("failed"))
-        return {pill(u"retryRow"_qs, LText(u"Try Again"_qs)), trash};
-    if (status == QLatin1String("cancelled"))
-        return {pill(u"retryRow"_qs, LText(u"Start Again"_qs)), trash};
+    const RowButton trash = icon(u"removeRow"_s, u"trash"_s, LText(u"Remove…"_s));
+    if (status == "ready"_L1)
+        return {pill(u"openRowViewer"_s, LText(u"Open"_s), 0), pill(u"openRowText"_s, LText(u"Summary"_s)),
+                pill(u"copyRowText"_s, LText(u"Copy Text"_s)),
+                icon(u"showRowInFinder"_s, u"folder"_s, LText(u"Show in Finder"_s)), trash};
+    if (status == "failed"_L1)
+        return {pill(u"retryRow"_s, LText(u"Try Again"_s)), trash};
+    if (status == "cancelled"_L1)
+        return {pill(u"retryRow"_s, LText(u"Start Again"_s)), trash};
     if (IsActiveStage(status))
-        return {paused ? pill(u"resumeRow"_qs, LText(u"Resume"_qs)) : pill(u"pauseRow"_qs, LText(u"Pause"_qs)),
-                pill(u"cancelRow"_qs, LText(u"Cancel"_qs), 2)};
-    if (status == QLatin1String("waiting"))
-        return {pill(u"removeWaiting"_qs, LText(u"Remove"_qs))};
+        return {paused ? pill(u"resumeRow"_s, LText(u"Resume"_s)) : pill(u"pauseRow"_s, LText(u"Pause"_s)),
+                pill(u"cancelRow"_s, LText(u"Cancel"_s), 2)};
+    if (status == "waiting"_L1)
+        return {pill(u"removeWaiting"_s, LText(u"Remove"_s))};
     return {};
 }
 
@@ -78,7 +80,7 @@ QList<RowButton> localised(QList<RowButton> buttons, const QString &rowTitle, co
         button.tip = localise(button.tip);
         const bool named = !button.symbol.isEmpty() && !button.tip.isEmpty();
         // Put together by hand: filled into a format, a title holding "%1" would be taken for a place.
-        button.accessibleName = (named ? button.tip : button.title) + u" — "_qs + rowTitle;
+        button.accessibleName = (named ? button.tip : button.title) + u" — "_s + rowTitle;
     }
     return buttons;
 }
@@ -87,17 +89,17 @@ QList<RowButton> localised(QList<RowButton> buttons, const QString &rowTitle, co
 
 DetailTone DetailToneFor(const QString &status)
 {
-    if (status == QLatin1String("failed"))
+    if (status == "failed"_L1)
         return DetailTone::Attention;
-    return status == QLatin1String("ready") ? DetailTone::Good : DetailTone::Slate;
+    return status == "ready"_L1 ? DetailTone::Good : DetailTone::Slate;
 }
 
 QString MascotKey(const QJsonObject &row, const QString &pose)
 {
-    QString key = text(row, QLatin1String("id"));
+    QString key = text(row, "id"_L1);
     if (key.isEmpty()) {
-        const QString place = Val(row.value(QLatin1String("waitIndex"))).toVariant().toString();
-        key = u"local-"_qs + place + u'-' + text(row, QLatin1String("title"));
+        const QString place = Val(row.value("waitIndex"_L1)).toVariant().toString();
+        key = u"local-"_s + place + u'-' + text(row, "title"_L1);
     }
     return key + u'|' + pose;
 }
@@ -105,27 +107,27 @@ QString MascotKey(const QJsonObject &row, const QString &pose)
 RowLook RowLookFor(const QJsonObject &row, const QString &key, const QString &detail, double progress,
                    const Localise &localise)
 {
-    const QString status = text(row, QLatin1String("status"));
-    const QString title = text(row, QLatin1String("title"));
-    const bool titled = Val(row.value(QLatin1String("title"))).isString();
+    const QString status = text(row, "status"_L1);
+    const QString title = text(row, "title"_L1);
+    const bool titled = Val(row.value("title"_L1)).isString();
     const bool paused = isPaused(row, status);
     const PoseAndKind mascot = poseFor(status, paused);
 
     RowLook look;
     look.key = key;
-    look.title = titled ? title : localise(LText(u"Recording"_qs));
+    look.title = titled ? title : localise(LText(u"Recording"_s));
     look.detail = detail;
     look.tone = DetailToneFor(status);
-    if (text(row, QLatin1String("language")) == QLatin1String("ru"))
+    if (text(row, "language"_L1) == "ru"_L1)
         look.detailTip =
-            localise(LText(u"Warning! This language is dangerous and can cause war! Use it on your own risk"_qs));
+            localise(LText(u"Warning! This language is dangerous and can cause war! Use it on your own risk"_s));
     look.progress = progress;
     look.pose = mascot.pose;
     look.animated = mascot.animated;
     look.mascotKey = mascot.animated ? MascotKey(row, mascot.pose) : QString();
     look.buttons = localised(buttonsFor(status, paused), title, localise);
     look.activeCard = IsActiveStage(status);
-    look.accessibleName = title + u". "_qs + detail;
+    look.accessibleName = title + u". "_s + detail;
     return look;
 }
 

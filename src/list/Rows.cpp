@@ -5,6 +5,7 @@
 
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QUrl>
 
 namespace tuppi {
 namespace {
@@ -25,12 +26,27 @@ QJsonObject waitingRow(const QString &path, qsizetype index)
             {u"title"_s, QFileInfo(path).completeBaseName()}};
 }
 
-/// The rows enter by what they are made of, the local ones by their keys and the engine's by the digest made
+/// Of the files that wait, in their order.
+QString digestOf(const WaitingQueue &queue)
+{
+    const QString key = u"url"_s;
+    size_t first = 1;
+    size_t second = 2;
+    for (const WaitingEntry &entry : queue) {
+        const QUrl url = entry.value(key).toUrl();
+        first = qHash(url, first);
+        second = qHash(url, second);
+    }
+    return QString::number(first, 16) + u'-' + QString::number(second, 16);
+}
+
+/// The rows enter by what they are made of, the local ones by their files and the engine's by the digest made
 /// when the reply was read: rendering ten thousand of them at every refresh is what the signature is there to
 /// avoid.
-QString signatureOf(const QString &localKeys, const JobsState &jobs)
+QString signatureOf(const JobsState &jobs)
 {
-    const QString rows = localKeys + QString::fromLatin1(jobs.history->digest.toHex());
+    const QString rows = (jobs.starting ? u"starting "_s : QString()) + digestOf(jobs.waiting) + u' '
+        + QString::fromLatin1(jobs.history->digest.toHex());
     const QByteArray latest = jobs.latestJob ? QJsonDocument(*jobs.latestJob).toJson(QJsonDocument::Compact) : QByteArray();
     return Fill(u"%@|%@|%@"_s, {rows, QString::fromUtf8(latest), jobs.waiting.size()});
 }
@@ -46,37 +62,50 @@ QString RowKey(const QJsonObject &row)
     return waitPath.isString() ? u"wait:"_s + waitPath.toString() : u"starting"_s;
 }
 
+QJsonObject Rows::at(qsizetype index) const
+{
+    if (starting && index == 0)
+        return startingRow();
+    const qsizetype place = index - (starting ? 1 : 0);
+    return place < waiting.size() ? waitingRow(WaitingPath(waiting.at(place)), place) : jobs.at(index - locals());
+}
+
+QString Rows::keyAt(qsizetype index) const
+{
+    const qsizetype job = index - locals();
+    if (job >= 0)
+        return jobs.noteAt(job).idIsText ? jobs.idAt(job) : RowKey(jobs.at(job));
+    const qsizetype place = index - (starting ? 1 : 0);
+    return place < 0 ? u"starting"_s : u"wait:"_s + WaitingPath(waiting.at(place));
+}
+
+QString Rows::titleAt(qsizetype index) const
+{
+    const qsizetype job = index - locals();
+    return job >= 0 ? jobs.titleAt(job) : at(index).value("title"_L1).toString();
+}
+
 RowList BuildRows(const JobsState &jobs)
 {
-    constexpr QChar end = QChar::Null; // no path holds it
     RowList list;
-    QString localKeys;
     list.counts = jobs.history->counts;
-    list.rows.reserve(jobs.waiting.size() + 1 + jobs.history->listed.size());
-    if (jobs.starting) {
-        list.rows.append(startingRow());
-        localKeys += u"starting"_s + end;
-        ++list.counts.active;
-    }
-    for (qsizetype index = 0; index < jobs.waiting.size(); ++index) {
-        const QString path = WaitingPath(jobs.waiting.at(index));
-        list.rows.append(waitingRow(path, index));
-        localKeys += u"wait:"_s + path + end;
-    }
-    list.rows += jobs.history->listed;
-    list.signature = signatureOf(localKeys, jobs);
+    list.counts.active += jobs.starting;
+    list.rows = {jobs.starting, jobs.waiting, jobs.history->listed};
+    list.signature = signatureOf(jobs);
     return list;
 }
 
-int RowIndex(const QList<QJsonObject> &rows, const QString &key)
+int RowIndex(const Rows &rows, const QString &key)
 {
     if (key.isEmpty())
         return -1;
-    for (qsizetype index = 0; index < rows.size(); ++index) {
-        if (RowKey(rows.at(index)) == key)
+    const qsizetype locals = rows.locals();
+    for (qsizetype index = 0; index < locals; ++index) {
+        if (rows.keyAt(index) == key)
             return int(index);
     }
-    return -1;
+    const qsizetype job = rows.jobs.indexOfId(key);
+    return job < 0 ? -1 : int(locals + job);
 }
 
 } // namespace tuppi

@@ -3,71 +3,111 @@
 #include "engine/Stages.h"
 #include "settings/L.h"
 
+#include <QHash>
+
 namespace tuppi {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-/// When the job ended; invalid when that is not told, or not with its time zone.
-QDateTime completedAt(const QJsonObject &entry)
+/// Statuses by id.
+using Statuses = QHash<QString, QString>;
+using Blocks = QSet<const JobBlock *>;
+
+Blocks blocksOf(const JobList &jobs)
 {
-    const QDateTime date = QDateTime::fromString(entry.value("completed_at"_L1).toString(), Qt::ISODate);
-    return date.timeSpec() == Qt::LocalTime ? QDateTime() : date;
+    Blocks blocks;
+    for (const JobBlockPointer &block : jobs.blocks())
+        blocks.insert(block.get());
+    return blocks;
+}
+
+/// Calls `look` with the index of every job that has an id and does not stand in one of those blocks.
+template <typename Look> void forJobsOutside(const Blocks &blocks, const JobList &jobs, Look look)
+{
+    for (qsizetype index = 0; index < jobs.size(); ++index) {
+        if (jobs.noteAt(index).idSize > 0 && !blocks.contains(&jobs.blockAt(index)))
+            look(index);
+    }
 }
 
 /// Whether a ready transcript that was never announced is old news: it was ready before the application ran.
-bool isOldNews(const QJsonObject &entry, const QDateTime &launchedAt, bool wasWorking)
+bool isOldNews(const JobNote &job, const QDateTime &launchedAt, bool wasWorking)
 {
-    const QDateTime completed = completedAt(entry);
-    return completed.isValid() ? completed <= launchedAt : !wasWorking;
+    const bool told = job.completedAt != JobNote::unknownTime;
+    return told ? job.completedAt <= launchedAt.toMSecsSinceEpoch() : !wasWorking;
 }
 
-Transition::Announcement announcementOf(const QJsonObject &entry, const Transition &transition,
-                                        TransitionMemory &memory, bool wasWorking)
+Transition::Announcement announcementOf(const JobNote &job, const QString &status, bool wasAnnounced, bool wasWorking,
+                                        const QDateTime &launchedAt)
 {
     using Announcement = Transition::Announcement;
-    const bool isReady = transition.status == "ready"_L1;
-    if (isReady && !memory.announced.contains(transition.id)) {
-        const bool silent = isOldNews(entry, memory.launchedAt, wasWorking);
-        memory.announced.insert(transition.id);
-        return silent ? Announcement::None : Announcement::Ready;
-    }
+    const bool isReady = status == "ready"_L1;
+    if (isReady && !wasAnnounced)
+        return isOldNews(job, launchedAt, wasWorking) ? Announcement::None : Announcement::Ready;
     if (!wasWorking)
         return Announcement::None;
     if (isReady) // announced before, and now finished again
         return Announcement::Ready;
-    return transition.status == "failed"_L1 ? Announcement::Failed : Announcement::None;
+    return status == "failed"_L1 ? Announcement::Failed : Announcement::None;
+}
+
+QString titleOf(const JobList &entries, qsizetype index)
+{
+    return entries.at(index).value("title"_L1).toString(L(u"Recording"_s));
+}
+
+/// Of the first reply, in which nothing has changed: what became ready since the launch.
+QList<Transition> firstTransitions(const TransitionMemory &memory, const JobList &entries)
+{
+    QList<Transition> found;
+    for (qsizetype index = 0; index < entries.size(); ++index) {
+        const JobNote &job = entries.noteAt(index);
+        const JobBlock &block = entries.blockAt(index);
+        if (job.idSize == 0 || block.status(job) != "ready" || isOldNews(job, memory.launchedAt, false))
+            continue;
+        found.append({entries.idAt(index), titleOf(entries, index), {}, entries.statusAt(index), false,
+                      Transition::Announcement::Ready});
+    }
+    return found;
+}
+
+QList<Transition> laterTransitions(TransitionMemory &memory, const JobList &entries)
+{
+    Statuses before;
+    forJobsOutside(blocksOf(entries), *memory.last,
+                   [&](qsizetype index) { before.insert(memory.last->idAt(index), memory.last->statusAt(index)); });
+    Statuses now;
+    QList<Transition> found;
+    forJobsOutside(blocksOf(*memory.last), entries, [&](qsizetype index) {
+        const QString id = entries.idAt(index);
+        const QString status = entries.statusAt(index);
+        now.insert(id, status);
+        const auto last = before.constFind(id);
+        const bool isNew = last == before.cend();
+        const bool wasAnnounced = memory.onceReady.contains(id) || (!isNew && *last == "ready"_L1);
+        Transition transition{id, {}, isNew ? u"(new)"_s : *last, status, isNew || *last != status,
+                              announcementOf(entries.noteAt(index), status, wasAnnounced, !isNew && IsActiveStage(*last),
+                                             memory.launchedAt)};
+        if (!transition.changed && transition.announcement == Transition::Announcement::None)
+            return;
+        transition.title = titleOf(entries, index);
+        found.append(transition);
+    });
+    for (auto last = before.cbegin(); last != before.cend(); ++last) {
+        if (*last == "ready"_L1 && now.value(last.key()) != "ready"_L1)
+            memory.onceReady.insert(last.key());
+    }
+    return found;
 }
 
 } // namespace
 
-QList<Transition> FindTransitions(TransitionMemory &memory, const QList<QJsonObject> &entries)
+QList<Transition> FindTransitions(TransitionMemory &memory, const JobList &entries)
 {
-    QList<Transition> found;
-    QHash<QString, QString> statuses;
-    statuses.reserve(entries.size());
-    for (const QJsonObject &entry : entries) {
-        Transition transition;
-        transition.id = entry.value("id"_L1).toString();
-        if (transition.id.isEmpty())
-            continue;
-        transition.status = entry.value("status"_L1).toString();
-        statuses.insert(transition.id, transition.status);
-        std::optional<QString> before;
-        if (memory.lastStatus) {
-            if (const auto last = memory.lastStatus->constFind(transition.id); last != memory.lastStatus->cend())
-                before = *last;
-            transition.changed = before != transition.status;
-        }
-        const bool wasWorking = before && IsActiveStage(*before);
-        transition.announcement = announcementOf(entry, transition, memory, wasWorking);
-        if (!transition.changed && transition.announcement == Transition::Announcement::None)
-            continue;
-        transition.before = before.value_or(u"(new)"_s);
-        transition.title = entry.value("title"_L1).toString(L(u"Recording"_s));
-        found.append(transition);
-    }
-    memory.lastStatus = std::move(statuses);
+    const QList<Transition> found =
+        memory.last ? laterTransitions(memory, entries) : firstTransitions(memory, entries);
+    memory.last = entries;
     return found;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "engine/JobList.h"
+
 #include <QDateTime>
-#include <QHash>
-#include <QJsonObject>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -14,9 +14,11 @@ namespace tuppi {
 /// What is remembered from one history reply to the next, so that every end of a job is announced once.
 struct TransitionMemory
 {
-    QDateTime launchedAt;                                ///< when the application had started
-    QSet<QString> announced;                             ///< ids announced as ready, or passed over as old
-    std::optional<QHash<QString, QString>> lastStatus;   ///< by id; nothing before the first reply
+    QDateTime launchedAt;         ///< when the application had started
+    std::optional<JobList> last;  ///< nothing before the first reply
+    /// Ids of jobs that were ready once and no longer are. Whatever is or was ready has been announced, or passed over
+    /// as old.
+    QSet<QString> onceReady;
 };
 
 /// One job that changed, or that the person is told of.
@@ -32,7 +34,8 @@ struct Transition
     Announcement announcement = Announcement::None;
 };
 
-/// Compares the history's entries with what is remembered, in their order, and brings the memory up to date.
-QList<Transition> FindTransitions(TransitionMemory &memory, const QList<QJsonObject> &entries);
+/// Compares the history's entries with what is remembered, in their order, and brings the memory up to date. What the two
+/// replies share costs nothing.
+QList<Transition> FindTransitions(TransitionMemory &memory, const JobList &entries);
 
 } // namespace tuppi

@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QStorageInfo>
+#include <QTemporaryFile>
 #include <QThread>
 #include <QUrl>
 
@@ -30,27 +32,47 @@ bool mayWrite(const QString &folder)
     return ::faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
-bool isOnDriveOf(const QString &path, const QString &other)
-{
-    struct stat one{}, two{};
-    return ::lstat(QFile::encodeName(path).constData(), &one) == 0
-        && ::lstat(QFile::encodeName(other).constData(), &two) == 0 && one.st_dev == two.st_dev;
-}
-
-/// Why a folder that is there could not be moved.
-TrashOutcome reasonFor(const QString &path)
-{
-    const QFileInfo item(path);
-    if (!mayWrite(item.absolutePath()) || (item.isDir() && !item.isSymLink() && !mayWrite(path)))
-        return TrashOutcome::Forbidden;
-    return isOnDriveOf(path, dataHome()) ? TrashOutcome::Failed : TrashOutcome::NoTrash;
-}
-
 /// The folder around "files" and "info" is one person's: nobody else is to read what was thrown away.
-void keepPrivate(const QString &pathInTrash)
+void keepPrivate(const QString &trash)
 {
-    const QString trash = QFileInfo(QFileInfo(pathInTrash).path()).path();
     QFile::setPermissions(trash, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+bool isSharedTrash(const QString &path)
+{
+    struct stat found{};
+    return ::lstat(QFile::encodeName(path).constData(), &found) == 0 && S_ISDIR(found.st_mode)
+        && (found.st_mode & S_ISVTX) != 0;
+}
+
+/// The trash that Qt takes for what lies in that folder.
+QString trashFor(const QString &folder)
+{
+    const QStorageInfo drive(folder);
+    if (drive == QStorageInfo(QDir::home()))
+        return dataHome() + u"/Trash"_s;
+    const QString top = QDir(drive.rootPath()).filePath(u".Trash"_s);
+    const QString user = QString::number(::geteuid());
+    return isSharedTrash(top) ? top + u'/' + user : top + u'-' + user;
+}
+
+/// Qt looks for a free name until it could note an origin under it: for ever, where nothing can be noted.
+/// And without the trash's folder it moves the item into the working folder and calls that a success.
+bool takesMore(const QString &trash)
+{
+    if (!QDir().mkpath(trash))
+        return false;
+    keepPrivate(trash);
+    const QDir place(trash);
+    if (!place.mkpath(u"files"_s) || !place.mkpath(u"info"_s) || !mayWrite(place.filePath(u"files"_s)))
+        return false;
+    return QTemporaryFile(place.filePath(u"info/XXXXXX.part"_s)).open();
+}
+
+/// Out of its folder, and itself: a folder that moves gets another parent, which is written into it.
+bool mayBeMoved(const QFileInfo &item)
+{
+    return mayWrite(item.absolutePath()) && (!item.isDir() || item.isSymLink() || mayWrite(item.absoluteFilePath()));
 }
 
 /// Qt before 6.5 notes the origin as it is, but whoever restores it takes every "%" for the begin of a code.
@@ -77,17 +99,17 @@ TrashResult MoveToTrash(const QString &path)
     const QFileInfo item(path);
     if (path.isEmpty() || !(item.exists() || item.isSymLink()))
         return {TrashOutcome::Gone, {}};
-    // Without this folder Qt moves the item into the working folder and calls that a success.
-    if (!QDir().mkpath(dataHome() + u"/Trash"_s))
-        return {TrashOutcome::Failed, {}};
+    if (!mayBeMoved(item))
+        return {TrashOutcome::Forbidden, {}};
+    if (!takesMore(trashFor(item.absolutePath())))
+        return {TrashOutcome::NoTrash, {}};
     QFile file(item.absoluteFilePath());
     if (!file.moveToTrash())
-        return {reasonFor(item.absoluteFilePath()), file.errorString()};
+        return {TrashOutcome::Failed, file.errorString()};
     if (QDir::isRelativePath(file.fileName())) {
         QFile::rename(QDir::current().absoluteFilePath(file.fileName()), item.absoluteFilePath());
         return {TrashOutcome::Failed, {}};
     }
-    keepPrivate(file.fileName());
     encodeOrigin(file.fileName(), item.absoluteFilePath());
     return {TrashOutcome::Moved, {}};
 }

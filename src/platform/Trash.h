@@ -13,7 +13,7 @@ enum class TrashOutcome {
     Moved,
     Gone,       ///< there is nothing at that path
     Forbidden,  ///< the person may not take it away from where it is
-    NoTrash,    ///< its drive has no trash, and the home folder's is on another one
+    NoTrash,    ///< its drive has no trash and none could be made; the home folder's is not for another drive
     Failed,
 };
 

@@ -36,7 +36,7 @@ void AppDelegate::resetEngineThatIsGone()
     const QString stored = m_queue.defaults.text(u"engine"_s);
     const QString kept = EngineAfterRefresh(stored, allModels(m_models.custom));
     if (kept != stored)
-        m_queue.defaults.setValue(u"engine"_s, kept);
+        m_queue.defaults.set({{u"engine"_s, kept}});
 }
 
 void AppDelegate::connectModelsPane()

@@ -62,7 +62,7 @@ QWidget *AppDelegate::settingsSheetWindow() const
 
 void AppDelegate::settingToggleChanged(const QString &key, bool on)
 {
-    m_queue.defaults.setValue(key, on);
+    m_queue.defaults.set({{key, on}});
     if (key == "sounds"_L1) {
         refreshSoundUI();
         updatePurr();
@@ -73,12 +73,12 @@ void AppDelegate::settingPopupChanged(const QString &key, const QString &value)
 {
     const QString old = m_queue.defaults.text(key);
     if (key != "language"_L1 || !NeedsRussianConfirmation(old, value)) {
-        m_queue.defaults.setValue(key, value);
+        m_queue.defaults.set({{key, value}});
         return;
     }
     confirmRussianOn(m_settings.window.get(), [this, key, value, old](bool accepted) {
         if (accepted)
-            m_queue.defaults.setValue(key, value);
+            m_queue.defaults.set({{key, value}});
         else
             m_settings.window->setChoice(key, old);
     });
@@ -86,7 +86,7 @@ void AppDelegate::settingPopupChanged(const QString &key, const QString &value)
 
 void AppDelegate::interfaceLanguageChanged(const QString &code)
 {
-    m_queue.defaults.setValue(u"AppleLanguages"_s, StoredInterfaceLanguage(code));
+    m_queue.defaults.set({{u"AppleLanguages"_s, StoredInterfaceLanguage(code)}});
     constexpr int restartNow = 0;
     SheetText text;
     text.message = L(u"Restart Tuppi Transcriber to switch the language?"_s);

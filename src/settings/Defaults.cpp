@@ -9,7 +9,15 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPointer>
+#include <QSettings>
 #include <QStandardPaths>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <thread>
 
 namespace tuppi {
 namespace {
@@ -60,6 +68,14 @@ QSettings::Format jsonFormat()
     return format;
 }
 
+QVariantMap allValues(const QSettings &settings)
+{
+    QVariantMap values;
+    for (const QString &key : settings.allKeys())
+        values.insert(key, settings.value(key));
+    return values;
+}
+
 } // namespace
 
 const QList<DefaultKey> &DefaultsTable()
@@ -83,10 +99,114 @@ const QList<DefaultKey> &DefaultsTable()
     return table;
 }
 
+/// The thread that writes. It is started by the first writing and ends when there is nothing left to write.
+class Defaults::Writer
+{
+public:
+    using Done = std::function<void(bool stored)>;
+
+    explicit Writer(const QString &path)
+        : m_path(path)
+    {
+    }
+    ~Writer()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ends = true;
+        }
+        m_changed.notify_all();
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+    Q_DISABLE_COPY(Writer)
+
+    /// `done` is called on the writing thread.
+    Stored add(std::function<QVariantMap()> make, Done done)
+    {
+        const std::lock_guard lock(m_mutex);
+        Writing &writing = m_writings.emplace_back(std::move(make), std::move(done));
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { run(); });
+        m_changed.notify_all();
+        return writing.stored.get_future().share();
+    }
+    void flush()
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_writings.empty(); });
+    }
+    /// All values as the file has them now, once after everything was written.
+    std::optional<QVariantMap> written()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_writings.empty() ? std::exchange(m_written, std::nullopt) : std::nullopt;
+    }
+
+private:
+    struct Writing
+    {
+        Writing(std::function<QVariantMap()> what, Done told)
+            : make(std::move(what))
+            , done(std::move(told))
+        {
+        }
+        std::function<QVariantMap()> make;
+        Done done;
+        std::promise<bool> stored;
+    };
+
+    void run()
+    {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            m_changed.wait(lock, [this] { return m_ends || !m_writings.empty(); });
+            if (m_writings.empty())
+                return;
+            Writing &writing = m_writings.front(); // stays where it is while others are added
+            lock.unlock();
+            const bool stored = store(writing.make());
+            const QVariantMap all = allValues(*m_settings);
+            lock.lock();
+            m_written = all;
+            writing.stored.set_value(stored);
+            if (writing.done)
+                writing.done(stored);
+            m_writings.pop_front();
+            m_changed.notify_all();
+        }
+    }
+    bool store(const QVariantMap &values)
+    {
+        // An error sticks to the object that met it; the unwritten values live on in the shared file cache.
+        if (!m_settings || m_settings->status() != QSettings::NoError)
+            m_settings = std::make_unique<QSettings>(m_path, jsonFormat());
+        for (auto entry = values.begin(); entry != values.end(); ++entry) {
+            if (entry.value().isValid())
+                m_settings->setValue(entry.key(), entry.value());
+            else
+                m_settings->remove(entry.key());
+        }
+        m_settings->sync();
+        return m_settings->status() == QSettings::NoError;
+    }
+
+    const QString m_path;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<Writing> m_writings;
+    std::optional<QVariantMap> m_written;
+    bool m_ends = false;
+    std::unique_ptr<QSettings> m_settings; ///< the writing thread's own
+    std::thread m_thread;
+};
+
 Defaults::Defaults(const QString &path)
+    : m_path(path)
+    , m_writer(std::make_unique<Writer>(path))
 {
     QDir().mkpath(QFileInfo(path).path());
-    m_settings = std::make_unique<QSettings>(path, jsonFormat());
+    m_values = allValues(QSettings(path, jsonFormat()));
 }
 
 Defaults::~Defaults() = default;
@@ -99,17 +219,19 @@ QString Defaults::userPath()
 
 QString Defaults::path() const
 {
-    return m_settings->fileName();
+    return m_path;
 }
 
 bool Defaults::contains(const QString &key) const
 {
-    return Val(m_settings->value(key)).isValid();
+    adopt();
+    return Val(m_values.value(key)).isValid();
 }
 
 QVariant Defaults::value(const QString &key) const
 {
-    const QVariant stored = Val(m_settings->value(key));
+    adopt();
+    const QVariant stored = Val(m_values.value(key));
     if (stored.isValid())
         return stored;
     for (const DefaultKey &known : DefaultsTable()) {
@@ -119,19 +241,37 @@ QVariant Defaults::value(const QString &key) const
     return {};
 }
 
-bool Defaults::setValues(const QVariantMap &values)
+/// What other processes have written meanwhile is seen after a writing of ours.
+void Defaults::adopt() const
 {
-    // An error sticks to the object that met it; the unwritten values live on in the shared file cache.
-    if (m_settings->status() != QSettings::NoError)
-        m_settings = std::make_unique<QSettings>(path(), jsonFormat());
-    for (auto entry = values.begin(); entry != values.end(); ++entry) {
-        if (entry.value().isValid())
-            m_settings->setValue(entry.key(), entry.value());
-        else
-            m_settings->remove(entry.key());
-    }
-    m_settings->sync();
-    return m_settings->status() == QSettings::NoError;
+    if (const std::optional<QVariantMap> written = m_writer->written())
+        m_values = *written;
+}
+
+Defaults::Stored Defaults::set(const QVariantMap &values)
+{
+    adopt();
+    for (auto entry = values.begin(); entry != values.end(); ++entry)
+        m_values.insert(entry.key(), entry.value());
+    return m_writer->add([values] { return values; }, {});
+}
+
+Defaults::Stored Defaults::write(std::function<QVariantMap()> make, QObject *context,
+                                 std::function<void(bool stored)> written)
+{
+    auto done = [this, written = std::move(written), guard = QPointer(context)](bool stored) {
+        const auto tell = [written, guard, stored] {
+            if (guard)
+                written(stored);
+        };
+        QMetaObject::invokeMethod(&m_home, tell, Qt::QueuedConnection);
+    };
+    return m_writer->add(std::move(make), std::move(done));
+}
+
+void Defaults::flush() const
+{
+    m_writer->flush();
 }
 
 } // namespace tuppi

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QList>
-#include <QSettings>
+#include <QObject>
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
 
+#include <functional>
+#include <future>
 #include <memory>
 
 namespace tuppi {
@@ -22,7 +24,8 @@ struct DefaultKey
 const QList<DefaultKey> &DefaultsTable();
 
 /// The user's preferences and what must survive a restart: one JSON file, which keeps the values' types and
-/// tells a stored no from an absent key. Written at once on every change, by replacing the file.
+/// tells a stored no from an absent key. Written at once on every change, by replacing the file, on a thread of the
+/// store's own: a disk takes its time. The writings keep their order, and the end of the store waits for them all.
 ///
 /// A file that cannot be read as JSON is set aside under another name, never overwritten; the store then
 /// starts empty and the diagnostic log says so.
@@ -45,14 +48,32 @@ public:
     QString text(const QString &key) const { return value(key).toString(); }
     bool isOn(const QString &key) const { return value(key).toBool(); }
 
-    /// Stores values (an invalid one removes its key), all in one replacement of the file. False when they
-    /// could not be written: they then hold for this run only.
-    bool setValues(const QVariantMap &values);
+    /// Whether values could be written. What could not holds for this run only.
+    using Stored = std::shared_future<bool>;
+
+    /// Stores values (an invalid one removes its key), all in one replacement of the file. They hold at once; the
+    /// writing is under way.
+    Stored set(const QVariantMap &values);
+    /// Stores what `make` gives, which is called on the writing thread. It holds when it has been written; then
+    /// `written` is called on this thread, unless `context` is gone.
+    Stored write(std::function<QVariantMap()> make, QObject *context, std::function<void(bool stored)> written);
+
+    /// The same as set(), but waits for the disk.
+    bool setValues(const QVariantMap &values) { return set(values).get(); }
     bool setValue(const QString &key, const QVariant &value) { return setValues({{key, value}}); }
     bool remove(const QString &key) { return setValues({{key, QVariant()}}); }
+    /// Waits until everything is written.
+    void flush() const;
 
 private:
-    std::unique_ptr<QSettings> m_settings;
+    class Writer;
+
+    void adopt() const;
+
+    QString m_path;
+    mutable QVariantMap m_values;
+    QObject m_home; ///< where the writer calls back
+    std::unique_ptr<Writer> m_writer;
 };
 
 } // namespace tuppi

@@ -40,6 +40,11 @@ FollowedFile &Report::fileFor(const QString &path)
     return m_files.last();
 }
 
+bool Report::isFollowed(const QString &jobId) const
+{
+    return std::any_of(m_files.begin(), m_files.end(), [&](const FollowedFile &file) { return file.jobId == jobId; });
+}
+
 bool Report::claim(const QJsonObject &job, bool anyTitle)
 {
     const QString title = job.value("title"_L1).toString();
@@ -74,9 +79,9 @@ void Report::claimJobs(const History &history, bool starting)
         claimFirstJobs(history);
     } else {
         const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
-        for (const QJsonObject &job : history.entries) {
-            if (!known.contains(idOf(job)))
-                claim(job, true);
+        for (qsizetype index = 0; index < history.entries.size(); ++index) {
+            if (!known.contains(history.entries.idAt(index)))
+                claim(history.entries.at(index), true);
         }
     }
     // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
@@ -106,7 +111,12 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
     QList<ReportLine> lines;
     if (jobs.loaded)
         claimJobs(*jobs.history, jobs.starting);
-    for (const QJsonObject &row : BuildRows(jobs).rows) {
+    const Rows rows = BuildRows(jobs).rows;
+    for (qsizetype index = 0; index < rows.size(); ++index) {
+        const QString key = rows.keyAt(index);
+        if (index >= rows.locals() && !isFollowed(key))
+            continue;
+        const QJsonObject row = rows.at(index);
         const QString status = row.value("status"_L1).toString();
         const QString id = idOf(row);
         if (status == "waiting"_L1) {

@@ -56,6 +56,7 @@ public:
 
 private:
     FollowedFile &fileFor(const QString &path);
+    bool isFollowed(const QString &jobId) const;
     void claimJobs(const History &history, bool starting);
     void claimFirstJobs(const History &history);
     bool claim(const QJsonObject &job, bool anyTitle);

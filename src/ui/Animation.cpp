@@ -8,6 +8,13 @@ namespace {
 
 constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
 
+void combine(QImage &pixels, const uchar *with, qsizetype size)
+{
+    uchar *bits = pixels.bits();
+    for (qsizetype at = 0, end = qMin(size, pixels.sizeInBytes()); at < end; ++at)
+        bits[at] = uchar(bits[at] ^ with[at]);
+}
+
 QByteArray pack(const QImage &image)
 {
     constexpr int fastest = 1;
@@ -24,63 +31,75 @@ Animation::Animation(const QString &file, QSize size, QObject *parent)
     , m_reader(std::make_unique<QImageReader>(file, "gif"))
 {
     connect(&m_timer, &QTimer::timeout, this, &Animation::step);
+    rewind();
     goTo(0);
 }
 
 Animation::~Animation() = default;
 
+/// Only when the pixels are those of the last frame that is known.
 bool Animation::decodeNext()
 {
     if (!m_reader)
         return false;
-    const QImage image = m_reader->read();
+    QImage image = m_reader->read();
     if (image.isNull()) {
         m_reader.reset();
         return false;
     }
     constexpr int unsaid = 100; // a file that gives no time for a frame means "as usual"
     const int milliseconds = m_reader->nextImageDelay();
-    const QImage scaled =
-        image.scaled(m_size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).convertToFormat(pixelFormat);
-    m_frames.append({pack(scaled), milliseconds > 0 ? milliseconds : unsaid});
+    image = image.scaled(m_size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).convertToFormat(pixelFormat);
+    combine(image, m_pixels.constBits(), m_pixels.sizeInBytes());
+    m_frames.append({pack(image), milliseconds > 0 ? milliseconds : unsaid});
     return true;
 }
 
-bool Animation::has(int number)
+bool Animation::advance()
 {
-    while (m_frames.size() <= number) {
-        if (!decodeNext())
-            return false;
-    }
+    if (m_number + 1 == m_frames.size() && !decodeNext())
+        return false;
+    ++m_number;
+    const QByteArray change = qUncompress(m_frames.at(m_number).packed);
+    combine(m_pixels, reinterpret_cast<const uchar *>(change.constData()), change.size());
     return true;
 }
 
-void Animation::show(int number)
+void Animation::rewind()
 {
-    QImage image(m_size, pixelFormat);
-    const QByteArray pixels = qUncompress(m_frames.at(number).packed);
-    memcpy(image.bits(), pixels.constData(), qMin(pixels.size(), image.sizeInBytes()));
-    m_number = number;
-    m_picture = QPixmap::fromImage(std::move(image));
+    m_number = -1;
+    m_pixels = QImage(m_size, pixelFormat);
+    m_pixels.fill(Qt::transparent);
+}
+
+void Animation::show()
+{
+    m_picture = QPixmap::fromImage(m_pixels);
 }
 
 void Animation::goTo(int number)
 {
-    if (has(number))
-        show(number);
-    else if (!m_frames.isEmpty())
-        show(int(m_frames.size()) - 1);
+    if (number < m_number)
+        rewind();
+    while (m_number < number && advance())
+        continue;
+    if (m_number >= 0)
+        show();
 }
 
 void Animation::start()
 {
-    if (has(1))
+    if (m_frames.size() > 1 || decodeNext())
         m_timer.start(m_frames.at(m_number).milliseconds);
 }
 
 void Animation::step()
 {
-    show(has(m_number + 1) ? m_number + 1 : 0);
+    if (!advance()) {
+        rewind();
+        advance();
+    }
+    show();
     m_timer.setInterval(m_frames.at(m_number).milliseconds);
     Q_EMIT frameChanged();
 }

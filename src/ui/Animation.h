@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QImageReader>
 #include <QList>
 #include <QObject>
@@ -11,7 +12,8 @@
 namespace tuppi {
 
 /// An animated picture, played endlessly, whatever the file says about that. Each frame is decoded once, when
-/// it is first due, and kept packed: a pose of Tuppi in plain pixels would take seven megabytes.
+/// it is first due, and kept packed as what it changes of the one before: a pose of Tuppi in plain pixels would take
+/// seven megabytes, and each frame packed by itself half of one.
 class Animation : public QObject
 {
     Q_OBJECT
@@ -38,19 +40,21 @@ Q_SIGNALS:
 private:
     struct Frame
     {
-        QByteArray packed;
+        QByteArray packed; ///< its pixels, exclusive or those before it (of the first frame: nothing)
         int milliseconds = 0;
     };
 
     bool decodeNext();
-    bool has(int number);
-    void show(int number);
+    bool advance();
+    void rewind();
+    void show();
     void step();
 
     QSize m_size;
     std::unique_ptr<QImageReader> m_reader; ///< until its last frame has been read
     QList<Frame> m_frames;
     int m_number = -1;
+    QImage m_pixels; ///< of that frame, blank before the first
     QPixmap m_picture;
     QTimer m_timer;
 };

@@ -73,7 +73,7 @@ void AppDelegate::restoreFrame()
 
 void AppDelegate::rememberFrame()
 {
-    m_queue.defaults.setValue(u"windowFrame"_s, QString::fromLatin1(m_ui.window->saveGeometry().toBase64()));
+    m_queue.defaults.set({{u"windowFrame"_s, QString::fromLatin1(m_ui.window->saveGeometry().toBase64())}});
 }
 
 void AppDelegate::perform(const QString &action)

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QImageReader>
 #include <QPalette>
 #include <QStyleFactory>
 
@@ -35,8 +36,11 @@ void applyIcon()
 {
     // Pictures, not the drawing: that one costs four renderings.
     QIcon icon;
-    for (const int size : {16, 32, 48, 128})
-        icon.addFile(u":/icons/%1x%1/apps/tuppi-transcriber.png"_s.arg(size), QSize(size, size));
+    for (const int size : {16, 32, 48, 128}) {
+        // The format is named: looking for it would load every picture plugin that there is.
+        const QString file = u":/icons/%1x%1/apps/tuppi-transcriber.png"_s.arg(size);
+        icon.addPixmap(QPixmap::fromImage(QImageReader(file, "png").read()));
+    }
     QGuiApplication::setWindowIcon(icon);
 }
 

@@ -7,6 +7,8 @@
 
 namespace tuppi {
 
+using namespace Qt::StringLiterals;
+
 QFont System(double size, QFont::Weight weight)
 {
     QFont font = QApplication::font();
@@ -33,9 +35,9 @@ std::jthread readFontsAhead()
 
 QString RoundedFamily(const QStringList &installed)
 {
-    static const QStringList rounded{u"Nunito"_qs,           u"Quicksand"_qs,
-                                     u"Varela Round"_qs,     u"M PLUS Rounded 1c"_qs,
-                                     u"Rounded Mplus 1c"_qs, u"Comfortaa"_qs};
+    static const QStringList rounded{u"Nunito"_s,           u"Quicksand"_s,
+                                     u"Varela Round"_s,     u"M PLUS Rounded 1c"_s,
+                                     u"Rounded Mplus 1c"_s, u"Comfortaa"_s};
     for (const QString &family : rounded) {
         if (installed.contains(family, Qt::CaseInsensitive))
             return family;

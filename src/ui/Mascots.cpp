@@ -10,6 +10,8 @@ namespace tuppi {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QSize pixelSize(QSize size, double ratio)
 {
     return (QSizeF(size) * ratio).toSize();
@@ -49,7 +51,7 @@ Mascots::Pose &Mascots::poseFor(const QString &name)
         pose->name = name;
         connect(&pose->views, &SightList::cameBack, this, &Mascots::redraw);
         // A file without a single good frame has no animation.
-        const QString file = m_folder + u"/tuppi-"_qs + name + u".gif"_qs;
+        const QString file = m_folder + u"/tuppi-"_s + name + u".gif"_s;
         if (!QImageReader(file, "gif").read().isNull())
             pose->animation = file;
     }
@@ -75,7 +77,7 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
     if (picture.isNull()) {
         // The smallest drawing that need not be enlarged.
         for (const char16_t *scale : {u"", u"@2x", u"@3x"}) {
-            QImageReader reader(m_folder + u"/tuppi-"_qs + name + QString::fromUtf16(scale) + u".png"_qs, "png");
+            QImageReader reader(m_folder + u"/tuppi-"_s + name + QString::fromUtf16(scale) + u".png"_s, "png");
             const QSize drawn = reader.size();
             if (!drawn.isValid())
                 continue;

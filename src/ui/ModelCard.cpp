@@ -19,7 +19,7 @@ namespace tuppi {
 ModelCard::ModelCard(const QString &engine, QWidget *parent)
     : QWidget(parent)
     , m_engine(engine)
-    , m_title(new ElidedLabel(this))
+    , m_title(new WrapLabel(this))
     , m_note(new BadgeLabel(QString(), this))
     , m_description(new WrapLabel(this))
 {
@@ -30,6 +30,9 @@ ModelCard::ModelCard(const QString &engine, QWidget *parent)
     setMinimumHeight(Metrics::modelCardHeight);
 
     m_title->setFont(System(14, QFont::ExtraBold));
+    m_title->setColour(Colours::navy);
+    m_title->setMaximumLines(2); // some models are told apart only by how their titles end
+    m_title->setPreferredWidth(Metrics::modelCardWidth - 28);
     m_description->setFont(System(11.5));
     m_description->setMaximumLines(3);
     m_description->setPreferredWidth(Metrics::modelCardWidth - 28);

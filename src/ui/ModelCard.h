@@ -5,7 +5,6 @@
 namespace tuppi {
 
 class BadgeLabel;
-class ElidedLabel;
 class WrapLabel;
 
 /// A choice among models: one target, whatever lies inside it. A click (released inside), a space, a return
@@ -45,7 +44,7 @@ protected:
 private:
     QString m_engine;
     bool m_picked = false;
-    ElidedLabel *m_title;
+    WrapLabel *m_title;
     BadgeLabel *m_note;
     WrapLabel *m_description;
 };

@@ -9,6 +9,8 @@
 
 namespace tuppi {
 
+using namespace Qt::StringLiterals;
+
 double deviceScale(const QPainter &painter)
 {
     const QTransform &device = painter.deviceTransform();
@@ -37,7 +39,7 @@ void drawFocusRing(QPainter &painter, const QRectF &bounds, double radius)
 
 QString plainToolTip(const QString &text)
 {
-    return Qt::mightBeRichText(text) ? u"<qt>"_qs + text.toHtmlEscaped() + u"</qt>"_qs : text;
+    return Qt::mightBeRichText(text) ? u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s : text;
 }
 
 QString onOneLine(const QString &text)

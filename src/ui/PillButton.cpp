@@ -13,6 +13,8 @@ namespace tuppi {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QColor fillOf(int style)
 {
     switch (style) {
@@ -75,7 +77,7 @@ void PillButton::setTitle(const QString &title)
     if (m_title == title)
         return;
     m_title = title;
-    setText(QString(title).replace(u'&', u"&&"_qs));
+    setText(QString(title).replace(u'&', u"&&"_s));
     updateGeometry();
     update();
 }

@@ -9,6 +9,7 @@
 #include "ui/Symbols.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace tuppi {
@@ -91,8 +92,11 @@ PillButton *Sheet::addButton(int index, const QString &title)
 
 void Sheet::setAccessory(QWidget *accessory)
 {
+    const QPoint centre = rect().center();
     m_accessoryPlace->layout()->addWidget(accessory);
     m_accessoryPlace->show();
+    layout()->activate();
+    move(pos() + centre - rect().center()); // it has grown, and stands where it stood without
     accessory->setFocus();
 }
 
@@ -108,6 +112,15 @@ void Sheet::answer(int button)
 void Sheet::reject()
 {
     answer(m_text.escapeButton);
+}
+
+/// Not every desktop puts a frame around a sheet; white on white rows it would have no edge.
+void Sheet::paintEvent(QPaintEvent *event)
+{
+    QDialog::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(QPen(Colours::pillBorder, 1));
+    painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
 Sheet *Sheet::open(QWidget *window, const SheetText &text, std::function<void(int)> answered)

@@ -42,6 +42,7 @@ Q_SIGNALS:
 
 protected:
     void reject() override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     Sheet(QWidget *window, const SheetText &text);

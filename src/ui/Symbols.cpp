@@ -14,11 +14,13 @@ namespace tuppi {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 Q_LOGGING_CATEGORY(logSymbols, "tuppi.ui.symbols")
 
 QString pathOf(const QString &name)
 {
-    return u":/symbols/"_qs + name + u".svg"_qs;
+    return u":/symbols/"_s + name + u".svg"_s;
 }
 
 /// The symbol's shape is its alpha; whatever colours the drawing holds are replaced.
@@ -42,7 +44,7 @@ QPixmap rendered(const QString &name, const QColor &colour, int pixels)
 QPixmap cached(const QString &name, const QColor &colour, int pixels)
 {
     const QString key =
-        u"tuppi/"_qs + name + u'/' + colour.name(QColor::HexArgb) + u'/' + QString::number(pixels);
+        u"tuppi/"_s + name + u'/' + colour.name(QColor::HexArgb) + u'/' + QString::number(pixels);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
         pixmap = rendered(name, colour, pixels);
@@ -90,7 +92,7 @@ public:
         const int side = qMin(size.width(), size.height());
         return {side, side};
     }
-    QString key() const override { return u"tuppi-symbol"_qs; }
+    QString key() const override { return u"tuppi-symbol"_s; }
     QIconEngine *clone() const override { return new SymbolEngine(*this); }
 
 private:

@@ -159,7 +159,6 @@ void TranscriptList::selectRow(int index)
     }
     if (hasFocus())
         tellFocus();
-    Q_EMIT selectionChanged();
 }
 
 void TranscriptList::focusRow(const RowView *row)

@@ -34,7 +34,6 @@ public:
 
     /// The view of a row in sight, null otherwise. Owned by the list.
     RowView *viewAt(int index) const { return m_shown.value(index); }
-    int viewCount() const { return int(m_shown.size()); }
     /// Rows that fit the viewport, the last one perhaps in part.
     std::pair<int, int> rowsInSight() const;
 
@@ -47,7 +46,6 @@ Q_SIGNALS:
     void removeRequested(const QString &key);
     /// `key` is empty where the click was on no row.
     void menuRequested(const QString &key, const QPoint &globalPosition);
-    void selectionChanged();
 
 protected:
     bool viewportEvent(QEvent *event) override;

@@ -125,7 +125,7 @@ void AppDelegate::addResultWindow(ResultWindow *window)
 
 void AppDelegate::forgetResultWindow(ResultWindow *window)
 {
-    m_queue.defaults.setValue(window->plan().frame(), QString::fromLatin1(window->saveGeometry().toBase64()));
+    m_queue.defaults.set({{window->plan().frame(), QString::fromLatin1(window->saveGeometry().toBase64())}});
     m_viewer.resultWindows.removeIf([window](const auto &open) { return open.value() == window; });
 }
 
@@ -144,7 +144,7 @@ void AppDelegate::closeResultWindowsForDir(const QString &callDir)
 void AppDelegate::viewerMessage(ViewerWindow *window, const QJsonObject &body, int page)
 {
     const ViewerMessage message =
-        ReadViewerMessage(body, ViewerCallId(m_jobs.history->entries, window->callDir()));
+        ReadViewerMessage(body, ViewerCallId(m_jobs.history->entries.withCallDir(window->callDir()), window->callDir()));
     if (message.arguments.isEmpty()) {
         window->answer(page, AnswerScript(Refusal(message)));
         return;

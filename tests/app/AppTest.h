@@ -20,7 +20,13 @@ protected:
     using Failure = QPair<QString, QString>;
 
     QString settingsPath() const { return Defaults::userPath(); }
-    QJsonObject settings() const { return object(readFile(settingsPath())); }
+    QByteArray settingsFile() const
+    {
+        if (m_defaults)
+            m_defaults->flush();
+        return readFile(settingsPath());
+    }
+    QJsonObject settings() const { return object(settingsFile()); }
     QStringList storedPaths() const { return pathsIn(settings()); }
     static QStringList pathsIn(const QJsonObject &settings)
     {
@@ -106,8 +112,9 @@ protected:
     QStringList rowKeys() const
     {
         QStringList keys;
-        for (const QJsonObject &row : m_app->list().snapshot.rows)
-            keys.append(RowKey(row));
+        const Rows &rows = m_app->list().snapshot.rows;
+        for (qsizetype index = 0; index < rows.size(); ++index)
+            keys.append(rows.keyAt(index));
         return keys;
     }
 

@@ -267,7 +267,9 @@ TEST_F(Scheduling, QueueThatCannotBeSavedIsToldAndKept)
     poll();
     m_app->enqueue({m_a}, m_choices);
     EXPECT_EQ(waitingPaths(), QStringList{m_a});
-    EXPECT_EQ(m_app->list().summary, u"The waiting list could not be saved. It is kept until the app quits."_s);
+    EXPECT_TRUE(waitFor([&] {
+        return m_app->list().summary == u"The waiting list could not be saved. It is kept until the app quits."_s;
+    })) << m_app->list().summary.toStdString();
     EXPECT_TRUE(QString::fromUtf8(test::readFile(DebugLogPath()))
                     .endsWith(u"the waiting queue could not be written to %1\n"_s.arg(settingsPath())));
 }

@@ -28,7 +28,7 @@ TEST_F(SecondProcess, KeepsAQueueOfItsOwnAndWritesNothing)
     poll();
     ASSERT_TRUE(m_app->ownsStoredQueue());
     m_app->enqueue({m_a}, m_choices);
-    const QByteArray before = test::readFile(settingsPath());
+    const QByteArray before = settingsFile();
 
     Defaults secondDefaults(settingsPath());
     AppDelegate second(secondDefaults);
@@ -39,11 +39,11 @@ TEST_F(SecondProcess, KeepsAQueueOfItsOwnAndWritesNothing)
     ASSERT_TRUE(waitFor([&] { return second.jobs().loaded && !second.jobs().polling; }));
     second.enqueue({m_b}, m_choices);
     EXPECT_EQ(second.jobs().waiting.size(), 1);
-    EXPECT_EQ(test::readFile(settingsPath()), before);
+    EXPECT_EQ(settingsFile(), before);
 
     second.removeWaiting(u"wait:"_s + m_b);
     EXPECT_TRUE(second.jobs().waiting.isEmpty());
-    EXPECT_EQ(test::readFile(settingsPath()), before);
+    EXPECT_EQ(settingsFile(), before);
 }
 
 TEST_F(SecondProcess, StartsItsOwnFilesWithoutTouchingTheRecordOfTheFirst)
@@ -54,7 +54,7 @@ TEST_F(SecondProcess, StartsItsOwnFilesWithoutTouchingTheRecordOfTheFirst)
     poll();
     m_app->enqueue({m_a}, m_choices);
     ASSERT_TRUE(processCalls(1));
-    const QByteArray before = test::readFile(settingsPath());
+    const QByteArray before = settingsFile();
 
     Defaults secondDefaults(settingsPath());
     AppDelegate second(secondDefaults);
@@ -64,7 +64,7 @@ TEST_F(SecondProcess, StartsItsOwnFilesWithoutTouchingTheRecordOfTheFirst)
     ASSERT_TRUE(waitFor([&] { return second.jobs().loaded && !second.jobs().polling; }));
     second.enqueue({m_b}, m_choices);
     ASSERT_TRUE(processCalls(2));
-    EXPECT_EQ(test::readFile(settingsPath()), before);
+    EXPECT_EQ(settingsFile(), before);
     EXPECT_EQ(storedStart(), m_a);
     m_engine.openGate("process");
     ASSERT_TRUE(waitFor([&] { return !second.jobs().starting && !jobs().starting; }));

@@ -39,7 +39,7 @@ TEST_F(StartUp, QueueIsRestoredBeforeAnythingIsAskedAndNotRewritten)
     EXPECT_EQ(waitingPaths(), (QStringList{b, a}));
     EXPECT_TRUE(jobs().waiting.first().value(u"speakers"_s).toBool());
     EXPECT_FALSE(jobs().waiting.first().value(u"quick"_s).toBool());
-    EXPECT_EQ(test::readFile(settingsPath()), stored);
+    EXPECT_EQ(settingsFile(), stored);
     m_engine.openGate("history");
     EXPECT_TRUE(processCalls(1));
     EXPECT_EQ(storedPaths(), QStringList{a});

@@ -94,7 +94,7 @@ const CommandCase commandCases[]{
 
 INSTANTIATE_TEST_SUITE_P(EngineCommands, CommandTable, testing::ValuesIn(commandCases), test::caseName);
 
-TEST(EngineCommands, OnlyTheQueriesOfAPollHaveALimitAndItIsAMinute)
+TEST(EngineCommands, TheQueriesOfAPollMayTakeAMinute)
 {
     EXPECT_EQ(command::queryTimeoutSeconds, 60);
 }

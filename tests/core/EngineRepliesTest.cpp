@@ -20,7 +20,7 @@ HistoryPointer historyOf(const QByteArray &out)
     return ReadHistory(replyOf(out), nullptr).history;
 }
 
-QStringList ids(const QList<QJsonObject> &entries)
+template <typename Jobs> QStringList ids(const Jobs &entries)
 {
     QStringList ids;
     for (const QJsonObject &entry : entries)

@@ -11,12 +11,17 @@ using namespace tuppi;
 
 namespace {
 
-QList<QJsonObject> rowsOf(const QByteArray &json)
+/// As jobs of a history, where every job has an id of some kind.
+JobList rowsOf(const QByteArray &json)
 {
-    QList<QJsonObject> rows;
-    for (const QJsonValue &row : test::array(json))
-        rows.append(row.toObject());
-    return rows;
+    QJsonArray jobs;
+    for (const QJsonValue &value : test::array(json)) {
+        QJsonObject job = value.toObject();
+        if (job.value("id"_L1).isUndefined() || job.value("id"_L1).isNull())
+            job.insert("id"_L1, 0);
+        jobs.append(job);
+    }
+    return ArrangeHistory(jobs).entries;
 }
 
 struct RowCase
@@ -53,10 +58,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FinishedRows, AreTheRemovableOnesInTheirOrder)
 {
-    const QList<QJsonObject> rows = rowsOf(R"([{"local":true,"status":"starting"},{"id":"a","status":"queued"},
-        {"id":"b","status":"failed"},{"id":"c","status":"ready"},{"id":"d","status":"cancelled"}])");
+    Rows rows;
+    rows.starting = true;
+    AddWaiting(rows.waiting, {u"/a.m4a"_s}, {});
+    EXPECT_TRUE(FinishedRows(rows).isEmpty());
+    rows.jobs = rowsOf(R"([{"id":"a","status":"queued"},{"id":"b","status":"failed"},{"id":"c","status":"ready"},
+        {"id":"d","status":"cancelled"}])");
     EXPECT_EQ(IdsOf(FinishedRows(rows)), (QStringList{u"b"_s, u"c"_s, u"d"_s}));
-    EXPECT_EQ(FinishedRows(rows.first(2)), QList<QJsonObject>());
 }
 
 TEST(IdsOf, LeavesOutRowsWithoutAnId)

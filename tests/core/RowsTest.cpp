@@ -23,8 +23,12 @@ JobsState stateOf(const QByteArray &history, const QStringList &waiting = {})
 QStringList keys(const JobsState &jobs)
 {
     QStringList keys;
-    for (const QJsonObject &row : BuildRows(jobs).rows)
-        keys.append(RowKey(row));
+    const Rows rows = BuildRows(jobs).rows;
+    for (qsizetype index = 0; index < rows.size(); ++index) {
+        EXPECT_EQ(rows.keyAt(index), RowKey(rows.at(index)));
+        EXPECT_EQ(rows.titleAt(index), rows.at(index).value(u"title"_s).toString());
+        keys.append(rows.keyAt(index));
+    }
     return keys;
 }
 
@@ -116,7 +120,7 @@ TEST(RowIndex, OfTwoEntriesForTheSameFileTheFirstIsFound)
 {
     JobsState jobs = stateOf("[]", {u"/a.m4a"_s, u"/b.m4a"_s});
     jobs.waiting.append(jobs.waiting.last());
-    const QList<QJsonObject> rows = BuildRows(jobs).rows;
+    const Rows rows = BuildRows(jobs).rows;
     ASSERT_EQ(rows.size(), 3);
     EXPECT_EQ(RowKey(rows.at(1)), RowKey(rows.at(2)));
     EXPECT_EQ(RowIndex(rows, u"wait:/b.m4a"_s), 1);
@@ -124,7 +128,7 @@ TEST(RowIndex, OfTwoEntriesForTheSameFileTheFirstIsFound)
 
 TEST(RowIndex, UnknownAndEmptyKeysFindNothing)
 {
-    const QList<QJsonObject> rows = BuildRows(stateOf(R"([{"id":"a"},{"id":""}])")).rows;
+    const Rows rows = BuildRows(stateOf(R"([{"id":"a"},{"id":""}])")).rows;
     ASSERT_EQ(rows.size(), 2);
     EXPECT_EQ(RowIndex(rows, u"a"_s), 0);
     EXPECT_EQ(RowIndex(rows, u"b"_s), -1);

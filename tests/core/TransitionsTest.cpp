@@ -174,8 +174,8 @@ TEST(FindTransitions, ForgetsJobsThatAreGone)
     memory.launchedAt = launch;
     tell(memory, R"([{"id":"a","status":"ready"},{"id":"b","status":"queued"}])");
     tell(memory, R"([{"id":"b","status":"queued"}])");
-    EXPECT_EQ(memory.lastStatus->size(), 1);
-    EXPECT_TRUE(memory.announced.contains(u"a"_s)) << "but not that it was announced";
+    EXPECT_EQ(memory.last->size(), 1);
+    EXPECT_TRUE(memory.onceReady.contains(u"a"_s)) << "but not that it was announced";
 }
 
 } // namespace

@@ -91,7 +91,10 @@ private Q_SLOTS:
     void withoutAPlaceForTheTrashItStays_data();
     void withoutAPlaceForTheTrashItStays();
     void anotherDriveUsesItsOwnTrash();
+    void anotherDriveWithoutATrashKeepsIt_data();
     void anotherDriveWithoutATrashKeepsIt();
+    void aTrashThatMayNotBeWrittenTakesNothing();
+    void whatAllShareOnADriveHasAPlaceForEach();
     void allAreTriedInTheirOrder();
 
 private:
@@ -253,6 +256,7 @@ void TrashTest::withoutAPlaceForTheTrashItStays_data()
     QTest::newRow("a file where the trash would be") << u"home/.local/share/Trash"_s;
     QTest::newRow("a file where the data home would be") << u"home/.local/share"_s;
     QTest::newRow("a file where its files would be") << u"home/.local/share/Trash/files"_s;
+    QTest::newRow("a file where their origins would be") << u"home/.local/share/Trash/info"_s;
 }
 
 void TrashTest::withoutAPlaceForTheTrashItStays()
@@ -261,7 +265,7 @@ void TrashTest::withoutAPlaceForTheTrashItStays()
     makeFolder(u"Talk"_s);
     QVERIFY(QDir().mkpath(QFileInfo(path(inTheWay)).path()));
     write(inTheWay, "in the way");
-    QCOMPARE(MoveToTrash(path(u"Talk"_s)).outcome, TrashOutcome::Failed);
+    QCOMPARE(MoveToTrash(path(u"Talk"_s)).outcome, TrashOutcome::NoTrash);
     QCOMPARE(contentsOf(path(u"Talk/Transcript.txt"_s)), "Talk");
     QCOMPARE(contentsOf(path(u"Talk/Technical files/viewer.html"_s)), "page");
     QCOMPARE(contentsOf(path(inTheWay)), "in the way");
@@ -282,16 +286,61 @@ void TrashTest::anotherDriveUsesItsOwnTrash()
     QCOMPARE(trashed(), QStringList());
 }
 
+void TrashTest::anotherDriveWithoutATrashKeepsIt_data()
+{
+    const QString trash = u"drive/.Trash-%1"_s.arg(::geteuid());
+    QTest::addColumn<QString>("inTheWay");
+    QTest::newRow("a file where the trash would be") << trash;
+    QTest::newRow("a file where its files would be") << trash + u"/files"_s;
+    QTest::newRow("a file where their origins would be") << trash + u"/info"_s;
+    QTest::newRow("a file for each person's trash") << u"drive/.Trash/%1"_s.arg(::geteuid());
+}
+
 void TrashTest::anotherDriveWithoutATrashKeepsIt()
+{
+    QFETCH(const QString, inTheWay);
+    const Drive drive(path(u"drive"_s));
+    if (!drive.isMounted())
+        QSKIP("only an administrator can mount a drive");
+    makeFolder(u"drive/Talk"_s);
+    QVERIFY(QDir().mkpath(QFileInfo(path(inTheWay)).path()));
+    write(inTheWay, "in the way");
+    if (inTheWay.startsWith("drive/.Trash/"_L1))
+        allow(u"drive/.Trash"_s, 01777);
+    QCOMPARE(MoveToTrash(path(u"drive/Talk"_s)).outcome, TrashOutcome::NoTrash);
+    QCOMPARE(contentsOf(path(u"drive/Talk/Transcript.txt"_s)), "drive/Talk");
+    QCOMPARE(trashed(), QStringList());
+}
+
+void TrashTest::aTrashThatMayNotBeWrittenTakesNothing()
+{
+    makeFolder(u"Talk"_s);
+    QVERIFY(QDir().mkpath(trash() + u"/files"_s) && QDir().mkpath(trash() + u"/info"_s));
+    giveAway();
+    allow(u"home/.local/share/Trash/info"_s, 0555);
+    TrashResult result;
+    {
+        const AsSomebody somebody;
+        result = MoveToTrash(path(u"Talk"_s));
+    }
+    allow(u"home/.local/share/Trash/info"_s, 0755);
+    QCOMPARE(result.outcome, TrashOutcome::NoTrash);
+    QCOMPARE(contentsOf(path(u"Talk/Transcript.txt"_s)), "Talk");
+    QCOMPARE(trashed(), QStringList());
+}
+
+void TrashTest::whatAllShareOnADriveHasAPlaceForEach()
 {
     const Drive drive(path(u"drive"_s));
     if (!drive.isMounted())
         QSKIP("only an administrator can mount a drive");
     makeFolder(u"drive/Talk"_s);
-    write(u"drive/.Trash-%1"_s.arg(::geteuid()), "in the way");
-    QCOMPARE(MoveToTrash(path(u"drive/Talk"_s)).outcome, TrashOutcome::NoTrash);
-    QCOMPARE(contentsOf(path(u"drive/Talk/Transcript.txt"_s)), "drive/Talk");
-    QCOMPARE(trashed(), QStringList());
+    QVERIFY(QDir().mkpath(path(u"drive/.Trash"_s)));
+    allow(u"drive/.Trash"_s, 01777);
+    QCOMPARE(MoveToTrash(path(u"drive/Talk"_s)), (TrashResult{TrashOutcome::Moved, {}}));
+    const QString own = u"drive/.Trash/%1"_s.arg(::geteuid());
+    QCOMPARE(contentsOf(path(own + u"/files/Talk/Transcript.txt"_s)), "drive/Talk");
+    QVERIFY(!QFileInfo::exists(path(u"drive/.Trash-%1"_s.arg(::geteuid()))));
 }
 
 void TrashTest::allAreTriedInTheirOrder()

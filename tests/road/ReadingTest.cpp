@@ -87,7 +87,11 @@ protected:
     }
 
     QString documents() const { return m_engine.home() + u"/Documents"_s; }
-    QJsonObject only() const { return m_app->list().snapshot.rows.value(0); }
+    QJsonObject only() const
+    {
+        const Rows &rows = m_app->list().snapshot.rows;
+        return rows.isEmpty() ? QJsonObject() : rows.first();
+    }
     QString id() const { return only().value("id"_L1).toString(); }
     QString callDir() const { return only().value("call_dir"_L1).toString(); }
     bool isEmptyList() const

@@ -5,7 +5,6 @@
 
 #include "settings/AboutWindow.h"
 #include "settings/L.h"
-#include "ui/ModelCard.h"
 #include "ui/Painting.h"
 
 #include <QAction>
@@ -47,13 +46,10 @@ QString saidBy(const QWidget *widget)
     return {};
 }
 
-/// Paths and names of the person's own may be shortened, and so may the title of a model card, which is as it was
-/// given; its translations are to fit.
+/// Paths and names of the person's own.
 bool mayBeShortened(const QWidget *widget)
 {
-    const bool isCardTitle = qobject_cast<const ElidedLabel *>(widget) && qobject_cast<const ModelCard *>(widget->parent());
-    return widget->objectName() == u"setupList" || qobject_cast<const PathField *>(widget)
-        || (isCardTitle && QLocale().language() == QLocale::English);
+    return widget->objectName() == u"setupList" || qobject_cast<const PathField *>(widget);
 }
 
 bool fits(const QWidget *widget)

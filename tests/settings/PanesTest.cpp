@@ -162,6 +162,38 @@ TEST_F(Panes, ALanguageIsStoredBeforeTheAnswerAndLaterRestartsNothing)
     EXPECT_TRUE(waitFor([&] { return relaunches == 1; }));
 }
 
+TEST_F(Panes, AfterLaterNothingChangesButTheChoice)
+{
+    store(R"({"AppleLanguages":["uk"]})");
+    openSettings();
+    const auto chooseAndWait = [this](const QString &code) {
+        choose(u"AppleLanguages"_s, code);
+        ASSERT_TRUE(settingsSheetOpens());
+        settingsSheet()->answer(1);
+        ASSERT_TRUE(settingsSheetCloses());
+    };
+    ASSERT_NO_FATAL_FAILURE(chooseAndWait(u"es"_s));
+    EXPECT_EQ(settingsWindow()->windowTitle(), u"Settings"_s);
+    m_app->clearList();
+    EXPECT_EQ(summary(), u"Nothing to clear"_s) << "texts looked up afterwards are in the old language";
+    ASSERT_NO_FATAL_FAILURE(chooseAndWait(u"auto"_s));
+    destroy();
+    openSettings();
+    EXPECT_EQ(menu(u"AppleLanguages"_s)->currentText(), u"Automatic (same as the Mac)"_s);
+}
+
+TEST_F(Panes, AChosenModelStaysStoredWhileTheModelsAreNotKnown)
+{
+    store(R"({"engine":"custom:mine"})");
+    m_engine.answer(u"models"_s, Answer::failure(1, "Error: busy\n"));
+    openSettings();
+    settle();
+    EXPECT_EQ(chosen(u"engine"_s), u"auto"_s);
+    EXPECT_EQ(settings()[u"engine"_s].toString(), u"custom:mine"_s);
+    choose(u"engine"_s, u"whisper"_s);
+    EXPECT_EQ(settings()[u"engine"_s].toString(), u"whisper"_s);
+}
+
 TEST_F(Panes, TheButtonsOfTheGeneralPane)
 {
     openSettings();
@@ -202,6 +234,25 @@ TEST_F(Panes, TheLibraryWithItsSize)
     EXPECT_EQ(part<PathField>(u"libraryPath"_s)->toolTip(), library);
     EXPECT_TRUE(says(u"librarySize"_s, u"3 MB"_s));
     EXPECT_EQ(jobs().library, library);
+}
+
+TEST_F(Panes, TheSizeStaysWhileItIsMeasuredAnew)
+{
+    const QString library = m_engine.home() + u"/Calls"_s;
+    QDir().mkpath(library);
+    writeFile(library + u"/big"_s, QByteArray(3'000'000, 'x'));
+    m_engine.answer(u"settings"_s, {R"({"library":")" + library.toUtf8() + R"("})"});
+    openTab(test::Storage);
+    ASSERT_TRUE(says(u"librarySize"_s, u"3 MB"_s));
+    QStringList shown;
+    writeFile(library + u"/bigger"_s, QByteArray(7'000'000, 'x'));
+    m_app->refreshLibrary();
+    EXPECT_TRUE(waitFor([&] {
+        shown.append(text(u"librarySize"_s));
+        return shown.last() == u"10 MB"_s;
+    }));
+    shown.removeDuplicates();
+    EXPECT_EQ(shown, (QStringList{u"3 MB"_s, u"10 MB"_s}));
 }
 
 TEST_F(Panes, ALibraryThatIsGoneIsEmpty)

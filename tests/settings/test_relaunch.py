@@ -108,7 +108,7 @@ class Relaunch(unittest.TestCase):
         # It holds the name that makes it the one instance: a further start hands over to it and ends.
         again = subprocess.run([PROGRAM], env=self.environment, timeout=60, check=False)
         self.assertEqual(again.returncode, 0)
-        self.assertEqual(running(), fresh)
+        until(lambda: running() == fresh, "the fresh instance alone")  # beside what it is just about to start
 
     def test_the_program_comes_back_and_the_engine_goes_on(self):
         old = self.choose_spanish_and_restart([PROGRAM])

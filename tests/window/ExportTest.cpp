@@ -141,6 +141,18 @@ TEST_F(Export, TheDialogProposesNamePlaceAndForm)
     EXPECT_EQ(dialog()->findChild<QLabel *>(u"fileTypeLabel"_s)->text(), u"Format:"_s);
 }
 
+TEST_F(Export, TheSummaryIsATextFileToo)
+{
+    openOne();
+    m_defaults->setValue(u"txtFormat"_s, u"summary"_s);
+    m_app->saveRowText(u"a"_s);
+    EXPECT_EQ(formats()->currentIndex(), 2);
+    EXPECT_EQ(name()->text(), u"Q3- plan-budget-.txt"_s);
+    save();
+    ASSERT_TRUE(dialogCloses());
+    EXPECT_EQ(readFile(documents() + u"/Q3- plan-budget-.txt"_s), "# Summary");
+}
+
 TEST_F(Export, EachFormIsSavedAndRemembered)
 {
     openOne();
@@ -296,6 +308,18 @@ TEST_F(Export, WithoutAFolderNothingIsSavedOrShared)
     m_app->saveRowText(u"gone"_s);
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_FALSE(QFileInfo::exists(temp() + u"/Tuppi Transcriber"_s));
+}
+
+TEST_F(Export, ATranscriptWithoutATextIsNotShared)
+{
+    openWith({call(u"a"_s, u"A"_s, u"Talk"_s)});
+    for (const QString &file : {u"/transcript.raw.txt"_s, u"/transcript.txt"_s})
+        writeFile(folder(u"A"_s) + file, {});
+    m_app->shareRowText(u"a"_s);
+    settle();
+    EXPECT_EQ(menu(), nullptr);
+    EXPECT_FALSE(QFileInfo::exists(temp() + u"/Tuppi Transcriber"_s));
+    EXPECT_EQ(sheet(), nullptr);
 }
 
 // Save Transcript as Text…

@@ -4,6 +4,7 @@
 #include "window/WindowTest.h"
 
 #include "actions/Menus.h"
+#include "viewer/ResultWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -60,6 +61,15 @@ protected:
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
     }
     void chooseInMenuBar(const QString &action) { window()->findChild<QAction *>(action)->trigger(); }
+    /// The names of the folders whose windows are open.
+    QStringList shownTranscripts() const
+    {
+        QStringList names;
+        for (const ResultWindow *open : m_app->viewer().resultWindows)
+            names.append(QFileInfo(open->plan().callDir).fileName());
+        names.sort();
+        return names;
+    }
     PillButton *sheetButton(int index) const { return sheet()->findChild<PillButton *>(u"sheetButton%1"_s.arg(index)); }
     QString defaultButton() const
     {
@@ -216,6 +226,26 @@ TEST_F(RowCommands, ARenameThatFailsIsTold)
     EXPECT_EQ(sheet()->text().detail, u"The title is taken"_s);
 }
 
+TEST_F(RowCommands, ARenameClosesTheWindowsOfItsTranscript)
+{
+    m_engine.answerCall(u"rename"_s, 1, Answer::failure(1, "Error: The title is taken\n"));
+    openWith({call(u"a"_s, u"A"_s), call(u"b"_s, u"B"_s)});
+    choose(u"a"_s, u"openRowText"_s);
+    choose(u"b"_s, u"openRowText"_s);
+    ASSERT_EQ(shownTranscripts(), (QStringList{u"A"_s, u"B"_s}));
+    for (const QStringList &left : {QStringList{u"A"_s, u"B"_s}, QStringList{u"B"_s}}) {
+        activate();
+        choose(u"a"_s, u"renameRow"_s);
+        sheet()->findChild<QLineEdit *>()->setText(u"C"_s);
+        answer(0);
+        if (left.size() == 2) {
+            ASSERT_TRUE(sheetSays(u"Could not rename"_s));
+            answer(0);
+        }
+        EXPECT_TRUE(waitFor([&] { return shownTranscripts() == left; })) << left.size();
+    }
+}
+
 TEST_F(RowCommands, ARowThatGoesUnderItsSheetIsTheEnginesToJudge)
 {
     m_engine.answer(u"rename"_s, Answer::failure(1, "Error: No such job"));
@@ -229,7 +259,23 @@ TEST_F(RowCommands, ARowThatGoesUnderItsSheetIsTheEnginesToJudge)
     EXPECT_TRUE(sheetSays(u"Could not rename"_s));
 }
 
-// Resume, Try Again, Cancel
+// Pause, Resume, Try Again, Cancel
+
+TEST_F(RowCommands, APauseIsSeenThoughAnOlderPollIsOnItsWay)
+{
+    openWith({job(u"a"_s, u"A"_s, u"transcribing"_s)});
+    ASSERT_TRUE(pollEnds());
+    const int asked = m_engine.count(u"history"_s);
+    m_engine.answerCall(u"history"_s, asked + 1,
+                        Answer{test::historyOf({job(u"a"_s, u"A"_s, u"transcribing"_s)})}.heldAt("older"));
+    m_engine.answerHistory(test::historyOf({job(u"a"_s, u"A"_s, u"transcribing"_s, true)}));
+    m_app->poll();
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"history"_s) == asked + 1; }));
+    click(rowButton(u"a"_s, u"pauseRow"_s));
+    EXPECT_TRUE(rowSays(u"a"_s, u"Paused — Listening and writing down…"_s));
+    m_engine.openGate("older");
+}
+
 
 TEST_F(RowCommands, NothingIsResumedOrTriedAgainWhileAnotherFileIsWorkedOn)
 {
@@ -317,6 +363,17 @@ TEST_F(RowCommands, MoveToTrashOfOneAsksOnce)
     EXPECT_TRUE(QFileInfo::exists(library() + u"/B"_s));
     EXPECT_EQ(m_engine.count(u"hide"_s), 0) << "the engine is not told";
     EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(RowCommands, MoveToTrashClosesTheWindowsOfItsTranscript)
+{
+    openWith({call(u"a"_s, u"A"_s), call(u"b"_s, u"B"_s)});
+    choose(u"a"_s, u"openRowText"_s);
+    choose(u"b"_s, u"openRowText"_s);
+    activate();
+    click(rowButton(u"a"_s, u"removeRow"_s));
+    answer(1);
+    EXPECT_TRUE(waitFor([this] { return shownTranscripts() == QStringList{u"B"_s}; }));
 }
 
 TEST_F(RowCommands, MoveToTrashOfTwoAsksTwice)
@@ -419,16 +476,16 @@ TEST_F(RowCommands, ClearListOfOneSaysSoAndHidesThemInListOrder)
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"x"_s, u"a"_s, u"y"_s, u"z"_s}}));
 }
 
-TEST_F(RowCommands, RowsWithoutAnIdAreLeftOutOfHide)
+TEST_F(RowCommands, RowsWhoseIdIsNoTextAreLeftOutOfHide)
 {
     openWith({});
     m_app->removeCalls({}, u"Nothing"_s);
     EXPECT_EQ(sheet(), nullptr);
-    const QJsonObject nameless{{u"title"_s, u"N"_s}};
-    m_app->removeCalls({nameless, job(u"a"_s, u"A"_s, u"ready"_s)}, u"Remove"_s);
+    const QJsonObject nameless{{u"id"_s, 0}, {u"title"_s, u"N"_s}};
+    m_app->removeCalls(ArrangeHistory({nameless, job(u"a"_s, u"A"_s, u"ready"_s)}).entries, u"Remove"_s);
     answer(0);
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"a"_s}}));
-    m_app->removeCalls({nameless}, u"Remove"_s);
+    m_app->removeCalls(ArrangeHistory({nameless}).entries, u"Remove"_s);
     answer(0);
     EXPECT_TRUE(called(u"hide"_s, {{u"hide"_s, u"a"_s}, {u"hide"_s}}));
 }

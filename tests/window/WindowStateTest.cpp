@@ -218,10 +218,16 @@ class Motion : public testing::Test
 protected:
     void SetUp() override
     {
-        m_window.setContent({{job(u"a"_s, u"A"_s, u"queued"_s), job(u"b"_s, u"B"_s, u"failed"_s)}, {}, {}});
+        show({job(u"a"_s, u"A"_s, u"queued"_s), job(u"b"_s, u"B"_s, u"failed"_s)});
         m_window.setEmpty(false);
         m_window.bringForward();
         ASSERT_TRUE(waitFor([this] { return isMoving(); }));
+    }
+    void show(const QJsonArray &jobs)
+    {
+        ListContent content;
+        content.rows.jobs = ArrangeHistory(jobs).listed;
+        m_window.setContent(content);
     }
     bool isMoving() const
     {
@@ -259,8 +265,7 @@ TEST_F(Motion, StopsWhileTheWindowIsHiddenOrMinimised)
 
 TEST_F(Motion, StopsWhenNothingThatMovesIsLeft)
 {
-    m_window.setContent(
-        {{job(u"a"_s, u"A"_s, u"queued"_s, true), job(u"b"_s, u"B"_s, u"cancelled"_s)}, {}, {}});
+    show({job(u"a"_s, u"A"_s, u"queued"_s, true), job(u"b"_s, u"B"_s, u"cancelled"_s)});
     EXPECT_TRUE(waitFor([this] { return isStill(); }));
 }
 

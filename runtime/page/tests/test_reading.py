@@ -540,9 +540,12 @@ class Languages(ViewerCase):
 
     def test_direction(self):
         arabic = page.sample(language="ar", segments=page.segments([(None, "صباح الخير"), (None, "Good morning")]))
+        spoken = page.sample(segments=page.segments([(None, "صباح الخير"), (None, "شكرًا"), (None, "OK")]))
         for rtl, data, direction, lines in (("true", page.sample(), "rtl", "ltr"), ("false", arabic, "ltr", "rtl"),
                                             (None, arabic, "rtl", "rtl"), (None, page.sample(), "ltr", "ltr"),
-                                            ("true", {**arabic, "language": "auto"}, "rtl", "rtl")):
+                                            ("true", {**arabic, "language": "auto"}, "rtl", "ltr"),
+                                            (None, {**spoken, "language": "auto"}, "rtl", "rtl"),
+                                            ("true", {**spoken, "language": "en"}, "rtl", "rtl")):
             self.load(data, before=f"window.TUPPI_RTL={rtl};" if rtl else "")
             self.assertEqual(self.browser.get("[document.documentElement.dir, document.getElementById('lines').dir]"),
                              [direction, lines])

@@ -5,6 +5,7 @@
 #include "output/ViewerPage.h"
 #include "store/Jobs.h"
 #include "text/CleanFix.h"
+#include "text/Tasks.h"
 #include "text/Words.h"
 
 #include <QJsonArray>
@@ -92,6 +93,10 @@ int renameSpeaker(const Arguments &arguments)
         }
         if (!known)
             throw Failure(u"Nobody is called “"_s + old + u"” in this transcript."_s);
+        if (std::optional<Summary> &summary = correction.transcript.summary) {
+            summary->sentences = speakerRenamed(summary->sentences, old, name);
+            summary->tasks = speakerRenamed(summary->tasks, old, name);
+        }
     });
     answer(arguments, {{u"speaker"_s, name}, {u"changed"_s, changed}}, u"Renamed in %1 lines"_s.arg(changed));
     return 0;

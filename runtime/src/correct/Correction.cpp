@@ -31,7 +31,7 @@ Transcript firstTranscript(Database &database, const Job &job)
     transcript.lines = linesFrom(segments);
     transcript.clean = job.clean ? paragraphs(cleanSentences(segments, job.language)) : plainText(segments);
     if (job.analyze)
-        transcript.summary = extractSummary(cleanSentences(segments, job.language));
+        transcript.summary = extractSummary(cleanSentences(segments, job.language), job.language);
     return transcript;
 }
 

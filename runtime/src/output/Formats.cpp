@@ -171,11 +171,12 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
 
 QString summaryNote(const Summary &summary)
 {
-    if (!summary.model.isEmpty()) {
-        const QStringList note = QStringList{u"Written by the text model “%1”. It may be wrong: what was said stands in the full text."_s.arg(summary.model)} + summary.missing;
-        return note.join(u' ');
-    }
-    return u"No text model was used: these sentences were picked from the transcript as they were spoken."_s;
+    const QString maker =
+        summary.model.isEmpty()
+            ? u"No text model was used: these sentences were picked from the transcript as they were spoken."_s
+            : u"Written by the text model “%1”. It may be wrong: what was said stands in the full text."_s.arg(
+                  summary.model);
+    return (QStringList{maker} + summary.missing).join(u' ');
 }
 
 } // namespace engine

@@ -34,20 +34,6 @@ Mixture Mixture::of(const Cepstra &frames, int components)
     return mixture;
 }
 
-Mixture Mixture::joined(const Mixture &a, double framesOfA, const Mixture &b, double framesOfB)
-{
-    const auto share = float(framesOfA / (framesOfA + framesOfB));
-    Mixture mixture;
-    mixture.m_floor = share * a.m_floor + (1 - share) * b.m_floor;
-    mixture.m_means.resize(Eigen::NoChange, a.components() + b.components());
-    mixture.m_means << a.m_means, b.m_means;
-    mixture.m_variances.resize(Eigen::NoChange, a.components() + b.components());
-    mixture.m_variances << a.m_variances, b.m_variances;
-    mixture.m_weights.resize(a.components() + b.components());
-    mixture.m_weights << share * a.m_weights, (1 - share) * b.m_weights;
-    return mixture;
-}
-
 Eigen::MatrixXf Mixture::scores(const Eigen::Ref<const Cepstra> &frames) const
 {
     const Cepstra precisions = m_variances.cwiseInverse();

@@ -11,9 +11,6 @@ public:
     // Describes the frames, which are at least one. The same frames always give the same mixture.
     static Mixture of(const Cepstra &frames, int components);
 
-    // The components of both, weighted by how many frames each one stands for.
-    static Mixture joined(const Mixture &a, double framesOfA, const Mixture &b, double framesOfB);
-
     // Fits the mixture to the frames, going on from what it is.
     void fit(const Cepstra &frames, int rounds);
 

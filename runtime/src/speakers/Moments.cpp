@@ -36,6 +36,17 @@ Moments &Moments::operator-=(const Moments &other)
     return *this;
 }
 
+Moments Moments::limited(double most) const
+{
+    Moments made = *this;
+    if (m_count > most) {
+        made.m_count = most;
+        made.m_sum *= most / m_count;
+        made.m_products *= most / m_count;
+    }
+    return made;
+}
+
 Moments::Square Moments::covariance() const
 {
     if (m_count < 1)
@@ -51,9 +62,11 @@ double Moments::logDeterminant(const Square &usual) const
     return 2 * root.matrixLLT().diagonal().array().log().sum();
 }
 
-double VoiceMeasure::difference(const Moments &a, const Moments &b) const
+double VoiceMeasure::difference(const Moments &allOfA, const Moments &allOfB) const
 {
     constexpr double parameters = cepstrumSize + cepstrumSize * (cepstrumSize + 1) / 2.0;
+    const Moments a = allOfA.limited(mostFrames);
+    const Moments b = allOfB.limited(mostFrames);
     Moments both = a;
     both += b;
     const double gain = both.count() * both.logDeterminant(usual) - a.count() * a.logDeterminant(usual) -

@@ -18,6 +18,9 @@ public:
     Moments &operator+=(const Moments &other);
     Moments &operator-=(const Moments &other);
 
+    // The same moments, as if they were those of `most` frames where they are of more.
+    Moments limited(double most) const;
+
     double count() const { return m_count; }
     Square covariance() const;
 
@@ -39,10 +42,13 @@ struct VoiceMeasure
     // How much better two voices must explain the frames than one. 1 is the Bayesian information criterion;
     // more makes up for frames that follow each other being alike.
     double strictness = 1;
+    // As many frames of each side count. One person does not sound the same for ten minutes, and with enough
+    // frames every little change would be evidence for another person.
+    double mostFrames = 3000;
 
-    // How much better two Gaussians describe the frames of a and b than one does, less what the second one
+    // How much better two Gaussians describe the frames of both than one does, less what the second one
     // costs: above 0 when they sound like two voices.
-    double difference(const Moments &a, const Moments &b) const;
+    double difference(const Moments &allOfA, const Moments &allOfB) const;
 };
 
 } // namespace engine

@@ -92,13 +92,14 @@ class Paragraphs
 {
 public:
     // Appends a sentence; of another speaker than the last one's, it starts a paragraph.
-    void add(const std::vector<Word> &words, const QString &text, bool newSpeaker)
+    void add(const std::vector<Word> &words, const QString &text, const QString &speaker)
     {
+        const bool newSpeaker = !m_sentences.empty() && m_sentences.back().speaker != speaker;
         const qint64 pause = m_sentences.empty() ? 0 : words.front().startMs - m_sentences.back().endMs;
         const bool longEnough = m_inParagraph >= longParagraph && pause >= shortParagraphPauseMs;
         const bool starts = m_sentences.empty() || pause >= paragraphPauseMs || longEnough || newSpeaker;
         m_inParagraph = starts ? 1 : m_inParagraph + 1;
-        m_sentences.push_back({text, words.front().startMs, words.back().endMs, starts});
+        m_sentences.push_back({text, words.front().startMs, words.back().endMs, starts, speaker});
     }
 
     std::vector<Sentence> take() { return std::move(m_sentences); }
@@ -112,14 +113,11 @@ std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, bool 
 {
     const bool marks = hasMarks(stretches);
     Paragraphs paragraphs;
-    QString speaker;
     for (const Stretch &stretch : stretches) {
         const std::vector<Word> words =
             english ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
         for (const std::vector<Word> &said : sentencesOf(words, marks)) {
-            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english),
-                           stretch.speaker != speaker);
-            speaker = stretch.speaker;
+            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english), stretch.speaker);
         }
     }
     return paragraphs.take();

@@ -15,6 +15,7 @@ struct Sentence
     qint64 startMs = 0;
     qint64 endMs = 0;
     bool startsParagraph = false;
+    QString speaker = {}; // empty: not known
 };
 
 bool isEnglish(const QString &language);

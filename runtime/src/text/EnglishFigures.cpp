@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +34,22 @@ const QHash<QString, int> &smallNumbers()
         return found;
     }();
     return numbers;
+}
+
+bool isMonth(const QString &key)
+{
+    static const QStringList months =
+        u"january february march april may june july august september october november december"_s.split(u' ');
+    return months.contains(key);
+}
+
+// 1 to 20, and 30; 0 for other words.
+int ordinal(const QString &key)
+{
+    static const QStringList words =
+        u"first second third fourth fifth sixth seventh eighth ninth tenth eleventh twelfth thirteenth fourteenth "
+        "fifteenth sixteenth seventeenth eighteenth nineteenth twentieth"_s.split(u' ');
+    return key == u"thirtieth" ? 30 : int(words.indexOf(key)) + 1;
 }
 
 int ordinalUnit(const QString &key)
@@ -72,8 +89,7 @@ public:
     {
         std::vector<Word> made;
         for (size_t at = 0; at < m_words.size();) {
-            const std::optional<Written> time = pastHour(at);
-            const std::optional<Written> written = time ? time : figures(at);
+            const std::optional<Written> written = figuresAt(at);
             if (!written) {
                 made.push_back(m_words[at++]);
                 continue;
@@ -214,6 +230,79 @@ private:
         return std::nullopt;
     }
 
+    std::optional<Written> figuresAt(size_t at) const
+    {
+        if (const std::optional<Written> found = telephone(at))
+            return found;
+        if (const std::optional<Written> found = dayOfMonth(at))
+            return found;
+        const std::optional<Written> time = pastHour(at);
+        return time ? time : figures(at);
+    }
+
+    // A digit as it is read out: "oh" is one, too.
+    int digit(size_t at, bool first) const
+    {
+        const QString word = first ? m_parts[at].key() : key(at);
+        if (word == u"oh" || word == u"o")
+            return 0;
+        const int value = smallNumbers().value(word, -1);
+        return value <= 9 ? value : -1;
+    }
+
+    // Seven digits and more that were read out one by one; whoever counts goes up or down by one.
+    std::optional<Written> telephone(size_t at) const
+    {
+        constexpr qsizetype fewest = 7;
+        constexpr qsizetype most = 15;
+        QString text;
+        bool counts = true;
+        size_t end = at;
+        for (int last = -1; end < m_parts.size(); ++end) {
+            const int value = digit(end, end == at);
+            if (value < 0)
+                break;
+            counts = counts && (last < 0 || std::abs(value - last) == 1);
+            text += QString::number(value);
+            last = value;
+        }
+        if (counts || text.size() < fewest || text.size() > most || m_parts[at].key().startsWith(u'o'))
+            return std::nullopt;
+        if (text.size() == 7)
+            text.insert(3, u'-');
+        else if (text.size() == 10 && !text.startsWith(u'0'))
+            text.insert(6, u'-').insert(3, u'-');
+        return Written{text, end};
+    }
+
+    // "June fifth", "the fifth of June"; a larger day ("twenty third") is a number.
+    std::optional<Written> dayOfMonth(size_t at) const
+    {
+        static const QSet<QString> before{u"on"_s, u"by"_s, u"until"_s, u"since"_s, u"before"_s, u"of"_s, u"in"_s};
+        const int day = ordinal(m_parts[at].key());
+        if (day == 0 || !m_parts[at].lead.isEmpty())
+            return std::nullopt;
+        const QString month = keyBefore(at);
+        // "We may second that", "they march first".
+        const bool clear = (month != u"may" && month != u"march") ||
+                           (at > 1 && m_parts[at - 2].trail.isEmpty() && before.contains(m_parts[at - 2].key()));
+        const bool behind = isMonth(month) && clear;
+        const bool ahead = key(at + 1) == u"of" && isMonth(key(at + 2));
+        if (!behind && !ahead)
+            return std::nullopt;
+        return Written{QString::number(day) + ordinalEnding(day > 3 && day < 21 ? 0 : day % 10), at + 1};
+    }
+
+    // "five to ten", "nine or ten": the words stay together.
+    bool endsSmallRange(size_t at, qint64 value) const
+    {
+        const QString joint = keyBefore(at);
+        if (value > 20 || at < 2 || (joint != u"to" && joint != u"or"))
+            return false;
+        const int from = m_parts[at - 2].trail.isEmpty() ? smallNumbers().value(m_parts[at - 2].key(), -1) : -1;
+        return from > 0 && from < smallestFigure;
+    }
+
     static QString clock(qint64 hour, qint64 minute)
     {
         return u"%1:%2"_s.arg(hour).arg(minute, 2, 10, QChar(u'0'));
@@ -299,7 +388,7 @@ private:
         return unit == 1 ? u"st"_s : unit == 2 ? u"nd"_s : unit == 3 ? u"rd"_s : u"th"_s;
     }
 
-    std::optional<Written> single(const Number &number) const
+    std::optional<Written> single(size_t at, const Number &number) const
     {
         const qint64 value = number.value;
         const QString next = key(number.end);
@@ -319,7 +408,7 @@ private:
             return Written{exact.text + u'%', exact.end + (percent ? 1 : 2)};
         if (exact.end > number.end)
             return exact;
-        if (value < smallestFigure || number.article)
+        if (value < smallestFigure || number.article || endsSmallRange(at, value))
             return std::nullopt;
         return Written{figure(value), number.end};
     }
@@ -332,7 +421,7 @@ private:
             return std::nullopt;
         const Written asSaid{QString(), numbers.back().end};
         if (numbers.size() == 1)
-            return single(numbers[0]).value_or(asSaid);
+            return single(at, numbers[0]).value_or(asSaid);
         if (numbers.size() == 2) {
             if (const std::optional<Written> written = pair(at, numbers[0], numbers[1]))
                 return written;

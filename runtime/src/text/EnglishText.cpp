@@ -88,18 +88,23 @@ const QSet<QString> &monthsAndDays()
     return names;
 }
 
+// Written with a capital wherever they stand; words that mean something else as well (polish, turkey) are left out.
+const QSet<QString> &properNames()
+{
+    static const QSet<QString> names = setOf(
+        u"africa america asia australia austria belgium berlin brazil britain california canada denmark egypt england "
+        "europe finland florida france germany india ireland israel italy japan london mexico moscow norway paris "
+        "poland portugal russia scotland spain sweden switzerland ukraine washington african american asian australian "
+        "austrian belgian brazilian british canadian chinese danish dutch egyptian english european french german "
+        "greek indian irish italian japanese korean mexican norwegian portuguese russian scottish spanish swedish "
+        "ukrainian christmas easter google americans germans russians europeans canadians italians");
+    return names;
+}
+
 QString capitalised(const QString &word)
 {
     const WordParts parts(word);
     return parts.lead + parts.core.left(1).toUpper() + parts.core.mid(1) + parts.trail;
-}
-
-bool isDate(const QString &key)
-{
-    static const QSet<QString> ordinals =
-        setOf(u"first second third fourth fifth sixth seventh eighth ninth tenth eleventh twelfth thirteenth "
-              "fourteenth fifteenth sixteenth seventeenth eighteenth nineteenth twentieth thirtieth");
-    return ordinals.contains(key) || (!key.isEmpty() && key[0].isDigit());
 }
 
 bool isName(const QStringList &keys, qsizetype at)
@@ -111,11 +116,13 @@ bool isName(const QStringList &keys, qsizetype at)
         key.chop(2);
     else if (key.endsWith(u"days"))
         key.chop(1);
-    if (monthsAndDays().contains(key))
+    if (monthsAndDays().contains(key) || properNames().contains(key))
         return true;
     static const QSet<QString> before = setOf(u"in of since until last next early late mid");
+    const QString next = keys.value(at + 1);
+    const bool dayFollows = !next.isEmpty() && next[0].isDigit(); // it is a figure by now
     return (key == u"may" || key == u"march") &&
-           ((at > 0 && before.contains(keys[at - 1])) || (at + 1 < keys.size() && isDate(keys[at + 1])));
+           ((at > 0 && before.contains(keys[at - 1])) || dayFollows);
 }
 
 QStringList keysOf(const QStringList &words)

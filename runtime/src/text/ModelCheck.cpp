@@ -1,11 +1,10 @@
 #include "text/ModelCheck.h"
 
-#include <QHash>
 #include <QRegularExpression>
-#include <QSet>
-#include <QStringList>
 
 #include <algorithm>
+#include <iterator>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -18,20 +17,44 @@ constexpr double mostGrowth = 1.3;
 constexpr qsizetype smallGrowth = 40;
 constexpr qsizetype longestEnding = 3;
 constexpr qsizetype shortestStem = 4;
+constexpr qsizetype shortestName = 3;
 constexpr qsizetype shortestTelling = 4; // letters; shorter ones hold sentences together
 
-QStringList allWords(const QString &text)
+const QHash<QString, int> &tens()
+{
+    static const QHash<QString, int> words{{u"twenty"_s, 20}, {u"thirty"_s, 30},  {u"forty"_s, 40},  {u"fifty"_s, 50},
+                                           {u"sixty"_s, 60},  {u"seventy"_s, 70}, {u"eighty"_s, 80}, {u"ninety"_s, 90}};
+    return words;
+}
+
+} // namespace
+
+QStringList comparableWords(const QString &text)
 {
     static const QRegularExpression notWord(u"[^\\w']+"_s, QRegularExpression::UseUnicodePropertiesOption);
     static const QHash<QString, QString> figures{
         {u"one"_s, u"1"_s},  {u"two"_s, u"2"_s},  {u"three"_s, u"3"_s},   {u"four"_s, u"4"_s},
         {u"five"_s, u"5"_s}, {u"six"_s, u"6"_s},  {u"seven"_s, u"7"_s},   {u"eight"_s, u"8"_s},
         {u"nine"_s, u"9"_s}, {u"ten"_s, u"10"_s}, {u"eleven"_s, u"11"_s}, {u"twelve"_s, u"12"_s}};
-    QStringList words = text.toCaseFolded().replace(u'\u2019', u'\'').split(notWord, Qt::SkipEmptyParts);
-    for (QString &word : words)
-        word = figures.value(word, word);
+    static const QRegularExpression thousands(u"(?<=\\d)[,.'\u00a0\u202f](?=\\d{3}(?!\\d))"_s);
+    const QStringList said = text.toCaseFolded()
+                                 .replace(u'\u2019', u'\'')
+                                 .remove(thousands)
+                                 .split(notWord, Qt::SkipEmptyParts);
+    QStringList words;
+    int ten = 0;
+    for (const QString &word : said) {
+        words.append(figures.value(word, word));
+        if (ten > 0 && words.last().size() == 1 && words.last()[0].isDigit())
+            words.append(QString::number(ten + words.last().toInt()));
+        ten = tens().value(word);
+        if (ten > 0)
+            words.append(QString::number(ten));
+    }
     return words;
 }
+
+namespace {
 
 bool tells(const QString &word)
 {
@@ -48,31 +71,6 @@ bool alike(const QString &a, const QString &b)
            std::max(a.size(), b.size()) - stem <= longestEnding;
 }
 
-// The telling words of one text, asked whether they hold one of the other.
-class Vocabulary
-{
-public:
-    explicit Vocabulary(const QStringList &words)
-    {
-        for (const QString &word : words) {
-            m_words.insert(word);
-            m_byBeginning[word.left(shortestStem)].insert(word);
-        }
-    }
-
-    bool holds(const QString &word) const
-    {
-        if (m_words.contains(word))
-            return true;
-        const QSet<QString> near = m_byBeginning.value(word.left(shortestStem));
-        return std::ranges::any_of(near, [&](const QString &known) { return alike(word, known); });
-    }
-
-private:
-    QSet<QString> m_words;
-    QHash<QString, QSet<QString>> m_byBeginning;
-};
-
 bool denies(const QStringList &words)
 {
     static const QSet<QString> denials{u"not"_s,     u"never"_s,  u"cannot"_s,
@@ -81,14 +79,114 @@ bool denies(const QStringList &words)
         words, [](const QString &word) { return denials.contains(word) || word.endsWith(u"n't"); });
 }
 
+bool hasDigit(const QString &word)
+{
+    return std::ranges::any_of(word, [](QChar c) { return c.isDigit(); });
+}
+
+// Only its figures: "21st" is 21.
+QString figuresOf(QString word)
+{
+    word.removeIf([](QChar c) { return !c.isDigit(); });
+    return word;
+}
+
+bool numbersWereSaid(const QString &text, const Vocabulary &said, bool english)
+{
+    constexpr int smallest = 13; // outside of English
+    const QStringList words = comparableWords(text);
+    return std::ranges::all_of(words, [&](const QString &word) {
+        const QString figures = figuresOf(word);
+        return figures.isEmpty() || said.holds(word) || said.holds(figures) ||
+               word == u"1" || (!english && figures.toLongLong() < smallest);
+    });
+}
+
+struct Written
+{
+    QString word;
+    bool begins = false; // a sentence, or a quotation
+};
+
+std::vector<Written> wordsWritten(const QString &text)
+{
+    static const QRegularExpression word(u"[\\w'\u2019]+"_s, QRegularExpression::UseUnicodePropertiesOption);
+    static const QString ends = u".!?:\"\u201c\u201d\u201e\u00ab-\u2013\u2014(\u2022*"_s;
+    std::vector<Written> words;
+    qsizetype last = 0;
+    for (QRegularExpressionMatchIterator it = word.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        const QString between = text.sliced(last, match.capturedStart() - last);
+        const bool begins =
+            words.empty() || std::ranges::any_of(between, [](QChar c) { return ends.contains(c); });
+        words.push_back({match.captured(), begins});
+        last = match.capturedEnd();
+    }
+    return words;
+}
+
+bool isCapital(const QString &word)
+{
+    return word[0].isUpper() && word.size() > 1;
+}
+
+bool wasSaid(QString word, const Vocabulary &said, bool english)
+{
+    word = word.toCaseFolded().replace(u'\u2019', u'\'');
+    if (word.endsWith(u"'s"))
+        word.chop(2);
+    return said.holds(word) || said.holds(word + u"'s"_s) || (!english && said.holdsInflected(word));
+}
+
+// Words with which a sentence begins although nobody of that name is meant.
+bool isOrdinaryBeginning(const QString &word)
+{
+    static const QSet<QString> ordinary{u"it"_s,    u"this"_s,    u"that"_s,     u"there"_s,    u"they"_s,
+                                        u"he"_s,    u"she"_s,     u"we"_s,       u"you"_s,      u"everyone"_s,
+                                        u"nobody"_s, u"everybody"_s, u"somebody"_s, u"someone"_s, u"each"_s,
+                                        u"both"_s,  u"all"_s,     u"one"_s,      u"who"_s,      u"what"_s,
+                                        u"which"_s, u"management"_s, u"participant"_s, u"attendee"_s};
+    const QString key = word.toCaseFolded();
+    static const QSet<QString> names{u"james"_s, u"charles"_s, u"jones"_s, u"williams"_s};
+    const bool plural = key.endsWith(u's') && !key.endsWith(u"is") && !key.endsWith(u"as") && !key.endsWith(u"us");
+    return ordinary.contains(key) || (plural && !names.contains(key));
+}
+
 } // namespace
+
+Vocabulary::Vocabulary(const QStringList &words)
+{
+    for (const QString &word : words) {
+        m_words.insert(word);
+        m_byBeginning[word.left(shortestName)].insert(word);
+    }
+}
+
+bool Vocabulary::holds(const QString &word) const
+{
+    if (m_words.contains(word))
+        return true;
+    const QSet<QString> near = m_byBeginning.value(word.left(shortestName));
+    return std::ranges::any_of(near, [&](const QString &known) { return alike(word, known); });
+}
+
+bool Vocabulary::holdsInflected(const QString &name) const
+{
+    if (name.size() < shortestName || holds(name))
+        return holds(name);
+    const QSet<QString> near = m_byBeginning.value(name.left(shortestName));
+    return std::ranges::any_of(near, [&](const QString &known) {
+        const qsizetype stem = std::ranges::mismatch(name, known).in1 - name.begin();
+        return stem + 1 >= std::min(name.size(), known.size()) && std::max(name.size(), known.size()) <= stem + 2;
+    });
+}
 
 bool keepsWhatWasSaid(const QString &said, const QString &written)
 {
     if (written.size() > qsizetype(double(said.size()) * mostGrowth) + smallGrowth)
         return false;
-    const QStringList before = allWords(said);
-    const QStringList after = allWords(written);
+    const QStringList before = comparableWords(said);
+    const QStringList after = comparableWords(written);
     const Vocabulary known(before);
     if (!std::ranges::all_of(after, [&](const QString &word) { return !tells(word) || known.holds(word); }) ||
         denies(before) != denies(after))
@@ -98,6 +196,45 @@ bool keepsWhatWasSaid(const QString &said, const QString &written)
     const auto still =
         std::ranges::count_if(before, [&](const QString &word) { return tells(word) && kept.holds(word); });
     return !after.isEmpty() && double(still) >= fewestKept * double(telling);
+}
+
+bool namesOnlyWhatWasSaid(const QString &sentence, const Vocabulary &said, const QString &language)
+{
+    const bool english = language.startsWith(u"en");
+    if (!numbersWereSaid(sentence, said, english))
+        return false;
+    if (language.startsWith(u"de") || language.startsWith(u"lb"))
+        return true;
+    static const QSet<QString> doing{u"will"_s, u"must"_s, u"should"_s, u"has"_s, u"needs"_s, u"is"_s, u"was"_s};
+    const std::vector<Written> words = wordsWritten(sentence);
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (!isCapital(words[i].word) || hasDigit(words[i].word) || wasSaid(words[i].word, said, english))
+            continue;
+        // At the beginning any word has a capital: a name is told by what follows it.
+        const bool acts = english && i + 1 < words.size() && doing.contains(words[i + 1].word) &&
+                          !isOrdinaryBeginning(words[i].word);
+        const bool fullName = i + 1 < words.size() && !words[i + 1].begins && isCapital(words[i + 1].word) &&
+                              !wasSaid(words[i + 1].word, said, english);
+        const bool owns = english && (words[i].word.endsWith(u"'s") || words[i].word.endsWith(u"\u2019s"));
+        if (!words[i].begins || acts || fullName || owns)
+            return false;
+    }
+    return true;
+}
+
+bool titleFits(const QString &title, const Vocabulary &said, const QString &language)
+{
+    const std::vector<Written> words = wordsWritten(title);
+    std::vector<Written> telling;
+    std::ranges::copy_if(words, std::back_inserter(telling), [](const Written &one) { return tells(one.word); });
+    const bool allCapitals =
+        std::ranges::all_of(telling, [](const Written &one) { return isCapital(one.word) || hasDigit(one.word); });
+    if (!allCapitals)
+        return namesOnlyWhatWasSaid(title, said, language);
+    const bool english = language.startsWith(u"en");
+    const auto known =
+        std::ranges::count_if(telling, [&](const Written &one) { return wasSaid(one.word, said, english); });
+    return numbersWereSaid(title, said, english) && 2 * known >= std::ssize(telling);
 }
 
 } // namespace engine

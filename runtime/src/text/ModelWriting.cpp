@@ -91,6 +91,23 @@ std::optional<WrittenSummary> summaryOf(const QString &text, const QString &lang
     return written.summary.sentences.isEmpty() ? std::nullopt : std::optional(written);
 }
 
+// Paragraphs behind the name of whoever says them, so that a task can be given to a person.
+QString withSpeakers(const Part &part)
+{
+    QString text;
+    QString speaker;
+    for (const Sentence &sentence : part) {
+        const bool begins = sentence.speaker != speaker;
+        speaker = sentence.speaker;
+        if (!text.isEmpty())
+            text += begins || sentence.startsParagraph ? u"\n\n"_s : u" "_s;
+        if (!speaker.isEmpty() && (begins || sentence.startsParagraph))
+            text += speaker + u": "_s;
+        text += sentence.text;
+    }
+    return text;
+}
+
 QString clock(qint64 ms)
 {
     const qint64 seconds = ms / 1000;
@@ -104,6 +121,51 @@ QString missing(const Part &part)
     return u"What was said from %1 to %2 is missing here: the text model gave no answer that could be used."_s
         .arg(clock(part.front().startMs), clock(part.back().endMs));
 }
+
+// Without what names numbers or persons that were not said.
+class Checked
+{
+public:
+    Checked(const std::vector<Sentence> &sentences, QString language)
+        : m_language(std::move(language))
+    {
+        QString all;
+        for (const Sentence &sentence : sentences)
+            all += sentence.speaker + u' ' + sentence.text + u' ';
+        m_said = Vocabulary(comparableWords(all));
+    }
+
+    QStringList kept(const QStringList &items)
+    {
+        QStringList found;
+        for (const QString &item : items) {
+            if (namesOnlyWhatWasSaid(item, m_said, m_language))
+                found.append(item);
+            else
+                ++m_dropped;
+        }
+        return found;
+    }
+
+    QString keptTitle(const QString &title) const
+    {
+        return titleFits(title, m_said, m_language) ? title : QString();
+    }
+
+    QStringList note() const
+    {
+        if (m_dropped == 0)
+            return {};
+        return {m_dropped == 1
+                    ? u"One sentence of the text model was left out: it named what was not said."_s
+                    : u"%1 sentences of the text model were left out: they named what was not said."_s.arg(m_dropped)};
+    }
+
+private:
+    Vocabulary m_said;
+    QString m_language;
+    int m_dropped = 0;
+};
 
 void append(QStringList &list, const QStringList &more)
 {
@@ -145,20 +207,23 @@ std::optional<WrittenSummary> writtenSummary(const std::vector<Sentence> &senten
 {
     const std::vector<Part> parts = partsOf(sentences, summaryPart);
     const int steps = int(parts.size()) + (parts.size() > 1 ? 1 : 0);
+    Checked checked(sentences, language);
     WrittenSummary whole;
     for (size_t i = 0; i < parts.size(); ++i) {
         show(int(i), steps);
-        const QString text = paragraphs(parts[i]);
-        const std::optional<WrittenSummary> part =
+        const QString text = withSpeakers(parts[i]);
+        std::optional<WrittenSummary> part =
             text.size() <= 2 * summaryPart ? summaryOf(text, language, ask) : std::nullopt;
-        if (!part) {
+        if (part)
+            part->summary.sentences = checked.kept(part->summary.sentences);
+        if (!part || part->summary.sentences.isEmpty()) {
             whole.summary.missing.append(missing(parts[i]));
             continue;
         }
         append(whole.summary.sentences, part->summary.sentences);
-        append(whole.summary.tasks, part->summary.tasks);
+        append(whole.summary.tasks, checked.kept(part->summary.tasks));
         if (whole.title.isEmpty())
-            whole.title = part->title;
+            whole.title = checked.keptTitle(part->title);
     }
     if (whole.summary.sentences.isEmpty())
         return std::nullopt;
@@ -166,10 +231,13 @@ std::optional<WrittenSummary> writtenSummary(const std::vector<Sentence> &senten
     if (parts.size() > 1 && together.size() <= summaryPart) {
         show(int(parts.size()), steps);
         if (const std::optional<WrittenSummary> joined = summaryOf(together, language, ask)) {
-            whole.summary.sentences = joined->summary.sentences;
-            whole.title = joined->title.isEmpty() ? whole.title : joined->title;
+            const QStringList kept = checked.kept(joined->summary.sentences);
+            whole.summary.sentences = kept.isEmpty() ? whole.summary.sentences : kept;
+            const QString title = checked.keptTitle(joined->title);
+            whole.title = title.isEmpty() ? whole.title : title;
         }
     }
+    whole.summary.missing += checked.note();
     return whole;
 }
 

@@ -1,5 +1,7 @@
 #include "text/Summary.h"
 
+#include "text/Tasks.h"
+
 #include <QMap>
 #include <QRegularExpression>
 #include <QSet>
@@ -15,7 +17,6 @@ namespace {
 
 constexpr size_t sentencesPerPick = 6;
 constexpr size_t mostPicks = 7;
-constexpr qsizetype mostTasks = 20;
 constexpr qsizetype fewestWords = 4; // of a sentence that says something on its own
 constexpr size_t mostHolders = 300;  // sentences; a word that more of them hold tells nothing
 constexpr int rounds = 30;           // after which the order does not change any more
@@ -110,19 +111,9 @@ std::vector<double> scores(const std::vector<Sentence> &sentences)
     return score;
 }
 
-bool speaksOfDuty(const Sentence &sentence)
-{
-    static const QRegularExpression duty(
-        u"\\b(need(s)? to|have to|has to|must|should|ought to|i will|i'll|we will|we'll|you will|going "
-        u"to|please|"
-        "remember to|don't forget|make sure|let's|by (monday|tuesday|wednesday|thursday|friday|saturday|sunday))\\b"_s,
-        QRegularExpression::CaseInsensitiveOption);
-    return wordsOf(sentence).size() >= fewestWords && duty.match(sentence.text).hasMatch();
-}
-
 } // namespace
 
-Summary extractSummary(const std::vector<Sentence> &sentences)
+Summary extractSummary(const std::vector<Sentence> &sentences, const QString &language)
 {
     const std::vector<double> score = scores(sentences);
     std::vector<size_t> order(sentences.size());
@@ -135,10 +126,9 @@ Summary extractSummary(const std::vector<Sentence> &sentences)
     Summary summary;
     for (const size_t index : order)
         summary.sentences.append(sentences[index].text);
-    for (const Sentence &sentence : sentences) {
-        if (summary.tasks.size() < mostTasks && speaksOfDuty(sentence))
-            summary.tasks.append(sentence.text);
-    }
+    summary.tasks = extractTasks(sentences, language);
+    if (!tellsTasks(language))
+        summary.missing.append(u"Without a text model, tasks are not looked for in this language."_s);
     return summary;
 }
 

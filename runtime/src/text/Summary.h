@@ -11,11 +11,11 @@ namespace engine {
 struct Summary
 {
     QStringList sentences;    // picked out: those that share most with the rest
-    QStringList tasks;        // what is to be done
+    QStringList tasks;        // what is to be done, picked out with the name of who says it
     QString model = {};       // the text model that wrote it; empty: picked out
-    QStringList missing = {}; // sentences that tell which parts it does not cover
+    QStringList missing = {}; // sentences that tell what it lacks
 };
 
-Summary extractSummary(const std::vector<Sentence> &sentences);
+Summary extractSummary(const std::vector<Sentence> &sentences, const QString &language);
 
 } // namespace engine

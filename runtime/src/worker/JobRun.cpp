@@ -320,7 +320,7 @@ void JobRun::write(Transcript &transcript, const std::vector<Segment> &segments)
     enter(Status::analyzing);
     const std::optional<WrittenSummary> written =
         model.chosen() ? writtenSummary(sentences, language, ask, show) : std::nullopt;
-    transcript.summary = written ? written->summary : extractSummary(sentences);
+    transcript.summary = written ? written->summary : extractSummary(sentences, language);
     if (written) {
         transcript.summary->model = model.name();
         m_title = written->title;

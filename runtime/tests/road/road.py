@@ -30,7 +30,7 @@ SAMPLE_TEXT = os.path.join(SOURCE, "samples", "interview.txt")
 HUMAN = "/usr/share/pocketsphinx/test/data/librivox"
 
 # Nothing here is timed: this is only how long a condition may stay unmet before the test gives up.
-PATIENCE = float(os.environ.get("ROAD_PATIENCE", "180"))
+PATIENCE = float(os.environ.get("ROAD_PATIENCE", "600"))
 
 ACTIVE = ("queued", "transcribing", "analyzing", "cleaning")
 ENDED = ("ready", "failed", "cancelled")

@@ -14,9 +14,8 @@ std::vector<Sentence> longTalk(int sentences)
 {
     std::vector<Sentence> talk;
     for (int i = 0; i < sentences; ++i)
-        talk.push_back(
-            {u"Sentence number %1 tells something about the school that will open."_s.arg(1000 + i), i * 5000,
-             i * 5000 + 4000, i % 5 == 0});
+        talk.push_back({u"Sentence number %1 tells something about part %2 of the school."_s.arg(1000 + i).arg(i % 20), i * 5000,
+                        i * 5000 + 4000, i % 5 == 0});
     return talk;
 }
 
@@ -121,6 +120,21 @@ TEST(ModelWriting, summariesOfPartsBecomeOne)
     EXPECT_TRUE(written->summary.missing.isEmpty());
 }
 
+TEST(ModelWriting, theSummaryIsAskedForWithTheSpeakers)
+{
+    QString asked;
+    writtenSummary({{u"We need a roof."_s, 0, 1000, true, u"Speaker 1"_s},
+                    {u"Yes."_s, 1500, 2000, false, u"Speaker 1"_s},
+                    {u"I will build it."_s, 3000, 4000, true, u"Bo"_s}},
+                   u"en"_s,
+                   [&](const ModelQuestion &question) {
+                       asked = question.text;
+                       return std::optional(uR"({"summary": ["Bo builds a roof."]})"_s);
+                   },
+                   &showNothing);
+    EXPECT_EQ(asked, u"Speaker 1: We need a roof. Yes.\n\nBo: I will build it."_s);
+}
+
 TEST(ModelWriting, aPartWithoutAnAnswerIsToldOf)
 {
     int asked = 0;
@@ -133,6 +147,86 @@ TEST(ModelWriting, aPartWithoutAnAnswerIsToldOf)
     ASSERT_TRUE(written);
     ASSERT_EQ(written->summary.missing.size(), 1);
     EXPECT_TRUE(written->summary.missing[0].startsWith(u"What was said from 00:0"));
+}
+
+struct NameCase
+{
+    const char *language;
+    const char *said;
+    const char *written;
+    bool kept;
+};
+
+void PrintTo(const NameCase &one, std::ostream *out)
+{
+    *out << one.written;
+}
+
+class SummaryCheck : public testing::TestWithParam<NameCase>
+{
+};
+
+TEST_P(SummaryCheck, letsNoNumberAndNoNameIn)
+{
+    const NameCase &one = GetParam();
+    const Vocabulary said(comparableWords(QString::fromUtf8(one.said)));
+    EXPECT_EQ(namesOnlyWhatWasSaid(QString::fromUtf8(one.written), said, QString::fromUtf8(one.language)), one.kept);
+}
+
+constexpr const char *school = "We met Anna's team in June. The school costs 12,500 euros, twenty five rooms are done.";
+
+INSTANTIATE_TEST_SUITE_P(
+    English, SummaryCheck,
+    testing::Values(NameCase{"en", school, "Participants discussed the cost of the school.", true},
+                    NameCase{"en", school, "The school costs 12500 euros and has 25 rooms.", true},
+                    NameCase{"en", school, "The school has twenty-five rooms.", true},
+                    NameCase{"en", school, "The school costs 15,000 euros.", false},
+                    NameCase{"en", school, "The school has thirty five rooms.", false},
+                    NameCase{"en", school, "It is one of the schools that Anna knows.", true},
+                    NameCase{"en", school, "Anna will call the team.", true},
+                    NameCase{"en", school, "Boris will call the team.", false},
+                    NameCase{"en", school, "The team met Boris in June.", false},
+                    NameCase{"en", school, "Boris's team was met.", false},
+                    NameCase{"en", school, "John Miller spoke of rooms.", false},
+                    NameCase{"en", school, "They will open the rooms.", true},
+                    NameCase{"en", school, "Call Anna.", true}));
+
+INSTANTIATE_TEST_SUITE_P(
+    OtherLanguages, SummaryCheck,
+    testing::Values(NameCase{"de", "die drei Kinder kamen 2019", "Drei Kinder (3) kamen 2019.", true},
+                    NameCase{"de", "die drei Kinder kamen 2019", "Drei Kinder kamen 2018.", false},
+                    NameCase{"de", "die drei Kinder kamen", "Die Ankunft der Kinder.", true},
+                    NameCase{"fr", "nous avons vu Marie", "On parle de Marie.", true},
+                    NameCase{"fr", "nous avons vu Marie", "On parle de Paul.", false},
+                    NameCase{"ru", "мы видели Анну в Киеве", "Говорят об Анне и Киеве.", true},
+                    NameCase{"ru", "мы видели Анну в Киеве", "Говорят о Борисе.", false}));
+
+TEST(ModelWriting, titlesNameWhatWasSaid)
+{
+    const Vocabulary said(comparableWords(QString::fromUtf8(school)));
+    EXPECT_TRUE(titleFits(u"The cost of the school"_s, said, u"en"_s));
+    EXPECT_TRUE(titleFits(u"School Cost Meeting"_s, said, u"en"_s));
+    EXPECT_FALSE(titleFits(u"Budget Planning Workshop"_s, said, u"en"_s));
+    EXPECT_FALSE(titleFits(u"A talk with Boris"_s, said, u"en"_s));
+    EXPECT_FALSE(titleFits(u"School 2031"_s, said, u"en"_s));
+}
+
+TEST(ModelWriting, whatTheModelInventsIsLeftOutAndToldOf)
+{
+    const auto summarised = [](const QString &answer) {
+        return writtenSummary(
+            longTalk(3), u"en"_s, [&](const ModelQuestion &) { return std::optional(answer); }, &showNothing);
+    };
+    const auto written = summarised(
+        uR"({"title": "The plans of Boris", "summary": ["A school is described.", "It costs 700 euros."],
+             "tasks": ["Call Boris.", "Describe the school."]})"_s);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->summary.sentences, QStringList{u"A school is described."_s});
+    EXPECT_EQ(written->summary.tasks, QStringList{u"Describe the school."_s});
+    EXPECT_TRUE(written->title.isEmpty());
+    ASSERT_EQ(written->summary.missing.size(), 1);
+    EXPECT_TRUE(written->summary.missing[0].startsWith(u"2 sentences"));
+    EXPECT_FALSE(summarised(uR"({"summary": ["It costs 700 euros."]})"_s));
 }
 
 TEST(ModelWriting, withoutAnyAnswerThereIsNoSummary)

@@ -52,12 +52,12 @@ Moments momentsOf(const Cepstra &frames)
     return moments;
 }
 
-std::vector<int> grouped(const std::vector<int> &voices)
+std::vector<int> grouped(const std::vector<int> &voices, int frames)
 {
     std::vector<Cepstra> parts;
     std::vector<Moments> items;
     for (const int number : voices) {
-        parts.push_back(voice(number, 2000, unsigned(parts.size() + 1)));
+        parts.push_back(voice(number, frames, unsigned(parts.size() + 1)));
         items.push_back(momentsOf(parts.back()));
     }
     return groupsByVoice(items, measureOf(together(parts), 1.8), [] {});
@@ -78,13 +78,32 @@ TEST(Moments, whatIsAddedCanBeTakenAway)
     EXPECT_TRUE(both.covariance().isApprox(momentsOf(voice(0, 100)).covariance(), 1e-6));
 }
 
+// Turns of twenty seconds of sound, and of one and a half.
 TEST(Grouping, findsAsManyVoicesAsThereAre)
 {
-    EXPECT_EQ(grouped({0}), (std::vector{0}));
-    EXPECT_EQ(grouped({0, 0, 0, 0, 0, 0}), (std::vector{0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(grouped({3, 1, 3, 1}), (std::vector{0, 1, 0, 1}));
-    EXPECT_EQ(grouped({0, 1, 2, 1, 0, 3, 2}), (std::vector{0, 1, 2, 1, 0, 3, 2}));
+    for (const int frames : {2000, 150}) {
+        SCOPED_TRACE(frames);
+        EXPECT_EQ(grouped({0}, frames), (std::vector{0}));
+        EXPECT_EQ(grouped({0, 0, 0, 0, 0, 0}, frames), (std::vector{0, 0, 0, 0, 0, 0}));
+        std::vector<int> turns{3, 1, 3, 1, 3, 1, 3, 1, 3, 1, 3, 1};
+        std::vector<int> expected{0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1};
+        EXPECT_EQ(grouped(turns, frames), expected);
+    }
+    EXPECT_EQ(grouped({0, 1, 2, 1, 0, 3, 2}, 2000), (std::vector{0, 1, 2, 1, 0, 3, 2}));
     EXPECT_TRUE(groupsByVoice({}, {}, [] {}).empty());
+}
+
+// Half an hour of a voice that drifts a little is no second voice; one that is as long and another is.
+TEST(Grouping, lengthAloneMakesNoSecondVoice)
+{
+    const auto difference = [](const Cepstra &a, const Cepstra &b) {
+        return measureOf(together({a, b}), 1.8).difference(momentsOf(a), momentsOf(b));
+    };
+    Cepstra drifted = voice(0, 60000, 2);
+    drifted.array() += 0.12F;
+    EXPECT_LT(difference(voice(0, 60000), drifted), 0);
+    EXPECT_GT(difference(voice(0, 60000), voice(1, 60000)), 0);
+    EXPECT_GT(difference(voice(0, 60000), voice(1, 2000)), 0);
 }
 
 TEST(Grouping, canBeStopped)

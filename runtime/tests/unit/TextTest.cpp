@@ -152,7 +152,27 @@ INSTANTIATE_TEST_SUITE_P(
                     EnglishCase{"one two three", "One two three."},
                     EnglishCase{"twenty four seven", "Twenty four seven."},
                     EnglishCase{"fifty fifty", "Fifty fifty."},
-                    EnglishCase{"twenty | three", "20. Three."}));
+                    EnglishCase{"twenty | three", "20. Three."}, EnglishCase{"five to ten minutes", "Five to ten minutes."},
+                    EnglishCase{"nine or ten of them", "Nine or ten of them."},
+                    EnglishCase{"ten to fifteen people", "10 to 15 people."},
+                    EnglishCase{"twenty one of them", "21 of them."},
+                    EnglishCase{"one point five million people", "1.5 million people."},
+                    EnglishCase{"half past three", "3:30."}, EnglishCase{"half of them", "Half of them."},
+                    EnglishCase{"no one knows", "No one knows."}, EnglishCase{"for one thing", "For one thing."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    DatesAndTelephones, English,
+    testing::Values(EnglishCase{"on june fifth", "On June 5th."}, EnglishCase{"by june first", "By June 1st."},
+                    EnglishCase{"the third of may", "The 3rd of May."},
+                    EnglishCase{"the twenty second of march", "The 22nd of March."},
+                    EnglishCase{"on may second", "On May 2nd."}, EnglishCase{"we may second that", "We may second that."},
+                    EnglishCase{"the twelfth of august", "The 12th of August."},
+                    EnglishCase{"the first of them", "The first of them."},
+                    EnglishCase{"call five five five one two three four", "Call 555-1234."},
+                    EnglishCase{"it is two one two five five five oh one nine nine", "It is 212-555-0199."},
+                    EnglishCase{"zero three oh two two four four five nine one six", "03022445916."},
+                    EnglishCase{"one two three four five six seven", "One two three four five six seven."},
+                    EnglishCase{"oh one of them", "Oh one of them."}));
 
 INSTANTIATE_TEST_SUITE_P(
     Hesitation, English,
@@ -167,7 +187,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Capitals, English,
-    testing::Values(EnglishCase{"on sundays i'd rest", "On Sundays I'd rest."},
+    testing::Values(EnglishCase{"the german team from london", "The German team from London."},
+                    EnglishCase{"europe's polish and turkey", "Europe's polish and turkey."},
+                    EnglishCase{"i think i'd go and i'll stay", "I think I'd go and I'll stay."},
+                    EnglishCase{"on sundays i'd rest", "On Sundays I'd rest."},
                     EnglishCase{"monday's train in may", "Monday's train in May."},
                     EnglishCase{"we may march home", "We may march home."},
                     EnglishCase{"on may twenty third", "On May 23rd."}));
@@ -212,7 +235,7 @@ TEST(Summary, picksWordForWordAndInOrder)
     std::vector<Segment> segments;
     for (const QString &text : said)
         segments.push_back(spoken(int(segments.size()), qint64(segments.size()) * 60000, text));
-    EXPECT_EQ(extractSummary(cleanSentences(segments, u"en"_s)).sentences,
+    EXPECT_EQ(extractSummary(cleanSentences(segments, u"en"_s), u"en"_s).sentences,
               (QStringList{u"The library lends books to the whole town."_s,
                            u"The town loves the library and its books."_s}));
 }
@@ -223,13 +246,13 @@ TEST(Summary, sentencesOfDutyAreTasks)
                                                             spoken(1, 60000, u"the roof was red"_s),
                                                             spoken(2, 120000, u"please send me the text"_s)},
                                                            u"en"_s);
-    EXPECT_EQ(extractSummary(sentences).tasks,
+    EXPECT_EQ(extractSummary(sentences, u"en"_s).tasks,
               (QStringList{u"We need to repair the roof."_s, u"Please send me the text."_s}));
 }
 
 TEST(Summary, ofNothingIsEmpty)
 {
-    EXPECT_TRUE(extractSummary({}).sentences.isEmpty());
+    EXPECT_TRUE(extractSummary({}, u"en"_s).sentences.isEmpty());
 }
 
 } // namespace engine

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "text/CleanText.h"
+
+#include <QString>
+#include <QStringList>
+
+// Tasks as they were spoken: found by verbs of duty, requests, promises and dates.
+namespace engine {
+
+// Whether tasks can be told in this language.
+bool tellsTasks(const QString &language);
+
+// Whole sentences, word for word, each behind the name of whoever says it where that is known. An answer that only
+// gives the date ("By Tuesday.") stands behind the task that it belongs to. Where there are very many, those with a
+// date are kept.
+QStringList extractTasks(const std::vector<Sentence> &sentences, const QString &language);
+
+// Tasks or sentences of a summary, with another name for a speaker: where it stands for who says something, and, of a
+// name that the engine gave ("Speaker 1"), wherever it stands.
+QStringList speakerRenamed(QStringList texts, const QString &oldName, const QString &newName);
+
+} // namespace engine
