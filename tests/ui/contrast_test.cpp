@@ -109,6 +109,7 @@ const QList<Pair> &pairsOfTheOthers()
         {"panel while files are over it", navy, paleCard, text},
         {"hints of the panel while files are over it", slate, paleCard, text},
         {"warning sign of a sheet", attention, white, mark},
+        {"edge of a sheet", pillBorder, white, mark},
         {"box to tick", pillBorder, white, mark},
         {"tick", white, accentBlue, mark},
         // Settings, About, Acknowledgements
