@@ -41,6 +41,7 @@ struct RowLook
     QList<RowButton> buttons;
     bool activeCard = false;
     bool selected = false; ///< the view's own state: the rule leaves it false
+    bool focused = false;  ///< so is this: selected, and the list's keys are meant for it
     QString accessibleName;
 
     bool hasBar() const { return progress > -2; }

@@ -16,13 +16,16 @@ using namespace Qt::StringLiterals;
 EnginePane::EnginePane(QWidget *parent)
     : QWidget(parent)
     , m_summary(new WrapLabel)
-    , m_list(new QVBoxLayout)
 {
     m_summary->setObjectName("healthSummary"_L1);
     m_summary->setFont(Rounded(15, QFont::DemiBold));
     m_summary->setPreferredWidth(PaneMetrics::width - PaneMetrics::margins.left() - PaneMetrics::margins.right());
     setSummary(HealthChecking());
+    auto *checks = new QWidget; // their place among what is read, though they come later
+    m_list = new QVBoxLayout(checks);
+    m_list->setContentsMargins(0, 0, 0, 0);
     m_list->setSpacing(6);
+    checks->hide();
     PillButton *again = paneButton(L(u"Check Again"_s), u"refreshHealth"_s);
     PillButton *log = paneButton(L(u"Open Install Log"_s), u"openInstallLog"_s);
     for (PillButton *button : {again, log})
@@ -30,7 +33,7 @@ EnginePane::EnginePane(QWidget *parent)
 
     QVBoxLayout *column = paneColumn(this, 14);
     column->addWidget(m_summary);
-    column->addLayout(m_list);
+    column->addWidget(checks);
     column->addWidget(sideBySide({again, log}), 0, Qt::AlignLeading);
     column->addLayout(paneHint(L(u"If something shows ✗, run the installer again — it repairs missing parts and keeps your transcripts."_s)));
 }
@@ -57,6 +60,7 @@ void EnginePane::setReport(const HealthReport &report)
         label->setText(direction + line.text);
         m_list->addWidget(label);
     }
+    m_list->parentWidget()->setVisible(!report.lines.isEmpty());
     setSummary(report.summary);
 }
 

@@ -29,7 +29,7 @@ Q_SIGNALS:
 
 private:
     WrapLabel *m_summary;
-    QVBoxLayout *m_list;
+    QVBoxLayout *m_list = nullptr;
 };
 
 } // namespace tuppi

@@ -60,12 +60,15 @@ ModelsPane::ModelsPane(QWidget *parent)
 
 void ModelsPane::addSpeechModels(QVBoxLayout *column)
 {
-    m_list = new QVBoxLayout;
+    auto *models = new QWidget; // their place among what is read, though they come later
+    m_list = new QVBoxLayout(models);
+    m_list->setContentsMargins(0, 0, 0, 0);
     m_list->setSpacing(lineGap);
     PillButton *add = paneButton(L(u"Add Model…"_s), u"addCustomModel"_s);
     connect(add, &QAbstractButton::clicked, this, &ModelsPane::addRequested);
     column->addWidget(paneTitle(L(u"Speech models"_s), u"speechModelsTitle"_s));
-    column->addLayout(m_list);
+    column->addWidget(models);
+    m_below.append(add);
     column->addWidget(add, 0, Qt::AlignLeading);
     column->addLayout(paneHint(L(u"Add any Whisper- or Parakeet-compatible model in Apple's MLX format from Hugging Face, for "
                                  "example mlx-community/whisper-large-v3-mlx. Tuppi downloads it, checks it, and lists it in "
@@ -95,7 +98,10 @@ void ModelsPane::addTextModel(QVBoxLayout *column)
     m_status->setColour(ColourOf(Tone::News));
     m_status->setPreferredWidth(statusWidth);
 
-    column->addWidget(paneTitle(title, u"textModelTitle"_s));
+    ElidedLabel *heading = paneTitle(title, u"textModelTitle"_s);
+    heading->setBuddy(m_textModels);
+    m_below += {m_textModels, m_pull, pull};
+    column->addWidget(heading);
     column->addWidget(m_textModels, 0, Qt::AlignLeading);
     column->addLayout(paneHint(L(u"Writes the summaries, tasks and titles. It runs in Ollama on this Mac. A smaller model is "
                                  "faster on Macs with 16 GB of memory."_s)));
@@ -139,8 +145,15 @@ void ModelsPane::setModels(const ModelLines &lines)
         label->setObjectName("builtInModel"_L1);
         m_list->addWidget(label);
     }
-    for (const CustomModelLine &line : lines.custom)
-        m_list->addWidget(customLine(line));
+    QList<QWidget *> stops; // Tab follows the lines, though they are younger than what is below
+    for (const CustomModelLine &line : lines.custom) {
+        QWidget *whole = customLine(line);
+        m_list->addWidget(whole);
+        stops.append(whole->findChild<PillButton *>());
+    }
+    stops += m_below;
+    for (qsizetype next = 1; next < stops.size(); ++next)
+        setTabOrder(stops.at(next - 1), stops.at(next));
 }
 
 void ModelsPane::setTextModels(const QStringList &names, const QString &current)

@@ -4,13 +4,19 @@
 #include "ui/ModelCard.h"
 #include "ui/RowView.h"
 #include "ui/SkyBar.h"
+#include "ui/TabAccessibility.h"
 #include "ui/TranscriptList.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QPushButton>
+#include <QTabBar>
 
 namespace tuppi {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -130,11 +136,34 @@ public:
         QAccessible::State state = QAccessibleWidget::state();
         state.selectable = true;
         state.selected = row()->isSelected();
+        state.focusable = list() != nullptr;
+        state.focused = list() && list()->hasFocus() && row()->isSelected();
         return state;
+    }
+
+    QStringList actionNames() const override { return {setFocusAction(), showMenuAction()}; }
+
+    void doAction(const QString &name) override
+    {
+        if (!list())
+            return;
+        list()->focusRow(row());
+        if (name == showMenuAction()) {
+            const QPoint centre = row()->rect().center();
+            QContextMenuEvent asked(QContextMenuEvent::Keyboard, centre, row()->mapToGlobal(centre));
+            QCoreApplication::sendEvent(row(), &asked);
+        }
     }
 
 private:
     RowView *row() const { return static_cast<RowView *>(widget()); }
+
+    /// The row is its viewport's child; none when it stands somewhere else.
+    TranscriptList *list() const
+    {
+        const QWidget *viewport = row()->parentWidget();
+        return viewport ? qobject_cast<TranscriptList *>(viewport->parentWidget()) : nullptr;
+    }
 
     QList<QWidget *> parts() const
     {
@@ -144,6 +173,23 @@ private:
         for (QPushButton *button : row()->buttons())
             parts.append(button);
         return parts;
+    }
+};
+
+/// The keyboard is on the selected row, which gets its keys from the list.
+class ListInterface : public QAccessibleWidget
+{
+public:
+    explicit ListInterface(TranscriptList *list)
+        : QAccessibleWidget(list, QAccessible::List)
+    {
+    }
+
+    QAccessibleInterface *focusChild() const override
+    {
+        const auto *list = static_cast<TranscriptList *>(widget());
+        RowView *row = list->hasFocus() ? list->viewAt(list->selectedIndex()) : nullptr;
+        return row ? QAccessible::queryAccessibleInterface(row) : QAccessibleWidget::focusChild();
     }
 };
 
@@ -164,7 +210,15 @@ public:
     }
 };
 
-QAccessibleInterface *controlInterface(const QString &, QObject *object)
+/// Windows that are plain widgets have no role for the toolkit.
+QAccessibleInterface *windowInterface(QWidget *widget)
+{
+    if (widget->windowType() == Qt::Window && widget->isWindow())
+        return new QAccessibleWidget(widget, QAccessible::Window);
+    return widget->windowType() == Qt::Dialog ? new QAccessibleWidget(widget, QAccessible::Dialog) : nullptr;
+}
+
+QAccessibleInterface *controlInterface(const QString &key, QObject *object)
 {
     if (auto *bar = qobject_cast<SkyBar *>(object))
         return new BarInterface(bar);
@@ -176,8 +230,10 @@ QAccessibleInterface *controlInterface(const QString &, QObject *object)
         return new DecorationInterface(mascot);
     // As a scroll area, which it is to the toolkit, it would have no role.
     if (auto *list = qobject_cast<TranscriptList *>(object))
-        return new QAccessibleWidget(list, QAccessible::List);
-    return nullptr;
+        return new ListInterface(list);
+    if (auto *tabs = qobject_cast<QTabBar *>(object))
+        return new TabsInterface(tabs);
+    return key == "QWidget"_L1 ? windowInterface(static_cast<QWidget *>(object)) : nullptr;
 }
 
 } // namespace

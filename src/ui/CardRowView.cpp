@@ -2,6 +2,7 @@
 
 #include "ui/Colours.h"
 #include "ui/Metrics.h"
+#include "ui/Painting.h"
 
 #include <QPainter>
 
@@ -39,10 +40,23 @@ void CardRowView::setSelected(bool selected)
     update();
 }
 
+void CardRowView::setShowsFocus(bool shown)
+{
+    if (m_showsFocus == shown)
+        return;
+    m_showsFocus = shown;
+    update();
+}
+
 void CardRowView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     paintCardRow(painter, QRectF(rect()), m_activeCard, m_selected);
+    if (!m_showsFocus)
+        return;
+    constexpr int inset = Metrics::cardFocusInset; // clear of the outline, which may be there too
+    const QRectF ring = QRectF(rect()).adjusted(inset, Metrics::cardInsetY + inset, -inset, -Metrics::cardInsetY - inset);
+    drawFocusRing(painter, ring, Metrics::cardRadius - inset);
 }
 
 } // namespace tuppi

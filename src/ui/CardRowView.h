@@ -8,7 +8,7 @@ namespace tuppi {
 /// on, and faintly while it is merely selected.
 void paintCardRow(QPainter &painter, const QRectF &bounds, bool activeCard, bool selected);
 
-/// A row that paints that ground.
+/// A row that paints that ground, with a ring inside the card while the keyboard is on it.
 class CardRowView : public QWidget
 {
     Q_OBJECT
@@ -19,6 +19,8 @@ public:
     void setActiveCard(bool active);
     bool isSelected() const { return m_selected; }
     void setSelected(bool selected);
+    bool showsFocus() const { return m_showsFocus; }
+    void setShowsFocus(bool shown);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -26,6 +28,7 @@ protected:
 private:
     bool m_activeCard = false;
     bool m_selected = false;
+    bool m_showsFocus = false;
 };
 
 } // namespace tuppi

@@ -32,7 +32,7 @@ inline constexpr QColor paleYellow{255, 241, 194};
 // Progress, drop area, focus
 inline constexpr QColor progressTrack{221, 232, 247};
 inline constexpr QColor dropDash{157, 189, 230};
-inline constexpr QColor focusRing{92, 159, 240};
+inline constexpr QColor focusRing{46, 121, 214};
 
 /// The same colour at an opacity between 0 and 1, on top of its own.
 inline QColor withOpacity(QColor colour, double opacity)

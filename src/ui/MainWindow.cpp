@@ -18,6 +18,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -51,6 +52,7 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     ground.setColor(QPalette::Window, Colours::window);
     setPalette(ground);
     buildMenuBar();
+    addMenuKey();
     buildContent(stage);
     const int menuHeight = menuBar()->isNativeMenuBar() ? 0 : menuBar()->sizeHint().height();
     setMinimumSize(Metrics::windowMinimumWidth, Metrics::windowMinimumHeight + menuHeight);
@@ -84,6 +86,13 @@ void MainWindow::buildMenuBar()
             });
         }
     }
+}
+
+/// As on every desktop; the toolkit knows only the Alt key.
+void MainWindow::addMenuKey()
+{
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this,
+            [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
 }
 
 void MainWindow::performForFocus(const QString &action)
@@ -216,6 +225,8 @@ void MainWindow::openRowMenu(const QString &key, const QPoint &position)
         connect(action, &QAction::triggered, this,
                 [this, target, name = item.action] { Q_EMIT rowCommand(target, name); });
     }
+    // A choice that an assistive tool makes would leave it open, above the sheet that asks.
+    connect(menu, &QMenu::triggered, menu, &QMenu::close);
     menu->popup(position);
 }
 

@@ -57,6 +57,7 @@ protected:
 
 private:
     void buildMenuBar();
+    void addMenuKey();
     void buildContent(Stage &stage);
     QWidget *buildEmptyState(Stage &stage);
     void performForFocus(const QString &action);

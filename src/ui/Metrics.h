@@ -35,6 +35,7 @@ inline constexpr int cardInsetX = 1;
 inline constexpr int cardInsetY = 5;
 inline constexpr double cardRadius = 20;
 inline constexpr double cardOutline = 2;
+inline constexpr int cardFocusInset = 3;
 inline constexpr double selectedOpacity = 0.35;
 inline constexpr int rowMargin = 14;
 inline constexpr int rowIconWidth = 64;

@@ -80,6 +80,7 @@ void RowView::setLook(const RowLook &look)
     m_look = look;
     setActiveCard(look.activeCard);
     setSelected(look.selected);
+    setShowsFocus(look.focused);
     if (!ownsIcon || before.pose != look.pose || before.animated != look.animated ||
         before.mascotKey != look.mascotKey)
         showIcon();

@@ -32,7 +32,7 @@ void SlimScrollBar::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isSliderDown() || testAttribute(Qt::WA_UnderMouse) ? Colours::pillBorder : Colours::dropDash);
+    painter.setBrush(isSliderDown() || testAttribute(Qt::WA_UnderMouse) ? Colours::slate : Colours::pillBorder);
     painter.drawRoundedRect(bar, radius, radius);
 }
 

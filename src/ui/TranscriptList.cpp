@@ -39,9 +39,12 @@ void TranscriptList::setContent(const ListContent &content)
     for (auto shown = m_shown.begin(); shown != m_shown.end(); ++shown)
         byKey.insert(shown.value()->look().key, shown.value());
     m_content = content;
+    const int before = m_selected;
     m_selected = m_selectedKey.isEmpty() ? -1 : IndexOfKey(m_content, m_selectedKey);
     if (m_selected < 0)
         m_selectedKey.clear();
+    if (m_selected < 0 && before >= 0)
+        m_left = before;
     updateScrollRange();
 
     // A row that is still in sight keeps its view, so that focus, hover and mascot go on undisturbed.
@@ -111,6 +114,7 @@ void TranscriptList::place(int index, RowView *view)
 {
     RowLook look = m_content.lookAt(index);
     look.selected = index == m_selected;
+    look.focused = look.selected && m_showsFocus && hasFocus();
     const bool hadFocus = view->isAncestorOf(QApplication::focusWidget());
     view->setLook(look);
     // A button that vanishes under the keyboard would hand it to the next one, of whatever row that is.
@@ -148,10 +152,38 @@ void TranscriptList::selectRow(int index)
     const int before = m_selected;
     m_selected = index >= 0 && index < m_content.size() ? index : -1;
     m_selectedKey = m_selected < 0 ? QString() : m_content.keyAt(m_selected);
+    m_left = -1;
     for (const int changed : {before, m_selected}) {
         if (RowView *view = m_shown.value(changed))
             place(changed, view);
     }
+    if (hasFocus())
+        tellFocus();
+}
+
+void TranscriptList::focusRow(const RowView *row)
+{
+    setFocus(Qt::OtherFocusReason);
+    setShowsFocus(true);
+    selectRow(m_shown.key(const_cast<RowView *>(row), -1));
+}
+
+/// The ring is for those who use the keyboard: a click shows by itself where it was.
+void TranscriptList::setShowsFocus(bool shown)
+{
+    m_showsFocus = shown;
+    if (RowView *view = viewAt(m_selected))
+        place(m_selected, view);
+}
+
+/// To assistive tools the selected row has the keyboard, and not the list around it.
+void TranscriptList::tellFocus()
+{
+    RowView *view = viewAt(m_selected);
+    if (!view || !QAccessible::isActive())
+        return;
+    QAccessibleEvent focused(view, QAccessible::Focus);
+    QAccessible::updateAccessibility(&focused);
 }
 
 int TranscriptList::rowAt(const QPoint &viewportPosition) const
@@ -174,6 +206,7 @@ void TranscriptList::pressed(const QPoint &viewportPosition, Qt::MouseButton but
 {
     const int index = rowAt(viewportPosition);
     setFocus(Qt::MouseFocusReason);
+    setShowsFocus(false);
     if (index >= 0 || button == Qt::LeftButton)
         selectRow(index);
 }
@@ -229,19 +262,20 @@ bool TranscriptList::moveSelection(QKeyEvent *event)
 {
     const int count = int(m_content.size());
     const int page = qMax(1, viewport()->height() / Metrics::rowHeight);
-    int target = m_selected;
+    const int from = m_selected < 0 ? m_left : m_selected;
+    int target = from;
     switch (event->key()) {
     case Qt::Key_Up:
-        target = m_selected < 0 ? count - 1 : m_selected - 1;
+        target = from < 0 ? count - 1 : from - 1;
         break;
     case Qt::Key_Down:
-        target = m_selected + 1;
+        target = m_left < 0 ? from + 1 : m_left; // another row has come there
         break;
     case Qt::Key_PageUp:
-        target = m_selected - page;
+        target = from - page;
         break;
     case Qt::Key_PageDown:
-        target = m_selected + page;
+        target = from + page;
         break;
     case Qt::Key_Home:
         target = 0;
@@ -252,6 +286,7 @@ bool TranscriptList::moveSelection(QKeyEvent *event)
     default:
         return false;
     }
+    setShowsFocus(true);
     if (count > 0) {
         target = qBound(0, target, count - 1);
         selectRow(target);
@@ -339,13 +374,16 @@ void TranscriptList::focusInEvent(QFocusEvent *event)
         && (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason))
         selectRow(rowsInSight().first);
     QAbstractScrollArea::focusInEvent(event);
-    viewport()->update();
+    if (event->reason() != Qt::MouseFocusReason)
+        setShowsFocus(m_showsFocus || event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
+    // The toolkit names the list itself only after this.
+    QMetaObject::invokeMethod(this, &TranscriptList::tellFocus, Qt::QueuedConnection);
 }
 
 void TranscriptList::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
-    viewport()->update();
+    setShowsFocus(m_showsFocus);
 }
 
 } // namespace tuppi

@@ -37,6 +37,9 @@ public:
     /// Rows that fit the viewport, the last one perhaps in part.
     std::pair<int, int> rowsInSight() const;
 
+    /// Selects that row and takes the keyboard, as assistive tools ask for.
+    void focusRow(const RowView *row);
+
 Q_SIGNALS:
     void rowAction(const QString &key, const QString &action);
     void openRequested(const QString &key);
@@ -69,6 +72,8 @@ private:
     QString keyWithKeyboard() const;
     void askForMenu();
     void pressed(const QPoint &viewportPosition, Qt::MouseButton button);
+    void setShowsFocus(bool shown);
+    void tellFocus();
 
     RowFactory m_makeRow;
     ListContent m_content;
@@ -77,6 +82,8 @@ private:
     QList<QPushButton *> m_tabOrder; ///< the buttons in sight, as Tab visits them
     int m_selected = -1;
     QString m_selectedKey;
+    int m_left = -1; ///< where the selected row was when it left the list: the arrow keys go on from there
+    bool m_showsFocus = false; ///< keys are in use here, and not only the mouse
     QString m_typed;
     QElapsedTimer m_lastTyped;
 };

@@ -12,6 +12,7 @@ namespace tuppi {
 namespace {
 
 constexpr char flagsName[] = "QTWEBENGINE_CHROMIUM_FLAGS";
+constexpr char speaksName[] = "QTWEBENGINE_ENABLE_LINUX_ACCESSIBILITY";
 
 /// Against what no interceptor sees: looking up names, opening connections ahead of need, calls between
 /// browsers, reports to the engine's makers. The last: no copy of the script engine's built-in code for each page.
@@ -65,6 +66,9 @@ public:
         // memory and depends on no driver.
         if (QQuickWindow::sceneGraphBackend().isEmpty())
             QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+        // Without this the engine keeps a page from assistive tools; with it, it waits until one of them runs.
+        if (!qEnvironmentVariableIsSet(speaksName))
+            qputenv(speaksName, "1");
         const EngineFlags forTheFirst;
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);

@@ -48,6 +48,9 @@ class AccessibilityWalkTest(unittest.TestCase):
             "unlabelled-box": ['lacks a label: %s > combo box "Finnish"'],
             "dead-button": ['lacks the action of a click: %s > push button "Dead"'],
             "no-role": ['lacks a role: %s > filler "Plain"'],
+            "unfocusable-button": ['lacks the state focusable: %s > push button "Start"'],
+            "twins": ['lacks a name of its own: %s > push button "Start"'],
+            "plain-window": ['lacks a role: application "accessible-program" > filler "Plain"'],
             "neither": ['lacks a role: %s > filler ""', 'lacks a name: %s > filler ""'],
         }
         window = 'application "accessible-program" > frame "Accessible"'

@@ -40,6 +40,16 @@ QAccessibleInterface *makeInterface(const QString &, QObject *object)
     return button ? new DeadButtonInterface(button) : nullptr;
 }
 
+void addStart(QVBoxLayout *rows, const QString &wrong)
+{
+    auto *start = new QPushButton(wrong == u"nameless-button"_s ? QString() : u"Start"_s);
+    rows->addWidget(start);
+    if (wrong == u"unfocusable-button"_s)
+        start->setFocusPolicy(Qt::NoFocus);
+    if (wrong == u"twins"_s)
+        rows->addWidget(new QPushButton(u"Start"_s));
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -61,8 +71,7 @@ int main(int argc, char *argv[])
     scroll->setFocusPolicy(Qt::NoFocus);
     auto *page = new QWidget;
     auto *rows = new QVBoxLayout(page);
-    auto *start = new QPushButton(wrong == u"nameless-button"_s ? QString() : u"Start"_s);
-    rows->addWidget(start);
+    addStart(rows, wrong);
     auto *off = new QPushButton(u"Not now"_s);
     off->setEnabled(false);
     rows->addWidget(off);
@@ -85,6 +94,7 @@ int main(int argc, char *argv[])
     hidden->hide();
     auto *dead = new DeadButton;
     dead->setAccessibleName(u"Dead"_s);
+    dead->setFocusPolicy(Qt::StrongFocus);
     dead->setFixedSize(50, 600); // so that there is something to scroll
     rows->addWidget(dead);
     dead->setVisible(wrong == u"dead-button"_s);
@@ -97,6 +107,9 @@ int main(int argc, char *argv[])
     window.setCentralWidget(scroll);
     window.resize(300, 200);
     window.show();
+    QWidget another;
+    another.setWindowTitle(u"Plain"_s);
+    another.setVisible(wrong == u"plain-window"_s);
     return QApplication::exec();
 }
 
