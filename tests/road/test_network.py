@@ -75,8 +75,9 @@ def check_reader():
 def watch(strace, log, ended, command):
     """Runs the command; gives back its status. What it leaves behind, like the holder of the clipboard, is let go."""
     told = ["/bin/sh", "-c", '"$@"; echo $? >"$0.part"; mv "$0.part" "$0"', ended, *command]
-    tracer = subprocess.Popen([strace, "--follow-forks", "--seccomp-bpf", "-qq", "-s", "0", "-e", "trace=%network",
-                               "-e", "signal=none", "-o", log, *told])
+    # Told to write to a file, it would take no signal to end.
+    tracer = subprocess.Popen([strace, "--follow-forks", "--seccomp-bpf", "--interruptible=waiting", "-qq", "-s", "0",
+                               "-e", "trace=%network", "-e", "signal=none", "-o", log, *told])
     while tracer.poll() is None and not os.path.exists(ended):
         with contextlib.suppress(subprocess.TimeoutExpired):
             tracer.wait(timeout=0.2)
