@@ -26,11 +26,23 @@ constexpr const char *acceptedForms = "mov,mp3,wav,w64,aac,flac,ogg,matroska,aif
 constexpr double longestGapSeconds = 600;
 constexpr double shortestGapSeconds = 0.25;
 
-const QString readingFailed = u"The recording could not be read"_s;
-
 Failure unreadable(const QString &why)
 {
     return Failure(u"The file is not a recording that can be read: "_s + why);
+}
+
+Failure failingDisk()
+{
+    return systemFailure(u"The recording could not be read"_s, EIO);
+}
+
+// What FFmpeg takes for damage may be the disk, as its own code for the error of the file tells.
+Failure unreadableFor(int error)
+{
+    if (error == AVERROR(EIO))
+        return failingDisk();
+    return unreadable(error == AVERROR(EACCES) ? u"permission was refused."_s
+                                               : u"it is damaged, incomplete or of another kind."_s);
 }
 
 } // namespace
@@ -64,8 +76,6 @@ private:
     void prepareResampler(AVFrame *frame);
     void keepTime(const AVFrame *frame);
 
-    Failure damaged() const;
-
     ffmpeg::File m_file; // outlives the format, which reads from it
     ffmpeg::Format m_format;
     ffmpeg::Codec m_codec;
@@ -90,8 +100,7 @@ void AudioReader::Private::open(const QString &path)
     AVIOContext *file = nullptr;
     const int reached = ::avio_open(&file, address.constData(), AVIO_FLAG_READ);
     if (reached < 0)
-        throw reached == AVERROR(EACCES) ? unreadable(u"permission was refused."_s)
-                                         : systemFailure(readingFailed, AVUNERROR(reached));
+        throw unreadableFor(reached);
     m_file.reset(file);
     AVFormatContext *opened = ::avformat_alloc_context();
     opened->pb = file;
@@ -101,17 +110,10 @@ void AudioReader::Private::open(const QString &path)
     const int result = ::avformat_open_input(&opened, address.constData(), nullptr, &options);
     ::av_dict_free(&options);
     if (result < 0)
-        throw damaged();
+        throw unreadableFor(m_file->error);
     m_format.reset(opened);
     if (::avformat_find_stream_info(opened, nullptr) < 0)
-        throw damaged();
-}
-
-// What FFmpeg takes for damage may be the disk.
-Failure AudioReader::Private::damaged() const
-{
-    return m_file->error == AVERROR(EIO) ? systemFailure(readingFailed, EIO)
-                                         : unreadable(u"it is damaged, incomplete or of another kind."_s);
+        throw unreadableFor(m_file->error);
 }
 
 void AudioReader::Private::openDecoder()
@@ -142,7 +144,7 @@ bool AudioReader::Private::feedPacket()
         if (::av_read_frame(m_format.get(), m_packet.get()) < 0) {
             // A recording that was cut off is worth what there is of it; a failing disk is not its end.
             if (m_file->error == AVERROR(EIO))
-                throw systemFailure(readingFailed, EIO);
+                throw failingDisk();
             m_fileEnded = true;
             ::avcodec_send_packet(m_codec.get(), nullptr);
             return true;
