@@ -173,7 +173,7 @@ QVariant Database::value(const QString &sql, std::initializer_list<QVariant> val
 
 QString Database::integrity()
 {
-    return value(u"PRAGMA integrity_check(1)"_s).toString();
+    return value(u"PRAGMA quick_check(1)"_s).toString();
 }
 
 Transaction::Transaction(Database &database)

@@ -33,7 +33,7 @@ public:
     // The first column of the first row, invalid when there is no row.
     QVariant value(const QString &sql, std::initializer_list<QVariant> values = {});
 
-    // "ok", or what SQLite found wrong. Reads the whole store.
+    // "ok", or what SQLite found wrong. Reads the whole store, but does not compare its indexes with it.
     QString integrity();
 
 private:
