@@ -14,7 +14,7 @@ QT_CORE = os.environ["TUPPI_QTCORE_HEADERS"]
 class TheTree(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.tree = rules.read_tree(ROOT, ("src", "runtime", "tests", "bench", "cmake", "scripts"))
+        cls.tree = rules.read_tree(ROOT, ("src", "runtime", "tests", "benchmarks", "cmake", "scripts"))
         cls.qt_core = set(os.listdir(QT_CORE))
 
     def assert_none(self, found):

@@ -15,7 +15,7 @@ constexpr Eigen::Index leastOfSpeaker = 300;
 constexpr int leastRun = 50;
 constexpr int leastTurn = 60;
 
-// Found by trial on recordings whose speakers are known; bench/engine/speakers measures them.
+// Found by trial on recordings whose speakers are known; benchmarks/engine/speakers measures them.
 constexpr double cutStrictness = 1.0;
 constexpr double groupStrictness = 1.8;
 constexpr double changeCost = 30;

@@ -1,4 +1,4 @@
-"""What bench/run does with the lines that benchmarks print: no benchmark is run here."""
+"""What ./bench does with the lines that benchmarks print: no benchmark is run here."""
 
 import contextlib
 import importlib.machinery
@@ -12,7 +12,7 @@ from unittest import mock
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.dont_write_bytecode = True
-loader = importlib.machinery.SourceFileLoader("bench_run", os.path.join(SOURCE, "bench", "run"))
+loader = importlib.machinery.SourceFileLoader("bench_run", os.path.join(SOURCE, "bench"))
 bench = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
 loader.exec_module(bench)
 
@@ -77,7 +77,7 @@ class TheFolder(unittest.TestCase):
     def test_scripts_and_programs_are_found(self):
         found = bench.benchmarks("/build")
         self.assertEqual(found["start-up"][1:], ["--build", "/build"])
-        self.assertEqual(found["spine"], ["/build/bench/spine/bench_spine"])
+        self.assertEqual(found["spine"], ["/build/benchmarks/spine/bench_spine"])
         self.assertNotIn("run", found)
 
 
