@@ -99,7 +99,7 @@ const QList<DefaultKey> &DefaultsTable()
     return table;
 }
 
-/// The thread that writes. It is started by the first writing and ends when there is nothing left to write.
+/// The thread that writes. It is started by the first writing and ends with the store, after the last one.
 class Defaults::Writer
 {
 public:
