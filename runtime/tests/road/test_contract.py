@@ -267,12 +267,13 @@ class Contract(RoadTest):
         self.assertEqual(engine.listing(), listing)
 
     def test_history_is_streamed(self):
-        """A hundred times as many jobs take no more memory: the first go out before the last are read."""
+        """Many more jobs take no more memory: the first go out before the last are read."""
         engine = self.engine()
         first = seed(engine)
         engine.ask("history", "--json")
 
         def filled(jobs):
+            """Bytes of the reply with so many jobs, and the memory that it took."""
             with contextlib.closing(sqlite3.connect(engine.store, timeout=30)) as base:
                 names = ", ".join(row[1] for row in base.execute("PRAGMA table_info(jobs)")
                                   if row[1] not in ("seq", "id"))
@@ -282,13 +283,17 @@ class Contract(RoadTest):
                                        (job,)).lastrowid
                     base.execute("INSERT INTO entries VALUES (?, ?)", (seq, json.dumps({**first, "id": job}).encode()))
                 base.commit()
-            self.assertEqual(len(engine.history()), jobs)
-            cost = engine.cost("history", "--json")
-            self.assertEqual(cost.status, 0)
-            return cost.megabytes
+            reply = engine.ask("history", "--json").out
+            self.assertEqual(len(json.loads(reply)), jobs)
+            # How much of the libraries is in memory is up to the system: the least of a few runs is the command's own.
+            costs = [engine.cost("history", "--json") for _ in range(3)]
+            self.assertEqual({cost.status for cost in costs}, {0})
+            return len(reply), min(cost.megabytes for cost in costs) * 2**20
 
-        few = filled(100)
-        self.assertLess(filled(10000), few * 1.2)
+        _, few = filled(5000)  # with these the store's own cache of pages is full
+        size, many = filled(20000)
+        print(f"{many - few:.0f} bytes more for a reply of {size}")
+        self.assertLess(many - few, size / 2)
 
     def test_other_locales(self):
         engine = self.engine()
