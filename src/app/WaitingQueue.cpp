@@ -6,6 +6,7 @@
 #include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace tuppi {
@@ -50,6 +51,15 @@ void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoice
                       {u"speakers"_s, choices.speakers},
                       {u"quick"_s, choices.quick}});
     }
+}
+
+void TakeBack(WaitingQueue &queue, const WaitingEntry &entry)
+{
+    const QString path = WaitingPath(entry);
+    const bool waits = std::any_of(queue.cbegin(), queue.cend(),
+                                   [&](const WaitingEntry &other) { return WaitingPath(other) == path; });
+    if (!waits && QFile::exists(path))
+        queue.prepend(entry);
 }
 
 void RemoveWaitingPath(WaitingQueue &queue, const QString &path)
