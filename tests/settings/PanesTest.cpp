@@ -91,10 +91,11 @@ TEST_F(Panes, AStoredNoIsNotTakenForAbsent)
 TEST_F(Panes, AStoredValueThatIsNotOfferedShowsTheFirstAndStays)
 {
     store(R"({"language":"tlh","AppleLanguages":["fr"]})");
-    openSettings();
+    openTab(test::Transcription);
     EXPECT_EQ(chosen(u"language"_s), u"auto"_s);
     EXPECT_EQ(chosen(u"AppleLanguages"_s), u"auto"_s);
     EXPECT_EQ(settings()[u"language"_s].toString(), u"tlh"_s);
+    EXPECT_EQ(settings()[u"AppleLanguages"_s].toArray(), QJsonArray{u"fr"_s});
     choose(u"language"_s, u"pl"_s);
     EXPECT_EQ(settings()[u"language"_s].toString(), u"pl"_s);
 }
@@ -186,7 +187,7 @@ TEST_F(Panes, AChosenModelStaysStoredWhileTheModelsAreNotKnown)
 {
     store(R"({"engine":"custom:mine"})");
     m_engine.answer(u"models"_s, Answer::failure(1, "Error: busy\n"));
-    openSettings();
+    openTab(test::Transcription);
     settle();
     EXPECT_EQ(chosen(u"engine"_s), u"auto"_s);
     EXPECT_EQ(settings()[u"engine"_s].toString(), u"custom:mine"_s);
