@@ -100,6 +100,21 @@ TEST_F(Panes, AStoredValueThatIsNotOfferedShowsTheFirstAndStays)
     EXPECT_EQ(settings()[u"language"_s].toString(), u"pl"_s);
 }
 
+TEST_F(Panes, TheFirstThatIsShownForAValueNotOfferedCanBeChosen)
+{
+    store(R"({"engine":"custom:gone","language":"tlh","AppleLanguages":["fr"]})");
+    m_engine.answer(u"models"_s, Answer::failure(1, "Error: busy\n"));
+    openTab(test::Transcription);
+    for (const QString &key : {u"engine"_s, u"language"_s}) {
+        choose(key, u"auto"_s);
+        EXPECT_EQ(settings()[key].toString(), u"auto"_s);
+    }
+    settingsWindow()->showTab(test::General);
+    choose(u"AppleLanguages"_s, u"auto"_s);
+    EXPECT_TRUE(settingsSheetOpens());
+    EXPECT_FALSE(settings().contains(u"AppleLanguages"_s));
+}
+
 TEST_F(Panes, GarbledValuesShowTheFirst)
 {
     store(R"({"engine":["whisper"],"language":{"a":1},"AppleLanguages":"uk"})");
@@ -181,6 +196,17 @@ TEST_F(Panes, AfterLaterNothingChangesButTheChoice)
     destroy();
     openSettings();
     EXPECT_EQ(menu(u"AppleLanguages"_s)->currentText(), u"Automatic (same as the Mac)"_s);
+}
+
+TEST_F(Panes, AfterLaterTheSameLanguageOffersTheRestartAgain)
+{
+    openSettings();
+    for (int time = 0; time < 2; ++time) {
+        choose(u"AppleLanguages"_s, u"es"_s);
+        ASSERT_TRUE(settingsSheetOpens());
+        settingsSheet()->answer(1);
+        ASSERT_TRUE(settingsSheetCloses());
+    }
 }
 
 TEST_F(Panes, AChosenModelStaysStoredWhileTheModelsAreNotKnown)
