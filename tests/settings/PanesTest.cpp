@@ -263,6 +263,25 @@ TEST_F(Panes, TheLibraryWithItsSize)
     EXPECT_EQ(jobs().library, library);
 }
 
+TEST_F(Panes, AnotherLibraryIsShownWhileTheOldOneHasTheKeyboard)
+{
+    m_engine.answer(u"settings"_s, {R"({"library":"/old"})"});
+    openTab(test::Storage);
+    auto *field = part<PathField>(u"libraryPath"_s);
+    ASSERT_TRUE(waitFor([&] { return field->text() == u"/old"_s; }));
+    ASSERT_TRUE(tabTo(u"libraryPath"_s));
+    m_engine.answer(u"settings"_s, {R"({"library":"/newer"})"});
+    m_app->refreshLibrary();
+    EXPECT_TRUE(waitFor([&] { return field->path() == u"/newer"_s; }));
+    EXPECT_EQ(field->text(), u"/newer"_s);
+
+    field->selectAll();
+    m_app->refreshLibrary();
+    EXPECT_TRUE(waitFor([&] { return m_engine.count(u"settings"_s) == 3; }));
+    settle();
+    EXPECT_EQ(field->selectedText(), u"/newer"_s) << "the same again leaves what is selected";
+}
+
 TEST_F(Panes, TheSizeStaysWhileItIsMeasuredAnew)
 {
     const QString library = m_engine.home() + u"/Calls"_s;
