@@ -555,7 +555,9 @@ TEST_F(Panes, TheAcknowledgementsAndTheirLinksByKeyboard)
     const auto *text = acknowledgements->findChild<QTextBrowser *>();
     const QString plain = text->toPlainText();
     EXPECT_TRUE(plain.startsWith(u"Acknowledgements\nTuppi Transcriber runs entirely on your Mac"_s));
-    EXPECT_TRUE(plain.contains(u"MLX\nApple (MLX Contributors) · MIT · https://github.com/ml-explore/mlx\n"_s));
+    EXPECT_TRUE(plain.contains(u"\nMLX\nApple (MLX Contributors) · MIT · https://github.com/ml-explore/mlx\nmlx-whisper\n"_s));
+    EXPECT_TRUE(plain.contains(u"\nReal cat recordings. Shortened, looped and level-matched for the app.\nAll models and "
+                                "tools are provided"_s));
     EXPECT_TRUE(plain.endsWith(u"Full licence texts are at the links above."_s));
     EXPECT_TRUE(opened.urls.isEmpty()) << "nothing goes out by itself";
 
