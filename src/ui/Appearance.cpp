@@ -1,11 +1,11 @@
 #include "ui/Appearance.h"
 
 #include "ui/Colours.h"
+#include "ui/Pictures.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QIconEngine>
-#include <QImageReader>
 #include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
@@ -96,12 +96,10 @@ void applyAppearance(QApplication &application)
 
 void applyIcon()
 {
-    // Pictures, not the drawing: that one costs four renderings.
     QIcon icon;
     for (const int size : {16, 32, 48, 128}) {
-        // The format is named: looking for it would load every picture plugin that there is.
         const QString file = u":/icons/%1x%1/apps/tuppi-transcriber.png"_s.arg(size);
-        icon.addPixmap(QPixmap::fromImage(QImageReader(file, "png").read()));
+        icon.addPixmap(QPixmap::fromImage(ReadPng(file)));
     }
     QGuiApplication::setWindowIcon(icon);
 }
