@@ -18,7 +18,6 @@
 #include <QTranslator>
 
 #include <malloc.h>
-#include <thread>
 
 using namespace tuppi;
 using namespace Qt::StringLiterals;
@@ -166,8 +165,9 @@ int runWindow(int argc, char *argv[], const Options &options)
     }
     // Read before the application object takes it out of the environment.
     const QVariantMap tokens = LaunchTokens();
-    const std::jthread fonts = readFontsAhead();
+    FontsAhead fonts;
     QApplication application(argc, argv);
+    fonts.applicationIsUp();
     QGuiApplication::setDesktopFileName(applicationId);
     SingleInstance instance(QDBusConnection::sessionBus());
     const SingleInstance::Role role = instance.start(urlsOf(options.files), tokens);
@@ -181,6 +181,7 @@ int runWindow(int argc, char *argv[], const Options &options)
     installLanguage(texts, defaults);
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     applyAppearance(application);
+    fonts.wait();
     return openWindow(defaults, options, instance);
 }
 

@@ -7,6 +7,7 @@
 #include "settings/L.h"
 
 #include <QFileInfo>
+#include <QTimer>
 
 namespace tuppi {
 
@@ -27,8 +28,15 @@ void AppDelegate::enqueue(const QStringList &paths, const StartChoices &choices)
 {
     AddWaiting(m_jobs.waiting, paths, choices);
     saveWaiting();
-    refresh();
-    startNextIfIdle();
+    const auto show = [this] {
+        refresh();
+        startNextIfIdle();
+    };
+    constexpr qsizetype many = 1000; // taking them takes a good part of a frame, and so does showing them
+    if (paths.size() < many)
+        show();
+    else
+        QTimer::singleShot(0, this, show);
 }
 
 /// Writes the queue and the start in flight in one replacement of the file, so that a file is always in

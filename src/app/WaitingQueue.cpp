@@ -39,17 +39,21 @@ QString WaitingPath(const WaitingEntry &entry)
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
 {
     QSet<QString> known;
+    known.reserve(queue.size() + paths.size());
     for (const WaitingEntry &entry : std::as_const(queue))
         known.insert(WaitingPath(entry));
+    const WaitingEntry chosen{{u"engine"_s, choices.engine},
+                              {u"language"_s, choices.language},
+                              {u"speakers"_s, choices.speakers},
+                              {u"quick"_s, choices.quick}};
+    queue.reserve(queue.size() + paths.size());
     for (const QString &path : paths) {
-        if (known.contains(path))
-            continue;
+        const qsizetype before = known.size();
         known.insert(path);
-        queue.append({{u"url"_s, QUrl::fromLocalFile(path)},
-                      {u"engine"_s, choices.engine},
-                      {u"language"_s, choices.language},
-                      {u"speakers"_s, choices.speakers},
-                      {u"quick"_s, choices.quick}});
+        if (known.size() == before)
+            continue;
+        WaitingEntry &entry = queue.emplaceBack(chosen);
+        entry.insert(u"url"_s, QUrl::fromLocalFile(path));
     }
 }
 

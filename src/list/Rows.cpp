@@ -37,14 +37,10 @@ QJsonObject waitingRow(const QString &path, qsizetype index)
 QString digestOf(const WaitingQueue &queue)
 {
     const QString key = u"url"_s;
-    size_t first = 1;
-    size_t second = 2;
-    for (const WaitingEntry &entry : queue) {
-        const QUrl url = entry.value(key).toUrl();
-        first = qHash(url, first);
-        second = qHash(url, second);
-    }
-    return QString::number(first, 16) + u'-' + QString::number(second, 16);
+    size_t digest = 1;
+    for (const WaitingEntry &entry : queue)
+        digest = qHash(entry.value(key).toUrl(), digest);
+    return QString::number(digest, 16);
 }
 
 /// The rows enter by what they are made of, the local ones by their files and the engine's by the digest made
@@ -107,7 +103,8 @@ int RowIndex(const Rows &rows, const QString &key)
     if (key.isEmpty())
         return -1;
     const qsizetype locals = rows.locals();
-    for (qsizetype index = 0; index < locals; ++index) {
+    const bool isLocal = key == "starting"_L1 || key.startsWith("wait:"_L1);
+    for (qsizetype index = 0; isLocal && index < locals; ++index) {
         if (rows.keyAt(index) == key)
             return int(index);
     }

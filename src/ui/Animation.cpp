@@ -1,5 +1,7 @@
 #include "ui/Animation.h"
 
+#include "ui/Pictures.h"
+
 #include <QImage>
 
 namespace tuppi {
@@ -25,10 +27,10 @@ QByteArray pack(const QImage &image)
 
 } // namespace
 
-Animation::Animation(const QString &file, QSize size, QObject *parent)
+Animation::Animation(std::unique_ptr<GifReader> frames, QSize size, QObject *parent)
     : QObject(parent)
     , m_size(size)
-    , m_reader(std::make_unique<QImageReader>(file, "gif"))
+    , m_reader(std::move(frames))
 {
     connect(&m_timer, &QTimer::timeout, this, &Animation::step);
     rewind();
@@ -42,13 +44,13 @@ bool Animation::decodeNext()
 {
     if (!m_reader)
         return false;
-    QImage image = m_reader->read();
+    QImage image = m_reader->next();
     if (image.isNull()) {
         m_reader.reset();
         return false;
     }
     constexpr int unsaid = 100; // a file that gives no time for a frame means "as usual"
-    const int milliseconds = m_reader->nextImageDelay();
+    const int milliseconds = m_reader->delay();
     image = image.scaled(m_size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).convertToFormat(pixelFormat);
     combine(image, m_pixels.constBits(), m_pixels.sizeInBytes());
     m_frames.append({pack(image), milliseconds > 0 ? milliseconds : unsaid});
@@ -89,13 +91,17 @@ void Animation::goTo(int number)
 
 void Animation::start()
 {
-    if (m_frames.size() > 1 || decodeNext())
+    if (m_frames.size() > 1 || (m_number >= 0 && m_reader && m_reader->count() > 1))
         m_timer.start(m_frames.at(m_number).milliseconds);
 }
 
 void Animation::step()
 {
     if (!advance()) {
+        if (m_frames.size() == 1) { // the others cannot be read
+            pause();
+            return;
+        }
         rewind();
         advance();
     }

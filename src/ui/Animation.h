@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QImage>
-#include <QImageReader>
 #include <QList>
 #include <QObject>
 #include <QPixmap>
@@ -11,6 +10,8 @@
 
 namespace tuppi {
 
+class GifReader;
+
 /// An animated picture, played endlessly, whatever the file says about that. Each frame is decoded once, when
 /// it is first due, and kept packed as what it changes of the one before: a pose of Tuppi in plain pixels would take
 /// seven megabytes, and each frame packed by itself half of one.
@@ -18,8 +19,8 @@ class Animation : public QObject
 {
     Q_OBJECT
 public:
-    /// `size` is what the frames are scaled to, in pixels.
-    Animation(const QString &file, QSize size, QObject *parent = nullptr);
+    /// `frames` has not been read from; `size` is what they are scaled to, in pixels.
+    Animation(std::unique_ptr<GifReader> frames, QSize size, QObject *parent = nullptr);
     ~Animation() override;
 
     QSize size() const { return m_size; }
@@ -30,7 +31,7 @@ public:
     void goTo(int number);
 
     bool isRunning() const { return m_timer.isActive(); }
-    /// A single picture does not run.
+    /// A single picture does not run. No frame is decoded: that is done when it is due.
     void start();
     void pause() { m_timer.stop(); }
 
@@ -51,7 +52,7 @@ private:
     void step();
 
     QSize m_size;
-    std::unique_ptr<QImageReader> m_reader; ///< until its last frame has been read
+    std::unique_ptr<GifReader> m_reader; ///< until its last frame has been read
     QList<Frame> m_frames;
     int m_number = -1;
     QImage m_pixels; ///< of that frame, blank before the first

@@ -28,9 +28,32 @@ QFont Rounded(double size, QFont::Weight weight)
     return font;
 }
 
-std::jthread readFontsAhead()
+FontsAhead::FontsAhead()
+    : m_thread([application = m_application.get_future()]() mutable {
+        FcInit();
+        if (application.get())
+            QFontDatabase::families();
+    })
 {
-    return std::jthread([] { FcInit(); });
+}
+
+FontsAhead::~FontsAhead()
+{
+    if (!m_told)
+        m_application.set_value(false);
+    wait();
+}
+
+void FontsAhead::applicationIsUp()
+{
+    m_told = true;
+    m_application.set_value(true);
+}
+
+void FontsAhead::wait()
+{
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 QString RoundedFamily(const QStringList &installed)

@@ -28,6 +28,7 @@ using namespace Qt::StringLiterals;
 
 MainWindow::MainWindow(Stage &stage, QWidget *parent)
     : QMainWindow(parent)
+    , m_stage(stage)
 {
     setObjectName(u"TranscriberMain"_s);
     setWindowTitle(L(u"Tuppi Transcriber"_s));
@@ -36,7 +37,7 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     setPalette(ground);
     buildMenuBar();
     addMenuKey();
-    buildContent(stage);
+    buildContent();
     const int menuHeight = menuBar()->isNativeMenuBar() ? 0 : menuBar()->sizeHint().height();
     setMinimumSize(Metrics::windowMinimumWidth, Metrics::windowMinimumHeight + menuHeight);
     resize(Metrics::windowWidth, Metrics::windowHeight + menuHeight);
@@ -84,7 +85,7 @@ void MainWindow::addMenuKey()
             [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
 }
 
-QWidget *MainWindow::buildEmptyState(Stage &stage)
+QWidget *MainWindow::buildEmptyState()
 {
     auto *view = new QWidget;
     view->setObjectName(u"emptyState"_s);
@@ -107,7 +108,7 @@ QWidget *MainWindow::buildEmptyState(Stage &stage)
     column->setSpacing(10);
     column->setContentsMargins(20, 0, 20, 0);
     column->addStretch();
-    column->addWidget(TuppiAnim(stage.mascots, u"waiting"_s, 200), 0, Qt::AlignHCenter);
+    column->addWidget(TuppiAnim(m_stage.mascots, u"waiting"_s, 200), 0, Qt::AlignHCenter);
     column->addWidget(title);
     auto *centred = new QHBoxLayout;
     centred->addStretch();
@@ -118,12 +119,11 @@ QWidget *MainWindow::buildEmptyState(Stage &stage)
     return view;
 }
 
-void MainWindow::buildContent(Stage &stage)
+void MainWindow::buildContent()
 {
     m_drop = new DropView;
     m_drop->setObjectName(u"drop"_s);
-    m_list = new TranscriptList([&stage](QWidget *parent) { return stage.makeRow(parent); });
-    m_emptyState = buildEmptyState(stage);
+    m_list = new TranscriptList([this](QWidget *parent) { return m_stage.makeRow(parent); });
     auto *layers = new QStackedLayout(m_drop);
     layers->setStackingMode(QStackedLayout::StackOne);
     auto *listPage = new QWidget;
@@ -131,7 +131,6 @@ void MainWindow::buildContent(Stage &stage)
     listRow->setContentsMargins(Metrics::listInset, 0, Metrics::listInset, 0);
     listRow->addWidget(m_list);
     layers->addWidget(listPage);
-    layers->addWidget(m_emptyState);
     m_footer = new Footer;
 
     auto *content = new QWidget;
@@ -168,6 +167,10 @@ void MainWindow::setContent(const ListContent &content)
 void MainWindow::setEmpty(bool empty)
 {
     auto *layers = qobject_cast<QStackedLayout *>(m_drop->layout());
+    if (empty && !m_emptyState) {
+        m_emptyState = buildEmptyState();
+        layers->addWidget(m_emptyState);
+    }
     layers->setCurrentIndex(empty ? 1 : 0);
     m_drop->setShowsCard(empty);
 }

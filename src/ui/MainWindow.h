@@ -61,13 +61,14 @@ protected:
 private:
     void buildMenuBar();
     void addMenuKey();
-    void buildContent(Stage &stage);
-    QWidget *buildEmptyState(Stage &stage);
+    void buildContent();
+    QWidget *buildEmptyState();
     void openRowMenu(const QString &key, const QPoint &position);
 
+    Stage &m_stage;
     DropView *m_drop = nullptr;
     TranscriptList *m_list = nullptr;
-    QWidget *m_emptyState = nullptr;
+    QWidget *m_emptyState = nullptr; ///< none before it is first shown
     Footer *m_footer = nullptr;
     std::function<bool(const QString &, const QString &)> m_rowMenuRule;
     QTimer m_untilPainted;

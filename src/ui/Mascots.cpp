@@ -3,8 +3,9 @@
 #include "ui/Animation.h"
 #include "ui/MascotView.h"
 #include "ui/MotionPolicy.h"
+#include "ui/Pictures.h"
 
-#include <QImageReader>
+#include <optional>
 
 namespace tuppi {
 
@@ -22,7 +23,8 @@ QSize pixelSize(QSize size, double ratio)
 struct Mascots::Pose
 {
     QString name;
-    QString animation; ///< its file; empty when there is none, or none that can be read
+    std::optional<bool> animated;      ///< whether it has an animation that can be read, once that was asked
+    std::unique_ptr<GifReader> opened; ///< from the asking until the movie takes them
     std::unique_ptr<Animation> movie;
     QHash<QPair<int, QSize>, QPixmap> frames; ///< scaled from the movie for smaller views
     QHash<QSize, QPixmap> stills;
@@ -50,17 +52,26 @@ Mascots::Pose &Mascots::poseFor(const QString &name)
         pose = std::make_shared<Pose>();
         pose->name = name;
         connect(&pose->views, &SightList::cameBack, this, &Mascots::redraw);
-        // A file without a single good frame has no animation.
-        const QString file = m_folder + u"/tuppi-"_s + name + u".gif"_s;
-        if (!QImageReader(file, "gif").read().isNull())
-            pose->animation = file;
     }
     return *pose;
 }
 
+std::unique_ptr<GifReader> Mascots::framesOf(const Pose &pose) const
+{
+    return std::make_unique<GifReader>(m_folder + u"/tuppi-"_s + pose.name + u".gif"_s);
+}
+
 bool Mascots::animates(const QString &pose)
 {
-    return !m_motion.reducedMotion() && !poseFor(pose).animation.isEmpty();
+    if (m_motion.reducedMotion())
+        return false;
+    Pose &known = poseFor(pose);
+    if (!known.animated) {
+        known.opened = framesOf(known);
+        // A file without a single good frame has no animation.
+        known.animated = known.opened->isGood();
+    }
+    return *known.animated;
 }
 
 bool Mascots::isRunning(const QString &pose) const
@@ -76,16 +87,16 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
     QPixmap &picture = pose.stills[pixels];
     if (picture.isNull()) {
         // The smallest drawing that need not be enlarged.
+        QImage drawn;
         for (const char16_t *scale : {u"", u"@2x", u"@3x"}) {
-            QImageReader reader(m_folder + u"/tuppi-"_s + name + QString::fromUtf16(scale) + u".png"_s, "png");
-            const QSize drawn = reader.size();
-            if (!drawn.isValid())
-                continue;
-            const QImage image = reader.read().scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-            picture = QPixmap::fromImage(image);
+            const QImage image = ReadPng(m_folder + u"/tuppi-"_s + name + QString::fromUtf16(scale) + u".png"_s);
+            if (!image.isNull())
+                drawn = image;
             if (drawn.width() >= pixels.width())
                 break;
         }
+        if (!drawn.isNull())
+            picture = QPixmap::fromImage(drawn.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     }
     QPixmap sized = picture;
     sized.setDevicePixelRatio(devicePixelRatio);
@@ -94,7 +105,7 @@ QPixmap Mascots::still(const QString &name, QSize size, double devicePixelRatio)
 
 void Mascots::openMovie(Pose &pose, QSize pixels, int frame)
 {
-    pose.movie = std::make_unique<Animation>(pose.animation, pixels, this);
+    pose.movie = std::make_unique<Animation>(pose.opened ? std::move(pose.opened) : framesOf(pose), pixels, this);
     pose.frames.clear();
     pose.movie->goTo(frame);
     connect(pose.movie.get(), &Animation::frameChanged, this, [this, name = pose.name] { step(name); });

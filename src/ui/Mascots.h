@@ -11,6 +11,7 @@
 
 namespace tuppi {
 
+class GifReader;
 class MascotView;
 class MotionPolicy;
 
@@ -44,6 +45,7 @@ Q_SIGNALS:
 private:
     struct Pose;
     Pose &poseFor(const QString &name);
+    std::unique_ptr<GifReader> framesOf(const Pose &pose) const;
     void openMovie(Pose &pose, QSize pixels, int frame);
     void step(const QString &name);
     void stopAll();

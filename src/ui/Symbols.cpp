@@ -2,13 +2,12 @@
 
 #include "ui/Colours.h"
 #include "ui/Metrics.h"
+#include "ui/Pictures.h"
 
-#include <QFile>
 #include <QIconEngine>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QPixmapCache>
-#include <QSvgRenderer>
 
 namespace tuppi {
 
@@ -18,23 +17,21 @@ using namespace Qt::StringLiterals;
 
 Q_LOGGING_CATEGORY(logSymbols, "tuppi.ui.symbols")
 
-QString pathOf(const QString &name)
+QPicture drawingOf(const QString &name)
 {
-    return u":/symbols/"_s + name + u".svg"_s;
+    return ReadDrawing(u"symbols/"_s + name);
 }
 
 /// The symbol's shape is its alpha; whatever colours the drawing holds are replaced.
 QPixmap rendered(const QString &name, const QColor &colour, int pixels)
 {
-    QSvgRenderer drawing(pathOf(name));
-    if (!drawing.isValid() || pixels <= 0)
+    const QPicture drawing = drawingOf(name);
+    if (drawing.isNull() || pixels <= 0)
         return {};
-    drawing.setAspectRatioMode(Qt::KeepAspectRatio);
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawing.render(&painter, QRectF(0, 0, pixels, pixels));
+    drawDrawing(painter, drawing, QRectF(0, 0, pixels, pixels));
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(image.rect(), colour);
     painter.end();
@@ -113,7 +110,7 @@ QPixmap SymbolPixmap(const QString &name, const QColor &colour, double size, dou
 
 QIcon SymbolIcon(const QString &name, const QColor &colour, double size)
 {
-    if (!QFile::exists(pathOf(name))) {
+    if (drawingOf(name).isNull()) {
         qCWarning(logSymbols) << "no symbol named" << name;
         return {};
     }

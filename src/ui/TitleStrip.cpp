@@ -3,24 +3,23 @@
 #include "ui/Colours.h"
 #include "ui/Fonts.h"
 #include "ui/Metrics.h"
+#include "ui/Pictures.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QSvgRenderer>
 
 namespace tuppi {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The drawn word mark; vector, so that it is sharp at every ratio.
+/// The drawn word mark, sharp at every ratio.
 class WordMark : public QWidget
 {
 public:
     explicit WordMark(QWidget *parent)
         : QWidget(parent)
-        , m_drawing(u":/mascot/tuppi-wordmark.svg"_s)
     {
         setFixedSize(Metrics::wordMarkWidth, Metrics::wordMarkHeight);
         setAccessibleName(u"Tuppi"_s);
@@ -30,11 +29,8 @@ protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
-        m_drawing.render(&painter, rect());
+        drawDrawing(painter, ReadDrawing(u"mascot/tuppi-wordmark"_s), rect());
     }
-
-private:
-    QSvgRenderer m_drawing;
 };
 
 } // namespace

@@ -195,7 +195,8 @@ void WindowTest::show(const QList<QJsonObject> &jobs)
 
 bool WindowTest::isEmptyStateShown() const
 {
-    return m_window->findChild<QWidget *>(u"emptyState"_s)->isVisible();
+    const auto *view = m_window->findChild<QWidget *>(u"emptyState"_s);
+    return view && view->isVisible();
 }
 
 ElidedLabel *WindowTest::summaryLabel() const
