@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <link.h>
+#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 
@@ -62,6 +63,10 @@ int main(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
         return check();
+    // What was freed goes back to the system at once, where the library would learn from one large piece of sound to
+    // keep all that follow.
+    ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    ::mallopt(M_TRIM_THRESHOLD, 256 * 1024);
     try {
         return engine::Worker(engine::Paths::ofThisUser()).run();
     } catch (const engine::Failure &failure) {
