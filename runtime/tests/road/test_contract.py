@@ -225,6 +225,52 @@ class Contract(RoadTest):
                                  ["Speech recogniser (PocketSphinx, English)"] if damaged else [])
             shutil.rmtree(model)
 
+    def test_doctor_remembers_a_worker_that_is_well(self):
+        """As long as nothing of it has changed; then it is looked at again."""
+        engine = self.engine()
+        bin_folder = os.path.join(engine.folder, "runtime", "bin")
+        worker, aside = os.path.join(bin_folder, "tuppi-engine-worker"), os.path.join(bin_folder, "aside")
+        memory = os.path.join(os.path.dirname(engine.store), "self-test")
+        model = os.path.join(engine.home, "model")
+        shutil.copytree("/usr/share/pocketsphinx/model/en-us", model)
+        engine.environment["TUPPI_POCKETSPHINX_MODEL"] = model
+        recogniser, decoding = "Speech recogniser (PocketSphinx, English)", "Decoding of audio and video (FFmpeg)"
+
+        def remembered():
+            self.assertEqual(engine.troubles(), {})
+            return os.stat(memory).st_ino
+
+        first = remembered()
+        self.assertEqual(remembered(), first)
+        with self.subTest("a part of the model"):
+            means = os.path.join(model, "en-us", "means")
+            whole = os.path.join(engine.home, "means")
+            shutil.copy2(means, whole)
+            os.truncate(means, os.path.getsize(means) // 2)
+            self.assertEqual(list(engine.troubles()), [recogniser])
+            shutil.copy2(whole, means)
+            second = remembered()
+            self.assertNotEqual(second, first)
+        with self.subTest("the program"):
+            os.chmod(worker, 0o644)
+            self.assertEqual(list(engine.troubles()), [recogniser, decoding])
+            os.chmod(worker, 0o755)
+            remembered()
+            os.rename(worker, aside)
+            self.assertEqual(list(engine.troubles()), [recogniser, decoding])
+            os.rename(aside, worker)
+        with self.subTest("a day"):
+            third = remembered()
+            long_ago = os.stat(memory).st_mtime - 25 * 3600
+            os.utime(memory, (long_ago, long_ago))
+            self.assertNotEqual(remembered(), third)
+        with self.subTest("garbage"):
+            with open(memory, "wb") as file:
+                file.write(b"\t\n\0\t/dev/null")
+            remembered()
+            with open(memory, "rb") as file:
+                self.assertIn(worker.encode(), file.read())
+
     def test_wrong_arguments(self):
         engine = self.engine()
         path = self.recording(engine)
