@@ -100,7 +100,8 @@ class ApplicationSoak:
         """A last run without faults brings everything to its end."""
         self.faults.shift_clock(0)
         for name in os.listdir(self.plan):
-            os.remove(os.path.join(self.plan, name))
+            with contextlib.suppress(FileNotFoundError):  # a command was faster
+                os.remove(os.path.join(self.plan, name))
         self.free_what_hangs()
         for _ in range(2):  # a run whose last poll was spoilt may have left some
             if self.process.poll() is None or self.waiting():
