@@ -87,7 +87,7 @@ Description describeWork(const QJsonObject &row, const std::optional<QJsonObject
     const std::optional<QString> progress = progressText(row, latestJob);
     const QString stage = stageText(textOf(row, "status"_L1), progress);
     const double fraction = fractionOf(progress);
-    if (!row.value("paused"_L1).toBool())
+    if (!IsTrue(row.value("paused"_L1)))
         return {stage, fraction};
     return {L(u"Paused — "_s) + stage, fraction < 0 ? 0 : fraction};
 }

@@ -63,6 +63,7 @@ const DescribeCase workCases[]{
     {"PausedWithoutProgress", R"({"id":"a","status":"transcribing","paused":true})", "", u"Paused — Listening and writing down…"_s, 0},
     {"PausedWithProgress", R"({"id":"a","status":"transcribing","paused":true})", R"({"id":"a","progress":"45%"})", u"Paused — Listening and writing down… 45%"_s, 0.45},
     {"PausedQueued", R"({"id":"a","status":"queued","paused":true})", "", u"Paused — Starting…"_s, 0},
+    {"PausedAsANumber", R"({"id":"a","status":"queued","paused":1})", "", u"Paused — Starting…"_s, 0},
     {"PausedNull", R"({"id":"a","status":"queued","paused":null})", "", u"Starting…"_s, -1},
     {"PausedFalse", R"({"id":"a","status":"queued","paused":false})", "", u"Starting…"_s, -1},
 };
