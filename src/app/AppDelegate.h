@@ -178,6 +178,7 @@ private:
     /// What a poll carries from its start to its end.
     struct PollContext
     {
+        unsigned number = 0;  ///< of the poll
         int generation = 0;
         bool interruptedStartEnded = false;
     };
