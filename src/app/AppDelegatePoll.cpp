@@ -3,7 +3,6 @@
 #include "app/MainLoop.h"
 #include "engine/EngineCommands.h"
 #include "engine/HistoryReader.h"
-#include "settings/L.h"
 
 #include <QFile>
 
@@ -62,9 +61,6 @@ void AppDelegate::statusArrived(const std::optional<QJsonObject> &status, const 
         updatePurr();
         notifyTransitions(history);
     }
-    // The summary line says so by itself only until a first history is there.
-    if (m_jobs.engineBroken && m_jobs.loaded && !m_jobs.waiting.isEmpty())
-        flash(L(u"Tuppi's engine could not be found — please run the installer again."_s));
     refresh();
     if (context.generation != m_jobs.startGeneration)
         return;

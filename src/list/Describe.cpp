@@ -161,7 +161,8 @@ QString SummaryLine(const SummaryInput &input)
 {
     if (!input.transientStatus.isEmpty())
         return input.transientStatus;
-    if (input.engineBroken && !input.loaded)
+    // Later too while files wait: it is what they wait for.
+    if (input.engineBroken && (!input.loaded || input.waiting > 0))
         return L(u"Tuppi's engine could not be found — please run the installer again."_s);
     if (input.rowCount == 0)
         return input.loaded ? L(u"No transcriptions"_s) : L(u"Preparing…"_s);

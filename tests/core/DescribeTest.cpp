@@ -150,6 +150,8 @@ const SummaryCase summaryCases[]{
     {"TransientBeforeWork", {u"Saved"_s, true, false, 3, {2, true, 1}, 1}, u"Saved"_s},
     {"BrokenBeforeTheFirstHistory", {{}, false, true, 0, {}, 0}, broken},
     {"BrokenBeforeTheFirstHistoryWithRows", {{}, false, true, 1, {}, 1}, broken},
+    {"BrokenWithAFileWaiting", {{}, true, true, 3, {1, true, 1}, 1}, broken},
+    {"TransientBeforeBroken", {u"Saved"_s, true, true, 3, {1, false, 1}, 1}, u"Saved"_s},
     {"BrokenAfterTheFirstHistoryIsNotSaid", {{}, true, true, 2, {0, false, 2}, 0}, u"2 transcripts"_s},
     {"BeforeTheFirstHistory", {{}, false, false, 0, {}, 0}, u"Preparing…"_s},
     {"LoadedAndEmpty", {{}, true, false, 0, {}, 0}, u"No transcriptions"_s},
