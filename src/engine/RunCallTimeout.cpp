@@ -135,6 +135,13 @@ RawReply launchFailure(int error)
     return {-1, {}, text.toUtf8()};
 }
 
+/// Whether the child has ended. It stays to be waited for.
+bool hasEnded(pid_t pid)
+{
+    siginfo_t info{};
+    return ::waitid(P_PID, id_t(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == pid;
+}
+
 int exitStatus(pid_t pid)
 {
     int status = 0;
@@ -158,8 +165,9 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
             reply.out.append(piece);
     };
     const Descriptor child(::pidfd_open(pid, 0));
+    constexpr qint64 lookMilliseconds = 50;
     const QDeadlineTimer deadline = limit > 0 ? QDeadlineTimer(qint64(limit * 1000)) : QDeadlineTimer(QDeadlineTimer::Forever);
-    bool running = child.isOpen();
+    bool running = true;
     bool terminated = false;
 
     while (running || ((out.read.isOpen() || err.read.isOpen()) && !deadline.hasExpired())) {
@@ -170,13 +178,15 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
         std::array<pollfd, 3> watched{{{out.read.get(), POLLIN, 0},
                                        {err.read.get(), POLLIN, 0},
                                        {running ? child.get() : -1, POLLIN, 0}}};
-        const qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
+        qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
+        if (running && !child.isOpen())
+            left = left < 0 ? lookMilliseconds : qMin(left, lookMilliseconds);
         if (::poll(watched.data(), watched.size(), int(left)) < 0 && errno != EINTR)
             break;
         drain(out.read, takeOut);
         drain(err.read, takeErr);
-        if (watched[2].revents != 0)
-            running = false;
+        if (running)
+            running = child.isOpen() ? watched[2].revents == 0 : !hasEnded(pid);
     }
     reply.status = exitStatus(pid);
     drain(out.read, takeOut);
