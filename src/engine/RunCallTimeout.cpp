@@ -86,9 +86,20 @@ template <typename Take> void drain(Descriptor &pipe, Take take)
     }
 }
 
+/// The words as the system takes them, for as long as they live.
+std::vector<char *> pointersTo(QList<QByteArray> &words)
+{
+    std::vector<char *> pointers;
+    pointers.reserve(size_t(words.size()) + 1);
+    for (QByteArray &word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 /// Starts the child. Returns 0 and its pid, or an error number.
 int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &out, const Pipe &err,
-          int keepOpen, pid_t *pid)
+          const RunOptions &options, pid_t *pid)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -101,8 +112,8 @@ int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &
 
     posix_spawn_file_actions_adddup2(&actions, out.write.get(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, err.write.get(), STDERR_FILENO);
-    if (keepOpen >= 0)
-        posix_spawn_file_actions_adddup2(&actions, keepOpen, keepOpen); // clears close-on-exec in the child
+    if (options.keepOpen >= 0) // clears close-on-exec in the child
+        posix_spawn_file_actions_adddup2(&actions, options.keepOpen, options.keepOpen);
 
     // A group of its own: an interrupt typed at the application's terminal is not meant for the engine.
     sigset_t none, defaults;
@@ -116,15 +127,13 @@ int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &
     posix_spawnattr_setflags(&attributes,
                              POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
-    std::vector<QByteArray> words{QFile::encodeName(interpreter)};
+    QList<QByteArray> words{QFile::encodeName(interpreter)};
     for (const QString &argument : arguments)
-        words.push_back(QFile::encodeName(argument));
-    std::vector<char *> argv;
-    argv.reserve(words.size() + 1);
-    for (QByteArray &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    return posix_spawn(pid, argv.front(), &actions, &attributes, argv.data(), environ);
+        words.append(QFile::encodeName(argument));
+    QList<QByteArray> variables = options.environment;
+    const std::vector<char *> argv = pointersTo(words);
+    const std::vector<char *> envp = pointersTo(variables);
+    return posix_spawn(pid, argv.front(), &actions, &attributes, argv.data(), envp.data());
 }
 
 RawReply launchFailure(int error)
@@ -164,6 +173,7 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
         else
             reply.out.append(piece);
     };
+    // Not every system gives a handle on a process; without one the child is looked at again and again.
     const Descriptor child(::pidfd_open(pid, 0));
     constexpr qint64 lookMilliseconds = 50;
     const QDeadlineTimer deadline = limit > 0 ? QDeadlineTimer(qint64(limit * 1000)) : QDeadlineTimer(QDeadlineTimer::Forever);
@@ -205,6 +215,14 @@ QString DecodeStream(const QByteArray &bytes)
     return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
 }
 
+QList<QByteArray> CurrentEnvironment()
+{
+    QList<QByteArray> variables;
+    for (char **variable = environ; variable && *variable; ++variable)
+        variables.append(*variable);
+    return variables;
+}
+
 // QProcess stops reading when bash itself has ended and so loses what bash's own child still writes; here
 // the streams are read to their end.
 RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, const RunOptions &options)
@@ -215,7 +233,7 @@ RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, co
     if (!out.open() || !err.open())
         return launchFailure(errno);
     pid_t pid = -1;
-    const int error = spawn(interpreter, arguments, out, err, options.keepOpen, &pid);
+    const int error = spawn(interpreter, arguments, out, err, options, &pid);
     if (error != 0)
         return launchFailure(error);
     out.write.close();

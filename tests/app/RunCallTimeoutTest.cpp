@@ -145,6 +145,16 @@ TEST_F(RunCallTest, EnvironmentAndWorkingFolderAreInherited)
     EXPECT_EQ(reply.out, u"handed on|"_s + QDir::currentPath());
 }
 
+TEST_F(RunCallTest, TheEnvironmentIsThatOfTheMomentOfTheCall)
+{
+    qputenv("TUPPI_TEST_WORD", "then");
+    RunOptions options;
+    options.before = [] { qputenv("TUPPI_TEST_WORD", "later"); }; // on the thread that runs the command
+    const RawReply reply = RunAndWait(u"/bin/bash"_s, {u"-c"_s, u"printf %s \"$TUPPI_TEST_WORD\""_s}, options);
+    qunsetenv("TUPPI_TEST_WORD");
+    EXPECT_EQ(reply.out, "then");
+}
+
 TEST_F(RunCallTest, CompletionRunsOnTheMainThread)
 {
     QThread *thread = nullptr;
