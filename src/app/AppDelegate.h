@@ -49,7 +49,7 @@ public:
     const JobsState &jobs() const { return m_jobs; }
     const ListState &list() const { return m_list; }
     const ModelsState &models() const { return m_models; }
-    /// False when another process owns the stored queue and this one's files wait in memory only.
+    /// False while another process owns the stored queue and this one's files wait in memory only.
     bool ownsStoredQueue() const { return m_queue.owned; }
 
     // Main loop
@@ -63,6 +63,8 @@ public:
     void enqueue(const QStringList &paths, const StartChoices &choices);
     void saveWaiting();
     void restoreWaiting();
+    /// Takes the stored queue over from a process that has ended, in front of this one's own.
+    void takeOverWaiting();
     void removeWaiting(const QString &rowKey);
     void startNextIfIdle();
     bool somethingActive() const;

@@ -14,6 +14,7 @@ void AppDelegate::poll()
 {
     if (m_jobs.polling)
         return;
+    takeOverWaiting();
     m_jobs.polling = true;
     PollContext context;
     context.number = ++m_jobs.polls;

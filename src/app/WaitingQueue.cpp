@@ -38,18 +38,28 @@ QString WaitingPath(const WaitingEntry &entry)
 
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
 {
+    WaitingQueue more;
+    for (const QString &path : paths) {
+        more.append({{u"url"_s, QUrl::fromLocalFile(path)},
+                     {u"engine"_s, choices.engine},
+                     {u"language"_s, choices.language},
+                     {u"speakers"_s, choices.speakers},
+                     {u"quick"_s, choices.quick}});
+    }
+    AddWaiting(queue, more);
+}
+
+void AddWaiting(WaitingQueue &queue, const WaitingQueue &more)
+{
     QSet<QString> known;
     for (const WaitingEntry &entry : std::as_const(queue))
         known.insert(WaitingPath(entry));
-    for (const QString &path : paths) {
+    for (const WaitingEntry &entry : more) {
+        const QString path = WaitingPath(entry);
         if (known.contains(path))
             continue;
         known.insert(path);
-        queue.append({{u"url"_s, QUrl::fromLocalFile(path)},
-                      {u"engine"_s, choices.engine},
-                      {u"language"_s, choices.language},
-                      {u"speakers"_s, choices.speakers},
-                      {u"quick"_s, choices.quick}});
+        queue.append(entry);
     }
 }
 
