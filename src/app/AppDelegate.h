@@ -79,6 +79,8 @@ public:
     // Adding files
     /// Files that the desktop asks to open; what is no recording is left out.
     void openUrls(const QList<QUrl> &urls);
+    /// The same while the application runs: the window comes forward for a recording only; `token` as above.
+    void openRequested(const QList<QUrl> &urls, const QString &token);
     /// The one door for files: gathers them in the New Transcription panel.
     void addFiles(const QList<QUrl> &files);
     void chooseFiles();

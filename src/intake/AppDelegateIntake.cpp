@@ -26,6 +26,14 @@ void AppDelegate::openUrls(const QList<QUrl> &urls)
         addFiles(accepted);
 }
 
+void AppDelegate::openRequested(const QList<QUrl> &urls, const QString &token)
+{
+    if (AcceptedFiles(urls).isEmpty())
+        return;
+    applicationShouldHandleReopen(token);
+    openUrls(urls);
+}
+
 void AppDelegate::addFiles(const QList<QUrl> &files)
 {
     m_ui.window->bringForward();

@@ -167,6 +167,19 @@ TEST_F(Intake, AnOpenRequestWithoutARecordingDoesNothing)
     EXPECT_NE(panel(), nullptr);
 }
 
+TEST_F(Intake, OnlyARecordingBringsTheWindowForward)
+{
+    openWindow();
+    window()->close();
+    m_app->openRequested({url(other(u"song.m4v"_s))}, {});
+    m_app->openRequested({}, {});
+    EXPECT_FALSE(window()->isVisible());
+    EXPECT_EQ(window()->findChild<SetupPanel *>(), nullptr);
+    m_app->openRequested({url(other(u"song.m4v"_s)), url(m_engine.recording(u"a.m4a"_s))}, {});
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_EQ(panelFiles(), QStringList{u"a.m4a"_s});
+}
+
 TEST_F(Intake, TheFileDialogTakesWhatADropRefuses)
 {
     openWindow();
