@@ -29,4 +29,10 @@ bool IsRowCommandAllowed(const QJsonObject &row, const QString &action)
     return action == "showRowInFinder"_L1 || status == "ready"_L1;
 }
 
+QString TypedTitle(const QString &typed)
+{
+    static const QRegularExpression breaks(u"[\\p{Cc}\\x{2028}\\x{2029}]+"_s);
+    return QString(typed).replace(breaks, u" "_s).trimmed();
+}
+
 } // namespace tuppi

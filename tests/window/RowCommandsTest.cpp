@@ -210,6 +210,21 @@ TEST_F(RowCommands, RenameToNothingDoesNothing)
     EXPECT_EQ(m_engine.count(u"rename"_s), 0);
 }
 
+TEST_F(RowCommands, APastedTitleBecomesOneLineThatTheEngineTakes)
+{
+    openWith({call(u"a"_s, u"A"_s)});
+    const QString lines = u" Minutes\r\nof\u2028the\tmeeting\n"_s;
+    for (const QString &pasted : {lines, QString(600, u'x')}) {
+        choose(u"a"_s, u"renameRow"_s);
+        auto *field = sheet()->findChild<QLineEdit *>();
+        field->selectAll();
+        field->insert(pasted);
+        answer(0);
+    }
+    EXPECT_TRUE(called(u"rename"_s, {{u"rename"_s, u"a"_s, u"--"_s, u"Minutes of the meeting"_s},
+                                     {u"rename"_s, u"a"_s, u"--"_s, QString(500, u'x')}}));
+}
+
 TEST_F(RowCommands, AWorkingRowIsNotRenamed)
 {
     openWith({job(u"a"_s, u"A"_s, u"analyzing"_s)});
