@@ -229,6 +229,7 @@ private:
     void showEmptyState();
     void restoreFrame();
     void rememberFrame();
+    bool showOpenResult(const ResultPlan &plan);
     void openTextWindow(const ResultPlan &plan);
     void openViewerWindow(const ResultPlan &plan, bool withoutSandbox);
     void offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox);
