@@ -126,11 +126,7 @@ int openWindow(Defaults &defaults, const Options &options, SingleInstance &insta
 {
     AppDelegate delegate(defaults);
     QObject::connect(&instance, &SingleInstance::activated, &delegate, &AppDelegate::applicationShouldHandleReopen);
-    QObject::connect(&instance, &SingleInstance::openRequested, &delegate,
-                     [&delegate](const QList<QUrl> &urls, const QString &token) {
-                         delegate.applicationShouldHandleReopen(token);
-                         delegate.openUrls(urls);
-                     });
+    QObject::connect(&instance, &SingleInstance::openRequested, &delegate, &AppDelegate::openRequested);
     QObject::connect(&delegate, &AppDelegate::relaunchRequested, qApp, [] {
         RelaunchAfterQuit(QCoreApplication::applicationFilePath());
         QCoreApplication::quit();

@@ -1,5 +1,6 @@
 #include "actions/RenameSheet.h"
 
+#include "actions/RowRules.h"
 #include "settings/L.h"
 #include "ui/Metrics.h"
 #include "ui/Sheet.h"
@@ -20,13 +21,14 @@ void askForTitle(QWidget *window, const QString &title, std::function<void(const
     text.defaultButton = rename;
     text.escapeButton = cancel;
     auto *field = new QLineEdit(title);
+    field->setMaxLength(longestTitle);
     field->setObjectName(u"titleField"_s);
     field->setAccessibleName(text.message);
     field->setTextMargins(4, 0, 4, 0);
     field->setFixedSize(Metrics::titleFieldWidth, Metrics::titleFieldHeight);
     // The sheet outlives its answer, and so does the field in it.
     Sheet *sheet = Sheet::open(window, text, [field, then = std::move(then)](int button) {
-        const QString typed = field->text().trimmed();
+        const QString typed = TypedTitle(field->text());
         if (button == rename && !typed.isEmpty())
             then(typed);
     });

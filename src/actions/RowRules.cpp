@@ -1,6 +1,9 @@
 #include "actions/RowRules.h"
 
 #include "engine/Stages.h"
+#include "settings/Val.h"
+
+#include <QRegularExpression>
 
 namespace tuppi {
 
@@ -12,7 +15,7 @@ bool IsRowCommandAllowed(const QJsonObject &row, const QString &action)
         return false;
     const QString status = row.value("status"_L1).toString();
     const bool working = IsActiveStage(status);
-    const bool paused = row.value("paused"_L1).toBool();
+    const bool paused = IsTrue(row.value("paused"_L1));
     if (action == "retryRow"_L1)
         return status == "failed"_L1 || status == "cancelled"_L1;
     if (action == "pauseRow"_L1)
@@ -24,6 +27,12 @@ bool IsRowCommandAllowed(const QJsonObject &row, const QString &action)
     if (action == "removeRow"_L1 || action == "renameRow"_L1)
         return !working;
     return action == "showRowInFinder"_L1 || status == "ready"_L1;
+}
+
+QString TypedTitle(const QString &typed)
+{
+    static const QRegularExpression breaks(u"[\\p{Cc}\\x{2028}\\x{2029}]+"_s);
+    return QString(typed).replace(breaks, u" "_s).trimmed();
 }
 
 } // namespace tuppi

@@ -49,7 +49,7 @@ public:
     const JobsState &jobs() const { return m_jobs; }
     const ListState &list() const { return m_list; }
     const ModelsState &models() const { return m_models; }
-    /// False when another process owns the stored queue and this one's files wait in memory only.
+    /// False while another process owns the stored queue and this one's files wait in memory only.
     bool ownsStoredQueue() const { return m_queue.owned; }
 
     // Main loop
@@ -63,6 +63,8 @@ public:
     void enqueue(const QStringList &paths, const StartChoices &choices);
     void saveWaiting();
     void restoreWaiting();
+    /// Takes the stored queue over from a process that has ended, in front of this one's own.
+    void takeOverWaiting();
     void removeWaiting(const QString &rowKey);
     void startNextIfIdle();
     bool somethingActive() const;
@@ -77,6 +79,8 @@ public:
     // Adding files
     /// Files that the desktop asks to open; what is no recording is left out.
     void openUrls(const QList<QUrl> &urls);
+    /// The same while the application runs: the window comes forward for a recording only; `token` as above.
+    void openRequested(const QList<QUrl> &urls, const QString &token);
     /// The one door for files: gathers them in the New Transcription panel.
     void addFiles(const QList<QUrl> &files);
     void chooseFiles();
@@ -178,6 +182,7 @@ private:
     /// What a poll carries from its start to its end.
     struct PollContext
     {
+        unsigned number = 0;  ///< of the poll
         int generation = 0;
         bool interruptedStartEnded = false;
     };
@@ -224,6 +229,7 @@ private:
     void showEmptyState();
     void restoreFrame();
     void rememberFrame();
+    bool showOpenResult(const ResultPlan &plan);
     void openTextWindow(const ResultPlan &plan);
     void openViewerWindow(const ResultPlan &plan, bool withoutSandbox);
     void offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox);

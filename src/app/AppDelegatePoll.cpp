@@ -3,7 +3,6 @@
 #include "app/MainLoop.h"
 #include "engine/EngineCommands.h"
 #include "engine/HistoryReader.h"
-#include "settings/L.h"
 
 #include <QFile>
 
@@ -15,8 +14,10 @@ void AppDelegate::poll()
 {
     if (m_jobs.polling)
         return;
+    takeOverWaiting();
     m_jobs.polling = true;
     PollContext context;
+    context.number = ++m_jobs.polls;
     context.generation = m_jobs.startGeneration;
     // Asked before the history is: only a history younger than the command's end can prove that there is no job.
     context.interruptedStartEnded =
@@ -31,6 +32,9 @@ void AppDelegate::poll()
 
 void AppDelegate::historyArrived(const HistoryReply &reply, PollContext context)
 {
+    // A command has asked anew meanwhile: what the engine said before it must not undo what it says now.
+    if (context.number != m_jobs.polls)
+        return;
     m_jobs.engineBroken = IsEngineBroken(reply.status, reply.history != nullptr, QFile::exists(EnginePath()));
     RunCallRead(
         command::status(), this, {command::queryTimeoutSeconds, -1},
@@ -43,6 +47,8 @@ void AppDelegate::historyArrived(const HistoryReply &reply, PollContext context)
 void AppDelegate::statusArrived(const std::optional<QJsonObject> &status, const HistoryPointer &history,
                                 PollContext context)
 {
+    if (context.number != m_jobs.polls)
+        return;
     m_jobs.polling = false;
     if (status) {
         const QJsonValue latest = status->value("latest_job"_L1);
@@ -56,9 +62,6 @@ void AppDelegate::statusArrived(const std::optional<QJsonObject> &status, const 
         updatePurr();
         notifyTransitions(history);
     }
-    // The summary line says so by itself only until a first history is there.
-    if (m_jobs.engineBroken && m_jobs.loaded && !m_jobs.waiting.isEmpty())
-        flash(L(u"Tuppi's engine could not be found — please run the installer again."_s));
     refresh();
     if (context.generation != m_jobs.startGeneration)
         return;

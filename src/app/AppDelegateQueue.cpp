@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <utility>
+
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
@@ -18,16 +20,33 @@ void AppDelegate::restoreWaiting()
     m_queue.owned = m_queue.ownerLock.tryLock() != FileLock::Result::Elsewhere;
     if (!m_queue.owned)
         return;
-    m_jobs.waiting += RestoredQueue(m_queue.defaults.value(u"waitingQueue"_s));
+    m_queue.defaults.reread(); // as the last owner left it
+    const WaitingQueue own = std::exchange(m_jobs.waiting, RestoredQueue(m_queue.defaults.value(u"waitingQueue"_s)));
+    AddWaiting(m_jobs.waiting, own);
     m_jobs.interruptedStart = RestoredStart(m_queue.defaults.value(u"startInFlight"_s));
     if (!m_jobs.interruptedStart)
         m_queue.startLock.tryLock();
+}
+
+void AppDelegate::takeOverWaiting()
+{
+    // Only where the files stay in sight: a run in a terminal keeps to its own. Not during a start, which the stored
+    // record of an interrupted one would take the place of.
+    if (m_queue.owned || !m_ui.window || m_jobs.starting)
+        return;
+    if (m_queue.ownerLock.tryLock() != FileLock::Result::Held)
+        return;
+    restoreWaiting();
+    saveWaiting();
+    refresh();
 }
 
 void AppDelegate::enqueue(const QStringList &paths, const StartChoices &choices)
 {
     AddWaiting(m_jobs.waiting, paths, choices);
     saveWaiting();
+    if (!m_queue.owned && !std::exchange(m_queue.toldNotOwned, true))
+        flash(L(u"Another Tuppi is running. The list here is kept only until the app quits."_s));
     const auto show = [this] {
         refresh();
         startNextIfIdle();

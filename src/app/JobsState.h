@@ -25,6 +25,7 @@ struct JobsState
     bool settingUp = false;       ///< that installer is at work
     bool engineBroken = false;    ///< the engine could not be found at the last poll
     bool polling = false;         ///< a history or status query of the current poll is in flight
+    unsigned polls = 0;           ///< begun so far; what an earlier one than the last brings is no longer news
     unsigned pollTick = 0;        ///< timer ticks so far
     bool starting = false;        ///< a start is in flight
     WaitingEntry startingEntry;   ///< the file of that start

@@ -1,6 +1,7 @@
 #include "app/Scheduler.h"
 
 #include "settings/L.h"
+#include "settings/Val.h"
 
 #include <algorithm>
 
@@ -22,7 +23,7 @@ bool BusyExcept(const JobsState &jobs, const QString &id)
 {
     const QList<QJsonObject> &active = jobs.history->active;
     return jobs.isHandingOver() || std::any_of(active.begin(), active.end(), [&](const QJsonObject &job) {
-        return !job.value("paused"_L1).toBool() && job.value("id"_L1).toString() != id;
+        return !IsTrue(job.value("paused"_L1)) && job.value("id"_L1).toString() != id;
     });
 }
 

@@ -38,22 +38,29 @@ QString WaitingPath(const WaitingEntry &entry)
 
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
 {
-    QSet<QString> known;
-    known.reserve(queue.size() + paths.size());
-    for (const WaitingEntry &entry : std::as_const(queue))
-        known.insert(WaitingPath(entry));
     const WaitingEntry chosen{{u"engine"_s, choices.engine},
                               {u"language"_s, choices.language},
                               {u"speakers"_s, choices.speakers},
                               {u"quick"_s, choices.quick}};
-    queue.reserve(queue.size() + paths.size());
-    for (const QString &path : paths) {
+    WaitingQueue more;
+    more.reserve(paths.size());
+    for (const QString &path : paths)
+        more.emplaceBack(chosen).insert(u"url"_s, QUrl::fromLocalFile(path));
+    AddWaiting(queue, more);
+}
+
+void AddWaiting(WaitingQueue &queue, const WaitingQueue &more)
+{
+    QSet<QString> known;
+    known.reserve(queue.size() + more.size());
+    for (const WaitingEntry &entry : std::as_const(queue))
+        known.insert(WaitingPath(entry));
+    queue.reserve(queue.size() + more.size());
+    for (const WaitingEntry &entry : more) {
         const qsizetype before = known.size();
-        known.insert(path);
-        if (known.size() == before)
-            continue;
-        WaitingEntry &entry = queue.emplaceBack(chosen);
-        entry.insert(u"url"_s, QUrl::fromLocalFile(path));
+        known.insert(WaitingPath(entry));
+        if (known.size() > before)
+            queue.append(entry);
     }
 }
 

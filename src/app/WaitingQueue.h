@@ -26,6 +26,9 @@ QString WaitingPath(const WaitingEntry &entry);
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);
 
+/// Appends those of `more` whose file is not waiting yet, in order.
+void AddWaiting(WaitingQueue &queue, const WaitingQueue &more);
+
 /// Puts a file whose start was interrupted back to the head. Left out where the file is gone, as at any restart, or was
 /// added again meanwhile.
 void TakeBack(WaitingQueue &queue, const WaitingEntry &entry);

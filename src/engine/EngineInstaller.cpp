@@ -23,7 +23,7 @@ bool EngineSetupFailed(int status)
 void SetUpEngine(const QString &installer, QObject *context, Completion completion)
 {
     RunRead(
-        [installer] { return RunAndWait(u"/bin/bash"_s, {installer, u"--link"_s}, {}); }, context,
+        [installer, options = RunOptions()] { return RunAndWait(u"/bin/bash"_s, {installer, u"--link"_s}, options); }, context,
         [](const RawReply &raw) { return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)}; },
         std::move(completion));
 }

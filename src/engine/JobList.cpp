@@ -47,7 +47,7 @@ JobNote noteOf(const QJsonObject &job, QByteArray &names)
     note.titleSize = name("title"_L1);
     note.statusSize = name("status"_L1);
     note.idIsText = job.value("id"_L1).isString();
-    note.paused = job.value("paused"_L1).toBool();
+    note.paused = IsTrue(job.value("paused"_L1));
     note.hidden = job.value("hidden"_L1).toBool();
     note.folder = folderHash(job.value("call_dir"_L1).toString());
     note.completedAt = completedAt(job);

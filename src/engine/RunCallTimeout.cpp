@@ -86,9 +86,20 @@ template <typename Take> void drain(Descriptor &pipe, Take take)
     }
 }
 
+/// The words as the system takes them, for as long as they live.
+std::vector<char *> pointersTo(QList<QByteArray> &words)
+{
+    std::vector<char *> pointers;
+    pointers.reserve(size_t(words.size()) + 1);
+    for (QByteArray &word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 /// Starts the child. Returns 0 and its pid, or an error number.
 int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &out, const Pipe &err,
-          int keepOpen, pid_t *pid)
+          const RunOptions &options, pid_t *pid)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -101,8 +112,8 @@ int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &
 
     posix_spawn_file_actions_adddup2(&actions, out.write.get(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, err.write.get(), STDERR_FILENO);
-    if (keepOpen >= 0)
-        posix_spawn_file_actions_adddup2(&actions, keepOpen, keepOpen); // clears close-on-exec in the child
+    if (options.keepOpen >= 0) // clears close-on-exec in the child
+        posix_spawn_file_actions_adddup2(&actions, options.keepOpen, options.keepOpen);
 
     // A group of its own: an interrupt typed at the application's terminal is not meant for the engine.
     sigset_t none, defaults;
@@ -116,15 +127,13 @@ int spawn(const QString &interpreter, const QStringList &arguments, const Pipe &
     posix_spawnattr_setflags(&attributes,
                              POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
-    std::vector<QByteArray> words{QFile::encodeName(interpreter)};
+    QList<QByteArray> words{QFile::encodeName(interpreter)};
     for (const QString &argument : arguments)
-        words.push_back(QFile::encodeName(argument));
-    std::vector<char *> argv;
-    argv.reserve(words.size() + 1);
-    for (QByteArray &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    return posix_spawn(pid, argv.front(), &actions, &attributes, argv.data(), environ);
+        words.append(QFile::encodeName(argument));
+    QList<QByteArray> variables = options.environment;
+    const std::vector<char *> argv = pointersTo(words);
+    const std::vector<char *> envp = pointersTo(variables);
+    return posix_spawn(pid, argv.front(), &actions, &attributes, argv.data(), envp.data());
 }
 
 RawReply launchFailure(int error)
@@ -133,6 +142,13 @@ RawReply launchFailure(int error)
     if (error == 0 || text.isEmpty())
         text = L(u"Could not start Tuppi Transcriber"_s);
     return {-1, {}, text.toUtf8()};
+}
+
+/// Whether the child has ended. It stays to be waited for.
+bool hasEnded(pid_t pid)
+{
+    siginfo_t info{};
+    return ::waitid(P_PID, id_t(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == pid;
 }
 
 int exitStatus(pid_t pid)
@@ -157,9 +173,11 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
         else
             reply.out.append(piece);
     };
+    // Not every system gives a handle on a process; without one the child is looked at again and again.
     const Descriptor child(::pidfd_open(pid, 0));
+    constexpr qint64 lookMilliseconds = 50;
     const QDeadlineTimer deadline = limit > 0 ? QDeadlineTimer(qint64(limit * 1000)) : QDeadlineTimer(QDeadlineTimer::Forever);
-    bool running = child.isOpen();
+    bool running = true;
     bool terminated = false;
 
     while (running || ((out.read.isOpen() || err.read.isOpen()) && !deadline.hasExpired())) {
@@ -170,13 +188,15 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
         std::array<pollfd, 3> watched{{{out.read.get(), POLLIN, 0},
                                        {err.read.get(), POLLIN, 0},
                                        {running ? child.get() : -1, POLLIN, 0}}};
-        const qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
+        qint64 left = deadline.isForever() || terminated ? -1 : qMin<qint64>(deadline.remainingTime() + 1, 1 << 30);
+        if (running && !child.isOpen())
+            left = left < 0 ? lookMilliseconds : qMin(left, lookMilliseconds);
         if (::poll(watched.data(), watched.size(), int(left)) < 0 && errno != EINTR)
             break;
         drain(out.read, takeOut);
         drain(err.read, takeErr);
-        if (watched[2].revents != 0)
-            running = false;
+        if (running)
+            running = child.isOpen() ? watched[2].revents == 0 : !hasEnded(pid);
     }
     reply.status = exitStatus(pid);
     drain(out.read, takeOut);
@@ -195,6 +215,14 @@ QString DecodeStream(const QByteArray &bytes)
     return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
 }
 
+QList<QByteArray> CurrentEnvironment()
+{
+    QList<QByteArray> variables;
+    for (char **variable = environ; variable && *variable; ++variable)
+        variables.append(*variable);
+    return variables;
+}
+
 // QProcess stops reading when bash itself has ended and so loses what bash's own child still writes; here
 // the streams are read to their end.
 RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, const RunOptions &options)
@@ -205,7 +233,7 @@ RawReply RunAndWait(const QString &interpreter, const QStringList &arguments, co
     if (!out.open() || !err.open())
         return launchFailure(errno);
     pid_t pid = -1;
-    const int error = spawn(interpreter, arguments, out, err, options.keepOpen, &pid);
+    const int error = spawn(interpreter, arguments, out, err, options, &pid);
     if (error != 0)
         return launchFailure(error);
     out.write.close();

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -31,6 +32,9 @@ struct EngineReply
 
 using Completion = std::function<void(const EngineReply &)>;
 
+/// The environment as it is now, "NAME=value" each. For the thread that changes it, the main one.
+QList<QByteArray> CurrentEnvironment();
+
 /// How one command is run, beside its arguments.
 struct RunOptions
 {
@@ -42,6 +46,9 @@ struct RunOptions
     std::function<void(QByteArrayView)> out = {};
     /// Waited for, on that thread, before the command is run.
     std::function<void()> before = {};
+    /// That of the moment when the options are made, on the caller's thread: the one that runs the command must not
+    /// read it while the main thread changes it.
+    QList<QByteArray> environment = CurrentEnvironment();
 };
 
 /// Path of the engine's entry file under the user's home, computed afresh each time.

@@ -15,7 +15,9 @@ const QStringList &AcceptedExtensions()
 
 bool IsAcceptedFile(const QString &path)
 {
-    return AcceptedExtensions().contains(QFileInfo(path).suffix().toLower());
+    const QFileInfo file(path);
+    // A dot at the beginning hides the file; it does not part a name from its extension.
+    return !file.completeBaseName().isEmpty() && AcceptedExtensions().contains(file.suffix().toLower());
 }
 
 QList<QUrl> AcceptedFiles(const QList<QUrl> &urls)

@@ -26,6 +26,14 @@ void AppDelegate::openUrls(const QList<QUrl> &urls)
         addFiles(accepted);
 }
 
+void AppDelegate::openRequested(const QList<QUrl> &urls, const QString &token)
+{
+    if (AcceptedFiles(urls).isEmpty())
+        return;
+    applicationShouldHandleReopen(token);
+    openUrls(urls);
+}
+
 void AppDelegate::addFiles(const QList<QUrl> &files)
 {
     m_ui.window->bringForward();
@@ -53,9 +61,9 @@ void AppDelegate::openSetup()
 {
     const QList<LanguageRow> languages = Languages(QLocale());
     SetupOpening opening;
-    opening.models = allModels(m_models.custom);
-    opening.languages = languages;
     opening.choices.engine = m_queue.defaults.text(u"engine"_s);
+    opening.models = m_models.known ? allModels(m_models.custom) : ModelsBeforeAnswer(opening.choices.engine);
+    opening.languages = languages;
     opening.choices.language = PreselectedLanguage(m_queue.defaults.text(u"language"_s), languages);
     opening.choices.speakers = m_queue.defaults.isOn(u"speakers"_s);
     opening.choices.quick = m_queue.defaults.isOn(u"quickMode"_s);

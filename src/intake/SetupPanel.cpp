@@ -58,6 +58,19 @@ void SetupPanel::chooseModel(const QString &engine)
     refreshHint();
 }
 
+void SetupPanel::setModels(const QList<ModelRow> &models)
+{
+    const auto *focused = qobject_cast<ModelCard *>(focusWidget());
+    const QString focusedEngine = focused ? focused->engine() : QString();
+    fillCards(models);
+    chooseModel(HasModel(models, m_engine) || models.isEmpty() ? m_engine : models.first().id);
+    setTabOrders();
+    for (ModelCard *card : std::as_const(m_cards)) {
+        if (focused && card->engine() == focusedEngine)
+            card->setFocus();
+    }
+}
+
 void SetupPanel::languageChanged()
 {
     const QString code = m_languages->currentData().toString();

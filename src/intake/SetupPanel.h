@@ -50,6 +50,9 @@ public:
     /// Shows a batch. Lengths come in by the thousand: of those given within a moment, the last is shown.
     void showTexts(const SetupTexts &texts);
 
+    /// Offers these from now on. The choice stays while it is among them, else the first takes its place.
+    void setModels(const QList<ModelRow> &models);
+
     /// As they stand now. A language that is still to be confirmed is not among them.
     StartChoices choices() const;
 
@@ -69,7 +72,7 @@ protected:
 private:
     void buildPage(const SetupOpening &opening, Mascots &mascots);
     QWidget *buildHeader(Mascots &mascots);
-    QWidget *buildCards(const QList<ModelRow> &models);
+    void fillCards(const QList<ModelRow> &models);
     QLayout *buildLanguageRow(const SetupOpening &opening);
     QWidget *buildButtons();
     void addOption(QVBoxLayout *stack, TickBox *option, const QString &help);
@@ -95,6 +98,7 @@ private:
     QWidget *m_page;
     QWidget *m_edge;  ///< where the page ends and the buttons begin, while it scrolls
     FileBox *m_files = nullptr;
+    QWidget *m_cardGround = nullptr;
     QList<ModelCard *> m_cards;
     PopUpButton *m_languages = nullptr;
     WrapLabel *m_hint = nullptr;

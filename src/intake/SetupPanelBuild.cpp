@@ -25,6 +25,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
@@ -75,8 +77,8 @@ SetupPanel::SetupPanel(const SetupOpening &opening, Mascots &mascots, QWidget *p
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(m_ground);
 
-    setTabOrders();
-    refreshHint();
+    m_engine = opening.choices.engine;
+    setModels(opening.models);
     m_start->setFocus();
     fitHeight();
 }
@@ -94,7 +96,8 @@ void SetupPanel::buildPage(const SetupOpening &opening, Mascots &mascots)
     stack->addSpacing(16);
     stack->addWidget(SectionLabel(L(u"Model"_s), opening.interfaceLanguage));
     stack->addSpacing(M::gap);
-    stack->addWidget(buildCards(opening.models));
+    m_cardGround = new QWidget(m_page);
+    stack->addWidget(m_cardGround);
     stack->addSpacing(16);
     QLabel *language = SectionLabel(L(u"Language"_s), opening.interfaceLanguage);
     stack->addWidget(language);
@@ -116,9 +119,6 @@ void SetupPanel::buildPage(const SetupOpening &opening, Mascots &mascots)
     m_quick->setChecked(opening.choices.quick);
     addOption(stack, m_quick, L(u"Only the transcript: skips the summary, tasks and text polishing."_s));
     stack->addStretch(1);
-
-    const bool offered = HasModel(opening.models, opening.choices.engine);
-    chooseModel(offered || opening.models.isEmpty() ? opening.choices.engine : opening.models.first().id);
 }
 
 QWidget *SetupPanel::buildHeader(Mascots &mascots)
@@ -135,22 +135,23 @@ QWidget *SetupPanel::buildHeader(Mascots &mascots)
     return header;
 }
 
-QWidget *SetupPanel::buildCards(const QList<ModelRow> &models)
+void SetupPanel::fillCards(const QList<ModelRow> &models)
 {
-    auto *cards = new QWidget(m_page);
-    auto *grid = new QGridLayout(cards);
+    qDeleteAll(std::exchange(m_cards, {}));
+    delete m_cardGround->layout();
+    auto *grid = new QGridLayout(m_cardGround);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(M::cardGap);
     for (const ModelRow &model : models) {
-        auto *card = new ModelCard(model.id, cards);
+        auto *card = new ModelCard(model.id, m_cardGround);
         card->setObjectName("model."_L1 + model.id);
         card->setTexts(model.title, model.badge, model.description);
         connect(card, &ModelCard::chosen, this, [this](ModelCard *chosen) { chooseModel(chosen->engine()); });
         const int cell = int(m_cards.size());
         grid->addWidget(card, cell / 2, cell % 2);
+        card->show(); // the panel may be open, and a hidden card takes no focus
         m_cards.append(card);
     }
-    return cards;
 }
 
 QLayout *SetupPanel::buildLanguageRow(const SetupOpening &opening)

@@ -87,7 +87,7 @@ Description describeWork(const QJsonObject &row, const std::optional<QJsonObject
     const std::optional<QString> progress = progressText(row, latestJob);
     const QString stage = stageText(textOf(row, "status"_L1), progress);
     const double fraction = fractionOf(progress);
-    if (!row.value("paused"_L1).toBool())
+    if (!IsTrue(row.value("paused"_L1)))
         return {stage, fraction};
     return {L(u"Paused — "_s) + stage, fraction < 0 ? 0 : fraction};
 }
@@ -161,7 +161,8 @@ QString SummaryLine(const SummaryInput &input)
 {
     if (!input.transientStatus.isEmpty())
         return input.transientStatus;
-    if (input.engineBroken && !input.loaded)
+    // Later too while files wait: it is what they wait for.
+    if (input.engineBroken && (!input.loaded || input.waiting > 0))
         return L(u"Tuppi's engine could not be found — please run the installer again."_s);
     if (input.rowCount == 0)
         return input.loaded ? L(u"No transcriptions"_s) : L(u"Preparing…"_s);

@@ -1,5 +1,7 @@
 #include "list/PurrRules.h"
 
+#include "settings/Val.h"
+
 #include <algorithm>
 
 namespace tuppi {
@@ -9,7 +11,7 @@ using namespace Qt::StringLiterals;
 bool IsPurringWork(const History &history)
 {
     return std::any_of(history.active.cbegin(), history.active.cend(), [](const QJsonObject &job) {
-        return job.value("status"_L1).toString() != "queued"_L1 && !job.value("paused"_L1).toBool();
+        return job.value("status"_L1).toString() != "queued"_L1 && !IsTrue(job.value("paused"_L1));
     });
 }
 

@@ -23,7 +23,7 @@ QString text(const QJsonObject &row, QLatin1String key)
 
 bool isPaused(const QJsonObject &row, const QString &status)
 {
-    return IsActiveStage(status) && Val(row.value("paused"_L1)).toVariant().toBool();
+    return IsActiveStage(status) && IsTrue(row.value("paused"_L1));
 }
 
 PoseAndKind poseFor(const QString &status, bool paused)

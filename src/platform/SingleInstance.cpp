@@ -62,16 +62,16 @@ bool callOwner(const QDBusConnection &bus, const QString &method, const QVariant
 bool handOver(const QDBusConnection &bus, const QList<QUrl> &urls, const QVariantMap &tokens,
               const QDeadlineTimer &deadline)
 {
-    // Activated first: only an owner that answers is given the files, so that none that hangs now adds them
-    // later, beside the process that ran alone instead.
-    if (!callOwner(bus, u"Activate"_s, {tokens}, deadline))
-        return false;
     if (urls.isEmpty())
-        return true;
+        return callOwner(bus, u"Activate"_s, {tokens}, deadline);
+    // Asked to open nothing first: only an owner that answers is given the files, so that none that hangs now adds
+    // them later, beside the process that ran alone instead. Whether its window comes forward the files decide.
+    if (!callOwner(bus, u"Open"_s, {QStringList(), QVariantMap()}, deadline))
+        return false;
     QStringList uris;
     for (const QUrl &url : urls)
         uris.append(QString::fromLatin1(url.toEncoded()));
-    return callOwner(bus, u"Open"_s, {uris, QVariantMap()}, deadline);
+    return callOwner(bus, u"Open"_s, {uris, tokens}, deadline);
 }
 
 } // namespace

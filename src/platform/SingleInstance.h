@@ -38,7 +38,8 @@ public:
 Q_SIGNALS:
     /// The window is asked to come forward; `token` is for ActivateWindow().
     void activated(const QString &token);
-    /// Files are to be opened, as they were sent, and the window is to come forward.
+    /// Files are to be opened, as they were sent (none to see whether this process answers); where that shows
+    /// something, the window is to come forward.
     void openRequested(const QList<QUrl> &urls, const QString &token);
 
 private:

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "engine/EngineCommands.h"
+#include "intake/SetupPanel.h"
 #include "settings/AddModelForm.h"
 #include "settings/EngineErrors.h"
 #include "settings/Fill.h"
@@ -24,7 +25,7 @@ void AppDelegate::refreshCustomModels()
             if (!list)
                 return;
             const bool named = m_models.custom != list->custom;
-            m_models = {list->custom, list->textModel, list->ollamaModels};
+            m_models = {list->custom, list->textModel, list->ollamaModels, true};
             resetEngineThatIsGone();
             rebuildModelsUI();
             refresh();
@@ -53,6 +54,8 @@ void AppDelegate::connectModelsPane()
 
 void AppDelegate::rebuildModelsUI()
 {
+    if (m_setup.panel)
+        m_setup.panel->setModels(allModels(m_models.custom));
     if (!m_settings.window)
         return;
     m_settings.window->setModelChoices(ModelChoices(allModels(m_models.custom)), m_queue.defaults.text(u"engine"_s));

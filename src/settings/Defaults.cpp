@@ -274,4 +274,11 @@ void Defaults::flush() const
     m_writer->flush();
 }
 
+void Defaults::reread()
+{
+    flush();
+    adopt(); // so that nothing older is adopted later
+    m_values = allValues(QSettings(m_path, jsonFormat()));
+}
+
 } // namespace tuppi

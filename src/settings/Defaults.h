@@ -64,6 +64,8 @@ public:
     bool remove(const QString &key) { return setValues({{key, QVariant()}}); }
     /// Waits until everything is written.
     void flush() const;
+    /// Takes in what other processes have written; waits for the disk.
+    void reread();
 
 private:
     class Writer;

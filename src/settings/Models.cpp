@@ -55,6 +55,14 @@ QList<ModelRow> allModels(const QJsonArray &customModels)
     return rows;
 }
 
+QList<ModelRow> ModelsBeforeAnswer(const QString &stored)
+{
+    QList<ModelRow> rows = Models();
+    if (stored.startsWith("custom:"_L1))
+        rows.append({L(u"custom model"_s), stored, L(u"your model"_s), QString()});
+    return rows;
+}
+
 bool HasModel(const QList<ModelRow> &models, const QString &id)
 {
     return std::any_of(models.cbegin(), models.cend(), [&](const ModelRow &row) { return row.id == id; });

@@ -12,6 +12,7 @@ struct ModelsState
     QJsonArray custom;
     QString textModel;
     QStringList ollamaModels;
+    bool known = false;  ///< the engine has told them
 };
 
 } // namespace tuppi

@@ -12,7 +12,13 @@ inline QJsonValue Val(const QJsonValue &value)
     return value.isNull() ? QJsonValue(QJsonValue::Undefined) : value;
 }
 
-/// The same for a value of the defaults store.
+/// A field of the engine's replies as a truth value: a number other than 0 holds as true does.
+inline bool IsTrue(const QJsonValue &value)
+{
+    return Val(value).toVariant().toBool();
+}
+
+/// Val() for a value of the defaults store.
 inline QVariant Val(const QVariant &value)
 {
     return value.isNull() ? QVariant() : value;

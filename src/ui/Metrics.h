@@ -76,6 +76,7 @@ inline constexpr double footerRadius = 16;
 
 // Sheets
 inline constexpr int sheetTextWidth = 400;
+inline constexpr int sheetTextLeast = 100; ///< height that a text which scrolls keeps
 inline constexpr int sheetButtonHeight = 34;
 inline constexpr int titleFieldWidth = 320;
 inline constexpr int titleFieldHeight = 24;

@@ -6,10 +6,14 @@
 #include "ui/Labels.h"
 #include "ui/Metrics.h"
 #include "ui/PillButton.h"
+#include "ui/SlimScrollBar.h"
 #include "ui/Symbols.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace tuppi {
@@ -58,7 +62,8 @@ Sheet::Sheet(QWidget *window, const SheetText &text)
         column->addWidget(sign);
     }
     column->addWidget(textLabel(m_text.message, System(15, QFont::Bold), Colours::navy, this));
-    column->addWidget(textLabel(m_text.detail, System(13), Colours::slate, this));
+    WrapLabel *detail = textLabel(m_text.detail, System(13), Colours::slate, this);
+    column->addWidget(detail);
     m_accessoryPlace = new QWidget(this);
     m_accessoryPlace->setLayout(new QVBoxLayout);
     m_accessoryPlace->layout()->setContentsMargins(0, 0, 0, 0);
@@ -71,6 +76,28 @@ Sheet::Sheet(QWidget *window, const SheetText &text)
     for (int index = 0; index < m_text.buttons.size(); ++index)
         buttons->addWidget(addButton(index, m_text.buttons.at(index)));
     column->addLayout(buttons);
+    keepOnScreen(detail);
+}
+
+void Sheet::keepOnScreen(WrapLabel *detail)
+{
+    const int room = screen()->availableGeometry().height() - style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const int over = layout()->totalSizeHint().height() - room;
+    if (over <= 0)
+        return;
+    const QSize whole = detail->sizeHint();
+    auto *scroll = new QScrollArea(this);
+    scroll->setObjectName(u"sheetScroll"_s);
+    scroll->setAccessibleName(m_text.message);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setVerticalScrollBar(new SlimScrollBar(Qt::Vertical));
+    scroll->setFixedSize(whole.width() + SlimScrollBar::extent, qMax(whole.height() - over, Metrics::sheetTextLeast));
+    delete layout()->replaceWidget(detail, scroll);
+    scroll->setWidget(detail);
+    detail->resize(whole);
+    detail->setAutoFillBackground(false);
+    scroll->viewport()->setAutoFillBackground(false);
 }
 
 PillButton *Sheet::addButton(int index, const QString &title)

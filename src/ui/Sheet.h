@@ -9,6 +9,7 @@
 namespace tuppi {
 
 class PillButton;
+class WrapLabel;
 
 /// What a sheet says and offers. The texts are localised already.
 struct SheetText
@@ -22,7 +23,8 @@ struct SheetText
     bool isWarning = false;    ///< marked with the warning sign
 };
 
-/// A question or a message over a window: window-modal, answered later, never waited for.
+/// A question or a message over a window: window-modal, answered later, never waited for. A detail text that is too long
+/// for the screen scrolls.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -46,6 +48,7 @@ protected:
 
 private:
     Sheet(QWidget *window, const SheetText &text);
+    void keepOnScreen(WrapLabel *detail);
     PillButton *addButton(int index, const QString &title);
 
     SheetText m_text;

@@ -39,14 +39,24 @@ void AppDelegate::showResult(const QJsonObject &row, bool text)
     const std::optional<ResultPlan> plan = PlanResult(row, text);
     if (!plan)
         return;
-    if (ResultWindow *window = m_viewer.resultWindows.value(plan->key())) {
-        window->showTab(plan->summary);
-        window->bringForward();
-    } else if (!plan->isViewer()) {
+    if (showOpenResult(*plan))
+        return;
+    if (!plan->isViewer()) {
         openTextWindow(*plan);
     } else {
         openViewerWindow(*plan, false);
     }
+}
+
+/// Brings the window of that plan forward, if it is open.
+bool AppDelegate::showOpenResult(const ResultPlan &plan)
+{
+    ResultWindow *window = m_viewer.resultWindows.value(plan.key());
+    if (!window)
+        return false;
+    window->showTab(plan.summary);
+    window->bringForward();
+    return true;
 }
 
 void AppDelegate::openTextWindow(const ResultPlan &plan)
@@ -96,7 +106,7 @@ void AppDelegate::offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox
     Sheet::open(m_ui.window.get(), text, [this, plan, forLackOfSandbox](int button) {
         if (button == 0)
             showResultAsText(plan);
-        else if (forLackOfSandbox && button == 1)
+        else if (forLackOfSandbox && button == 1 && !showOpenResult(plan)) // asked twice, it may be open by now
             openViewerWindow(plan, true);
     });
 }
@@ -104,9 +114,7 @@ void AppDelegate::offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox
 void AppDelegate::showResultAsText(const ResultPlan &plan)
 {
     const ResultPlan text = AsText(plan);
-    if (ResultWindow *window = m_viewer.resultWindows.value(text.key()))
-        window->bringForward();
-    else
+    if (!showOpenResult(text))
         openTextWindow(text);
 }
 

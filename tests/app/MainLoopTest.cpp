@@ -58,6 +58,68 @@ TEST_F(MainLoop, OnePollIsInFlightAtATime)
     EXPECT_EQ(m_engine.count(u"status"_s), 2);
 }
 
+class OlderPoll : public MainLoop, public testing::WithParamInterface<const char *>
+{
+protected:
+    /// Sends a poll out whose reply to the parameter's command is held back, and then pauses the job that it sees
+    /// at work.
+    void pauseBehindAnOlderPoll()
+    {
+        const QString held = QString::fromLatin1(GetParam());
+        const QByteArray working = R"([{"id":"a","status":"transcribing"}])";
+        const QByteArray library = R"({"library":"/old"})";
+        m_engine.answerHistory(working);
+        m_engine.answerStatus(library);
+        prepare();
+        poll();
+        const int asked = m_engine.count(held);
+        m_engine.answerCall(held, asked + 1,
+                            Answer{held == u"history"_s ? working : library, {}, 0, {}, R"(echo end >"$root/older")"}
+                                .heldAt("older"));
+        m_app->poll();
+        ASSERT_TRUE(waitFor([&] { return m_engine.count(held) == asked + 1; }));
+        m_engine.answerHistory(R"([{"id":"a","status":"transcribing","paused":true}])");
+        m_engine.answerStatus(R"({"library":"/new"})");
+        m_app->pauseRow(u"a"_s);
+    }
+    void letTheOlderPollEnd()
+    {
+        m_engine.openGate("older");
+        ASSERT_TRUE(waitFor([&] { return QFile::exists(m_engine.path(u"older"_s)); }));
+        settle();
+        settle();
+    }
+    bool isPaused() const { return m_app->rowWithKey(u"a"_s)[u"paused"_s].toBool(); }
+};
+
+TEST_P(OlderPoll, ThatEndsLastChangesNothing)
+{
+    pauseBehindAnOlderPoll();
+    ASSERT_TRUE(waitFor([&] { return isPaused() && !jobs().polling; }));
+    letTheOlderPollEnd();
+    ASSERT_TRUE(pollEnds());
+    EXPECT_TRUE(isPaused());
+    EXPECT_EQ(jobs().library, u"/new"_s);
+}
+
+TEST_P(OlderPoll, DoesNotEndTheNewerOne)
+{
+    m_engine.answerCall(u"pause"_s, 1, Answer().heldAt("pause"));
+    pauseBehindAnOlderPoll();
+    m_engine.answerCall(u"history"_s, m_engine.count(u"history"_s) + 1, Answer{"[]"}.heldAt("newer"));
+    m_engine.openGate("pause");
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"history"_s) == 3; }));
+    letTheOlderPollEnd();
+    EXPECT_TRUE(jobs().polling);
+    EXPECT_EQ(rowKeys(), QStringList{u"a"_s});
+    m_engine.openGate("newer");
+    ASSERT_TRUE(pollEnds());
+    EXPECT_TRUE(rowKeys().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(HeldBackAt, OlderPoll, testing::Values("history", "status"),
+                         [](const auto &given) { return std::string(given.param); });
+
 TEST_F(MainLoop, IdleItPollsEveryFifthTickOnceLoaded)
 {
     prepare();

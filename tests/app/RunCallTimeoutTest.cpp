@@ -8,8 +8,12 @@
 #include <QScopeGuard>
 #include <QThread>
 
+#include <cerrno>
 #include <csignal>
 #include <memory>
+
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -17,6 +21,21 @@ using namespace Qt::StringLiterals;
 using namespace tuppi;
 using test::Answer;
 using test::waitFor;
+
+namespace {
+
+bool refuseHandles = false;
+
+} // namespace
+
+/// In place of the library's own: a system may give no handle on a process.
+extern "C" int pidfd_open(pid_t pid, unsigned int flags) noexcept
+{
+    if (!refuseHandles)
+        return int(::syscall(SYS_pidfd_open, pid, flags));
+    errno = ENOSYS;
+    return -1;
+}
 
 namespace {
 
@@ -124,6 +143,16 @@ TEST_F(RunCallTest, EnvironmentAndWorkingFolderAreInherited)
     const EngineReply reply = replyTo({u"doctor"_s});
     qunsetenv("TUPPI_TEST_WORD");
     EXPECT_EQ(reply.out, u"handed on|"_s + QDir::currentPath());
+}
+
+TEST_F(RunCallTest, TheEnvironmentIsThatOfTheMomentOfTheCall)
+{
+    qputenv("TUPPI_TEST_WORD", "then");
+    RunOptions options;
+    options.before = [] { qputenv("TUPPI_TEST_WORD", "later"); }; // on the thread that runs the command
+    const RawReply reply = RunAndWait(u"/bin/bash"_s, {u"-c"_s, u"printf %s \"$TUPPI_TEST_WORD\""_s}, options);
+    qunsetenv("TUPPI_TEST_WORD");
+    EXPECT_EQ(reply.out, "then");
 }
 
 TEST_F(RunCallTest, CompletionRunsOnTheMainThread)
@@ -311,6 +340,40 @@ TEST_F(RunCallTest, HangingGrandchildThatKeepsThePipesDoesNotHoldTheReplyPastThe
 {
     m_engine.answer(u"history"_s, {"all of it", {}, 0, {}, "hang &"});
     const EngineReply reply = replyTo({u"history"_s}, 2);
+    EXPECT_EQ(reply.status, 0);
+    EXPECT_EQ(reply.out, u"all of it"_s);
+}
+
+class WithoutAHandle : public RunCallTest
+{
+protected:
+    void SetUp() override { refuseHandles = true; }
+    void TearDown() override { refuseHandles = false; }
+};
+
+TEST_F(WithoutAHandle, TheReplyIsTheSame)
+{
+    m_engine.answer(u"doctor"_s, {QByteArray(200'000, 'x'), "err\n", 3});
+    const EngineReply reply = replyTo({u"doctor"_s});
+    EXPECT_EQ(reply.status, 3);
+    EXPECT_EQ(reply.out.size(), 200'000);
+    EXPECT_EQ(reply.err, u"err\n"_s);
+}
+
+TEST_F(WithoutAHandle, TheLimitEndsWhatHangs)
+{
+    for (const QByteArray &closing : {QByteArray(), QByteArray("exec >&- 2>&-\n")}) {
+        m_engine.answer(u"history"_s, {"so far", {}, 0, {}, closing + "hang"});
+        const EngineReply reply = replyTo({u"history"_s}, 3);
+        EXPECT_EQ(reply.status, SIGTERM);
+        EXPECT_EQ(reply.out, u"so far"_s);
+    }
+}
+
+TEST_F(WithoutAHandle, AGrandchildThatKeepsThePipesDoesNotHoldTheReplyPastTheLimit)
+{
+    m_engine.answer(u"history"_s, {"all of it", {}, 0, {}, "hang &"});
+    const EngineReply reply = replyTo({u"history"_s}, 3);
     EXPECT_EQ(reply.status, 0);
     EXPECT_EQ(reply.out, u"all of it"_s);
 }

@@ -312,6 +312,20 @@ TEST_F(Scheduling, EngineThatGoesMissingLaterKeepsTheFilesThatWait)
     EXPECT_TRUE(waitFor([&] { return m_taken.contains(m_b); }));
 }
 
+TEST_F(Scheduling, EngineThatIsMissingLeavesOtherMessagesTheirTime)
+{
+    m_engine.answerHistory(R"([{"id":"j","status":"transcribing"}])");
+    prepare();
+    poll();
+    m_app->enqueue({m_a}, m_choices);
+    m_engine.uninstall();
+    poll();
+    ASSERT_TRUE(jobs().engineBroken);
+    m_app->flash(u"Sounds off"_s);
+    poll();
+    EXPECT_EQ(m_app->list().summary, u"Sounds off"_s);
+}
+
 TEST_F(Scheduling, EngineThatCannotBeFoundAtTheStartItselfIsReported)
 {
     prepare();

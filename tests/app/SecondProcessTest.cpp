@@ -82,6 +82,15 @@ TEST_F(SecondProcess, StoredQueueIsTakenOverOnceTheOwnerIsGone)
     EXPECT_EQ(waitingPaths(), QStringList{m_a});
 }
 
+TEST_F(SecondProcess, TheLockGoesOnlyWhenTheQueueIsOnTheDisk)
+{
+    prepare();
+    poll();
+    m_app->enqueue({m_a}, m_choices);
+    m_app.reset(); // the store lives on
+    EXPECT_EQ(pathsIn(test::object(test::readFile(settingsPath()))), QStringList{m_a});
+}
+
 TEST_F(SecondProcess, OrdinarySettingsOfBothAreKept)
 {
     prepare();

@@ -20,12 +20,13 @@ TEST(AcceptedFiles, TheFourteenExtensionsPassInAnyCase)
     }
     EXPECT_TRUE(IsAcceptedFile(u"Interview.Mp3"_s));
     EXPECT_TRUE(IsAcceptedFile(u"a.txt.wav"_s));
+    EXPECT_TRUE(IsAcceptedFile(u"/x/.hidden.wav"_s));
 }
 
 TEST(AcceptedFiles, OthersDoNotPass)
 {
     for (const QString &name : {u"notes.txt"_s, u"song.m4v"_s, u"mp3"_s, u"/x.wav/noextension"_s, u"a.mp3.zip"_s,
-                                u"a."_s, u"a.mp3 "_s, u""_s})
+                                u"a."_s, u"a.mp3 "_s, u""_s, u".mp3"_s, u"/x.wav/.MP3"_s})
         EXPECT_FALSE(IsAcceptedFile(name)) << name.toStdString();
 }
 

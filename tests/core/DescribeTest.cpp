@@ -63,6 +63,7 @@ const DescribeCase workCases[]{
     {"PausedWithoutProgress", R"({"id":"a","status":"transcribing","paused":true})", "", u"Paused — Listening and writing down…"_s, 0},
     {"PausedWithProgress", R"({"id":"a","status":"transcribing","paused":true})", R"({"id":"a","progress":"45%"})", u"Paused — Listening and writing down… 45%"_s, 0.45},
     {"PausedQueued", R"({"id":"a","status":"queued","paused":true})", "", u"Paused — Starting…"_s, 0},
+    {"PausedAsANumber", R"({"id":"a","status":"queued","paused":1})", "", u"Paused — Starting…"_s, 0},
     {"PausedNull", R"({"id":"a","status":"queued","paused":null})", "", u"Starting…"_s, -1},
     {"PausedFalse", R"({"id":"a","status":"queued","paused":false})", "", u"Starting…"_s, -1},
 };
@@ -149,6 +150,8 @@ const SummaryCase summaryCases[]{
     {"TransientBeforeWork", {u"Saved"_s, true, false, 3, {2, true, 1}, 1}, u"Saved"_s},
     {"BrokenBeforeTheFirstHistory", {{}, false, true, 0, {}, 0}, broken},
     {"BrokenBeforeTheFirstHistoryWithRows", {{}, false, true, 1, {}, 1}, broken},
+    {"BrokenWithAFileWaiting", {{}, true, true, 3, {1, true, 1}, 1}, broken},
+    {"TransientBeforeBroken", {u"Saved"_s, true, true, 3, {1, false, 1}, 1}, u"Saved"_s},
     {"BrokenAfterTheFirstHistoryIsNotSaid", {{}, true, true, 2, {0, false, 2}, 0}, u"2 transcripts"_s},
     {"BeforeTheFirstHistory", {{}, false, false, 0, {}, 0}, u"Preparing…"_s},
     {"LoadedAndEmpty", {{}, true, false, 0, {}, 0}, u"No transcriptions"_s},

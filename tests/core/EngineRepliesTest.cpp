@@ -145,6 +145,8 @@ TEST(ReadHistory, ActiveJobsComeFirstAndTheEnginesOrderHoldsWithin)
 TEST(ReadHistory, PausedCountsOnlyForJobsUnderWay)
 {
     EXPECT_TRUE(historyOf(R"([{"id":"a","status":"queued","paused":true}])")->counts.pausedWork);
+    EXPECT_TRUE(historyOf(R"([{"id":"a","status":"queued","paused":1}])")->counts.pausedWork);
+    EXPECT_FALSE(historyOf(R"([{"id":"a","status":"queued","paused":0}])")->counts.pausedWork);
     EXPECT_FALSE(historyOf(R"([{"id":"a","status":"ready","paused":true}])")->counts.pausedWork);
 }
 

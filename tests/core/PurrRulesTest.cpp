@@ -21,6 +21,7 @@ TEST(IsPurringWork, OnlyForWorkThatGoesOn)
         EXPECT_TRUE(purrsFor(R"([{"id":"a","status":")" + status + R"(","paused":false}])"));
         EXPECT_TRUE(purrsFor(R"([{"id":"a","status":")" + status + R"(","paused":null}])"));
         EXPECT_FALSE(purrsFor(R"([{"id":"a","status":")" + status + R"(","paused":true}])"));
+        EXPECT_FALSE(purrsFor(R"([{"id":"a","status":")" + status + R"(","paused":1}])"));
     }
     for (const QByteArray status : {"queued", "ready", "failed", "cancelled", "waiting", "starting", "", "Cleaning"})
         EXPECT_FALSE(purrsFor(R"([{"id":"a","status":")" + status + R"("}])")) << status.toStdString();

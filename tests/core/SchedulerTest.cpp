@@ -52,6 +52,8 @@ TEST(BusyExcept, APausedJobDoesNotKeepFromResumingAnother)
     jobs.history = historyOf(R"([{"id":"a","status":"transcribing","paused":true},{"id":"b","status":"failed"}])");
     EXPECT_FALSE(BusyExcept(jobs, u"b"_s));
     EXPECT_TRUE(SomethingActive(jobs));
+    jobs.history = historyOf(R"([{"id":"a","status":"transcribing","paused":1}])");
+    EXPECT_FALSE(BusyExcept(jobs, u"b"_s));
 }
 
 TEST(BusyExcept, ARunningJobKeepsFromResumingAnotherButNotItself)

@@ -181,4 +181,16 @@ TEST_F(WaitingQueueTest, StoringAndRestoringThroughJsonGivesTheSameQueue)
     EXPECT_EQ(RestoredQueue(QJsonDocument::fromJson(json).array().toVariantList()), queue);
 }
 
+TEST_F(WaitingQueueTest, AnotherQueueFollowsWithoutTheFilesThatAlreadyWait)
+{
+    WaitingQueue queue;
+    WaitingQueue more;
+    AddWaiting(queue, {u"/a.m4a"_s, u"/b.m4a"_s}, choices);
+    AddWaiting(more, {u"/c.m4a"_s, u"/b.m4a"_s, u"/d.m4a"_s}, {u"parakeet"_s, u"pl"_s, true, false});
+    AddWaiting(queue, more);
+    EXPECT_EQ(paths(queue), (QStringList{u"/a.m4a"_s, u"/b.m4a"_s, u"/c.m4a"_s, u"/d.m4a"_s}));
+    EXPECT_EQ(queue.at(1).value(u"engine"_s), u"whisper"_s);
+    EXPECT_EQ(queue.at(2).value(u"engine"_s), u"parakeet"_s);
+}
+
 } // namespace

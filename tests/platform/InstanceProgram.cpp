@@ -2,7 +2,7 @@
 //
 // InstanceProgram MODE LIMIT FILE…: prints its role and then every signal, one line each; ends at the end of
 // its input. MODE: "run"; "deaf": does not come to its event loop before a line has been read; "die": ends
-// without answering when it is activated.
+// without answering when it is asked for anything.
 
 #include "platform/SingleInstance.h"
 
@@ -42,7 +42,9 @@ int main(int argc, char *argv[])
         say(u"activated %1"_s.arg(token));
     });
     QObject::connect(&instance, &SingleInstance::openRequested, &instance,
-                     [](const QList<QUrl> &opened, const QString &token) {
+                     [&](const QList<QUrl> &opened, const QString &token) {
+                         if (mode == u"die"_s)
+                             std::_Exit(0);
                          for (const QUrl &url : opened)
                              say(u"open %1 %2"_s.arg(QString::fromLatin1(url.toEncoded()), token));
                          say(u"opened %1"_s.arg(opened.size()));

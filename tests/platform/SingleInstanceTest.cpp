@@ -95,10 +95,12 @@ private Q_SLOTS:
         QTRY_COMPARE(second->role(), u"handed over"_s);
         QTRY_VERIFY(!second->isRunning());
         QTRY_COMPARE(first->heard().value(6), u"opened 5"_s);
-        QCOMPARE(first->heard().constFirst(), u"activated token-1"_s);
+        QCOMPARE(first->heard().constFirst(), u"opened 0"_s);
+        QVERIFY(first->heard().filter(u"activated"_s).isEmpty()); // what is no recording brings no window forward
         for (qsizetype i = 0; i < files.size(); ++i) {
             const QStringList words = first->heard().value(i + 1).split(u' ');
             QCOMPARE(words.value(0), u"open"_s);
+            QCOMPARE(words.value(2), u"token-1"_s);
             QCOMPARE(QUrl::fromEncoded(words.value(1).toLatin1()).toLocalFile(), files.at(i));
         }
         QCOMPARE(first->complaints() + second->complaints(), QByteArray());

@@ -309,4 +309,31 @@ TEST_F(ResultWindows, WithoutASandboxThePersonDecides)
     EXPECT_TRUE(becomes(viewer(call), u"answers"_s, "[]"));
 }
 
+TEST_F(ResultWindows, AskedTwiceWithoutASandboxOpensOneWindow)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only an administrator's pages cannot be shut off";
+    const Environment lacking("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
+    const QString call = makeCall(u"a"_s);
+    m_app->showResult(row(call), false); // by its row
+    QPointer<Sheet> first = sheet();
+    m_app->showResult(row(call), false); // by its notice
+    QPointer<Sheet> second;
+    int windows = 0;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *open = qobject_cast<Sheet *>(widget); open && open != first)
+            second = open;
+    }
+    ASSERT_TRUE(first && second);
+    second->answer(1);
+    ResultWindow *const opened = viewer(call);
+    ASSERT_NE(opened, nullptr);
+    first->answer(1);
+    EXPECT_EQ(viewer(call), opened);
+    EXPECT_EQ(count(), 1);
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        windows += qobject_cast<ResultWindow *>(widget) ? 1 : 0;
+    EXPECT_EQ(windows, 1);
+}
+
 } // namespace

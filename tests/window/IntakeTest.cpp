@@ -2,6 +2,8 @@
 
 #include "window/WindowTest.h"
 
+#include "ui/ModelCard.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -41,7 +43,45 @@ protected:
         drag.enter(over);
         return drag.drop(over);
     }
+    /// Started with a recording while a model of the person's own is the stored choice; the engine has not told of
+    /// its models yet, and will tell that.
+    void openAtLaunch(const QByteArray &models)
+    {
+        Defaults(settingsPath()).setValue(u"engine"_s, u"custom:a"_s);
+        m_engine.answer(u"models"_s, Answer{models}.heldAt("models"));
+        openWindow();
+        m_app->openUrls({url(m_engine.recording(u"talk.m4a"_s))});
+        ASSERT_NE(panel(), nullptr);
+    }
+    ModelCard *card(const QString &engine) const { return panel()->findChild<ModelCard *>(u"model."_s + engine); }
+    QStringList offered() const
+    {
+        QStringList engines;
+        for (const ModelCard *card : panel()->findChildren<ModelCard *>())
+            engines.append(card->engine());
+        return engines;
+    }
+    QString picked() const
+    {
+        QStringList engines;
+        for (const ModelCard *card : panel()->findChildren<ModelCard *>()) {
+            if (card->isPicked())
+                engines.append(card->engine());
+        }
+        return engines.join(u' ');
+    }
+    /// The model that the one file was started with.
+    QString startedWith()
+    {
+        click(startButton());
+        EXPECT_TRUE(panelCloses());
+        EXPECT_TRUE(processCalls(1));
+        const QStringList call = m_engine.calls(u"process"_s).value(0);
+        return call.value(call.indexOf(u"--engine"_s) + 1);
+    }
 };
+
+constexpr auto twoModels = R"({"custom":[{"id":"a","name":"Ada"},{"id":"b","name":"Ben"}]})";
 
 TEST_F(Intake, OfAMixedDropOnlyTheRecordingComesIn)
 {
@@ -127,6 +167,19 @@ TEST_F(Intake, AnOpenRequestWithoutARecordingDoesNothing)
     EXPECT_NE(panel(), nullptr);
 }
 
+TEST_F(Intake, OnlyARecordingBringsTheWindowForward)
+{
+    openWindow();
+    window()->close();
+    m_app->openRequested({url(other(u"song.m4v"_s))}, {});
+    m_app->openRequested({}, {});
+    EXPECT_FALSE(window()->isVisible());
+    EXPECT_EQ(window()->findChild<SetupPanel *>(), nullptr);
+    m_app->openRequested({url(other(u"song.m4v"_s)), url(m_engine.recording(u"a.m4a"_s))}, {});
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_EQ(panelFiles(), QStringList{u"a.m4a"_s});
+}
+
 TEST_F(Intake, TheFileDialogTakesWhatADropRefuses)
 {
     openWindow();
@@ -200,6 +253,55 @@ TEST_F(Intake, ACancelledPanelLeavesNothingBehind)
     EXPECT_TRUE(drop({m_engine.recording(u"b.m4a"_s)}, dropArea()));
     ASSERT_NE(panel(), nullptr);
     EXPECT_EQ(panelFiles(), QStringList{u"b.m4a"_s});
+}
+
+TEST_F(Intake, AnOpenPanelGetsTheModelsWhenTheyCome)
+{
+    openAtLaunch(twoModels);
+    EXPECT_EQ(picked(), u"custom:a"_s);
+    m_engine.openGate("models");
+    ASSERT_TRUE(waitFor([this] { return card(u"custom:b"_s) != nullptr; }));
+    EXPECT_EQ(offered(), (QStringList{u"auto"_s, u"parakeet"_s, u"whisper"_s, u"whisper-large"_s, u"custom:a"_s,
+                                      u"custom:b"_s}));
+    EXPECT_EQ(picked(), u"custom:a"_s);
+    EXPECT_EQ(card(u"custom:a"_s)->accessibleName(), u"Ada (custom)"_s);
+    ASSERT_TRUE(waitFor([this] { return card(u"custom:b"_s)->isVisible(); }));
+    click(card(u"custom:b"_s));
+    EXPECT_EQ(picked(), u"custom:b"_s);
+    EXPECT_EQ(startedWith(), u"custom:b"_s);
+}
+
+TEST_F(Intake, AModelOfOnesOwnCanBeStartedWithBeforeTheEngineTellsOfIt)
+{
+    openAtLaunch(twoModels);
+    EXPECT_EQ(startedWith(), u"custom:a"_s);
+    EXPECT_EQ(m_defaults->text(u"engine"_s), u"custom:a"_s);
+    m_engine.openGate("models");
+    ASSERT_TRUE(waitFor([this] { return !m_app->models().custom.isEmpty(); }));
+    EXPECT_EQ(m_defaults->text(u"engine"_s), u"custom:a"_s);
+}
+
+TEST_F(Intake, WhatThePersonHasChosenStaysWhenTheModelsCome)
+{
+    openAtLaunch(twoModels);
+    ASSERT_TRUE(waitFor([this] { return panel()->isActiveWindow(); }));
+    click(card(u"whisper"_s));
+    card(u"whisper"_s)->setFocus();
+    m_engine.openGate("models");
+    ASSERT_TRUE(waitFor([this] { return card(u"custom:b"_s) != nullptr; }));
+    EXPECT_EQ(picked(), u"whisper"_s);
+    EXPECT_EQ(panel()->focusWidget(), card(u"whisper"_s));
+    EXPECT_TRUE(test::tabTo(u"model.custom:b"_s));
+    EXPECT_TRUE(test::tabTo(u"language"_s));
+}
+
+TEST_F(Intake, AModelThatIsGoneGivesWayToTheFirstWhenTheModelsCome)
+{
+    openAtLaunch(R"({"custom":[]})");
+    m_engine.openGate("models");
+    ASSERT_TRUE(waitFor([this] { return picked() == u"auto"_s; }));
+    EXPECT_EQ(offered().size(), 4);
+    EXPECT_EQ(startedWith(), u"auto"_s);
 }
 
 TEST_F(Intake, AFileAlreadyWaitingIsListedAgainAndNotQueuedTwice)

@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTest>
 
 #include <sys/mount.h>
@@ -206,6 +208,21 @@ TEST_F(RowCommands, RenameToNothingDoesNothing)
     ASSERT_TRUE(sheetCloses());
     settle();
     EXPECT_EQ(m_engine.count(u"rename"_s), 0);
+}
+
+TEST_F(RowCommands, APastedTitleBecomesOneLineThatTheEngineTakes)
+{
+    openWith({call(u"a"_s, u"A"_s)});
+    const QString lines = u" Minutes\r\nof\u2028the\tmeeting\n"_s;
+    for (const QString &pasted : {lines, QString(600, u'x')}) {
+        choose(u"a"_s, u"renameRow"_s);
+        auto *field = sheet()->findChild<QLineEdit *>();
+        field->selectAll();
+        field->insert(pasted);
+        answer(0);
+    }
+    EXPECT_TRUE(called(u"rename"_s, {{u"rename"_s, u"a"_s, u"--"_s, u"Minutes of the meeting"_s},
+                                     {u"rename"_s, u"a"_s, u"--"_s, QString(500, u'x')}}));
 }
 
 TEST_F(RowCommands, AWorkingRowIsNotRenamed)
@@ -419,6 +436,44 @@ TEST_F(RowCommands, FoldersThatStayAreNamedTogether)
     EXPECT_EQ(sheetButtons(), QStringList{u"OK"_s});
     EXPECT_EQ(trashed(), QStringList{u"A"_s});
     EXPECT_TRUE(QFileInfo::exists(m_engine.home()));
+}
+
+TEST_F(RowCommands, ALongListOfFoldersThatStayLeavesTheSheetOnTheScreen)
+{
+    QList<QJsonObject> jobs;
+    for (int index = 0; index < 300; ++index)
+        jobs.append(job(u"g%1"_s.arg(index), u"Gone %1"_s.arg(index), u"failed"_s));
+    openWith(jobs);
+    click(window()->findChild<QWidget *>(u"clearButton"_s));
+    click(sheetButton(1));
+    ASSERT_TRUE(sheetSays(u"Move 300 transcript folders to the Trash?"_s));
+    click(sheetButton(1));
+    ASSERT_TRUE(sheetSays(u"Some folders could not be moved to the Trash"_s));
+    const QRect screen = sheet()->screen()->availableGeometry();
+    ASSERT_TRUE(waitFor([&] { return screen.contains(sheet()->frameGeometry()); })) << sheet()->frameGeometry().height();
+    EXPECT_TRUE(screen.contains(QRect(sheetButton(0)->mapToGlobal(QPoint()), sheetButton(0)->size())));
+    EXPECT_EQ(defaultButton(), u"OK"_s);
+
+    // All of it can be reached, by the keyboard too.
+    auto *scroll = sheet()->findChild<QScrollArea *>(u"sheetScroll"_s);
+    ASSERT_NE(scroll, nullptr);
+    EXPECT_EQ(sheet()->text().detail.count(u'\n'), 299);
+    ASSERT_TRUE(waitFor([this] { return sheet()->isActiveWindow(); }));
+    ASSERT_TRUE(test::tabTo(u"sheetScroll"_s));
+    for (int page = 0; page < 100; ++page)
+        press(Qt::Key_PageDown);
+    EXPECT_GT(scroll->verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(scroll->verticalScrollBar()->value(), scroll->verticalScrollBar()->maximum());
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(sheetCloses());
+}
+
+TEST_F(RowCommands, AShortMessageDoesNotScroll)
+{
+    openWith({call(u"a"_s, u"A"_s)});
+    click(rowButton(u"a"_s, u"removeRow"_s));
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_EQ(sheet()->findChild<QScrollArea *>(), nullptr);
 }
 
 TEST_F(RowCommands, AFolderOnADriveWithoutATrashStays)

@@ -1,0 +1,35 @@
+#include "actions/RowRules.h"
+
+#include "support/Support.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace tuppi;
+
+namespace {
+
+TEST(IsRowCommandAllowed, TakesPausedAsATruthValue)
+{
+    for (const QByteArray paused : {"true", "1"}) {
+        const QJsonObject row = test::object(R"({"id":"a","status":"cleaning","paused":)" + paused + "}");
+        EXPECT_TRUE(IsRowCommandAllowed(row, u"resumeRow"_s)) << paused.toStdString();
+        EXPECT_FALSE(IsRowCommandAllowed(row, u"pauseRow"_s)) << paused.toStdString();
+    }
+    for (const QByteArray paused : {"false", "0", "null"}) {
+        const QJsonObject row = test::object(R"({"id":"a","status":"cleaning","paused":)" + paused + "}");
+        EXPECT_FALSE(IsRowCommandAllowed(row, u"resumeRow"_s)) << paused.toStdString();
+        EXPECT_TRUE(IsRowCommandAllowed(row, u"pauseRow"_s)) << paused.toStdString();
+    }
+}
+
+TEST(TypedTitle, IsOneLine)
+{
+    EXPECT_EQ(TypedTitle(u"Minutes"_s), u"Minutes"_s);
+    EXPECT_EQ(TypedTitle(u"  Minutes  of May "_s), u"Minutes  of May"_s);
+    EXPECT_EQ(TypedTitle(u"Minutes\r\nof\u2028the\u2029May\tmeeting\u0085\u0007\n"_s), u"Minutes of the May meeting"_s);
+    EXPECT_EQ(TypedTitle(u" \n\t "_s), QString());
+    EXPECT_EQ(TypedTitle(u"Київ 😀 — «так»"_s), u"Київ 😀 — «так»"_s);
+}
+
+} // namespace
