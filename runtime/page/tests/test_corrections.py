@@ -83,6 +83,19 @@ class Edit(ViewerCase):
         self.browser.keys("Control+Enter")
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
 
+    def test_a_line_opened_again_before_its_saving_failed_is_saved_again(self):
+        self.rewrite(1, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.edit(1)
+        self.answer("tuppiSaved", 1, False, "Not saved: disk full", "New.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.browser.keys("Control+Enter")
+        self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
+        self.answer("tuppiSaved", 1, True, "Saved", "New.")
+        self.await_settled()
+        self.assertEqual(self.texts()[1], "New.")
+
     def test_an_answer_about_another_line_settles_nothing(self):
         self.rewrite(1, "New.")
         self.browser.keys("Control+Enter")
