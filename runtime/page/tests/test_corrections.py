@@ -461,6 +461,58 @@ class Rename(ViewerCase):
         self.await_settled()
         self.assertEqual(self.names(), [BORIS] * 4)
 
+    def test_again_before_it_is_answered(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.assertEqual(self.browser.get("document.getElementById('speaker-menu-title').textContent"), "Speaker: Cleo")
+        self.assertEqual(self.browser.get("document.querySelector('#names [aria-current]').textContent"), "Cleo")
+        self.write_name("Dora")
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+        self.no_more_messages()
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.message(), {"kind": "rename", "old": "Cleo", "name": "Dora"})
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", "Cleo", "Dora")
+        self.await_settled()
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+
+    def test_taken_back_before_it_is_answered(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.choose(ANNA)
+        self.assertEqual(self.names(), NAMES)
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.message(), {"kind": "rename", "old": "Cleo", "name": ANNA})
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", "Cleo", ANNA)
+        self.await_settled()
+        self.assertEqual(self.names(), NAMES)
+
+    def test_again_after_one_that_fails(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.write_name("Dora")
+        self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
+        self.await_notice("Could not save this change", failed=True)
+        self.await_settled()
+        self.no_more_messages()
+        self.assertEqual(self.names(), NAMES)
+
+    def test_one_that_waits_is_shown(self):
+        self.rewrite(3, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.open_menu(0, everywhere=True)
+        self.write_name("Cleo")
+        self.assertEqual(self.names(), ["Cleo", "Cleo", BORIS, "Cleo"])
+        self.open_menu(0, everywhere=False)
+        self.choose(BORIS)
+        self.assertEqual(self.names(), [BORIS, "Cleo", BORIS, "Cleo"])
+        self.answer("tuppiSaved", 3, True, "Saved", "New.")
+        self.assertEqual(self.message(), {"kind": "rename", "old": ANNA, "name": "Cleo"})
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.names(), [BORIS, "Cleo", BORIS, "Cleo"])
+        self.assertEqual(self.message(), {"kind": "speaker", "index": 0, "name": BORIS})
+
     def test_failed_puts_the_old_name_back(self):
         self.rename("Cleo")
         self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
