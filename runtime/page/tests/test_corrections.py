@@ -536,6 +536,48 @@ class Rename(ViewerCase):
                          ["Cleo", BORIS])
 
 
+class RenamedSummary(ViewerCase):
+    """The same cases as the engine's own, which writes the files anew."""
+
+    def rename(self, old, name, paragraphs, tasks):
+        self.answered = 0
+        self.load_lines((old, "One."), ("Ann", "Two."), summary={"note": [], "paragraphs": paragraphs, "tasks": tasks})
+        self.open_menu(0, everywhere=True)
+        self.write_name(name)
+        self.message()
+
+    def summary(self):
+        return self.browser.get("['prose', 'tasks'].map(id => [...document.querySelectorAll('#' + id + ' li')]"
+                                ".map(e => e.textContent))")
+
+    def test_a_name_that_the_engine_gave_changes_everywhere(self):
+        self.rename("Speaker 1", "Anna \\1 $&", ["- Speaker 1 met Speaker 10.\n- He spoke."], ["Speaker 1: I will call Speaker 1."])
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Speaker 1", "Anna \\1 $&")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Anna \\1 $& met Speaker 10.", "He spoke."],
+                                          ["Anna \\1 $&: I will call Anna \\1 $&."]])
+        self.browser.run("document.activeElement.blur()")
+        self.browser.keys("Control+z")
+        self.message()
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Anna \\1 $&", "Speaker 1")
+        self.await_notice("Undone: Rename")
+        self.assertEqual(self.summary()[1], ["Speaker 1: I will call Anna \\1 $&."])
+
+    def test_another_name_changes_where_it_tells_who_speaks(self):
+        self.rename("Bo", "Carl", ["- Bo: Yes.\n- Bo said so."],
+                    ["Ann: Can you call Bo? Bo: On Monday.", "Ann: Tell Bo that Ann comes."])
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Bo", "Carl")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Carl: Yes.", "Bo said so."],
+                                          ["Ann: Can you call Bo? Carl: On Monday.", "Ann: Tell Bo that Ann comes."]])
+
+    def test_what_failed_changes_nothing(self):
+        self.rename("Bo", "Carl", ["- Bo: Yes."], [])
+        self.answer("tuppiRenamed", False, "Not saved", "Bo", "Bo")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Bo: Yes."], []])
+
+
 class Undo(ViewerCase):
     def setUp(self):
         super().setUp()
