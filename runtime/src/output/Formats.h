@@ -22,6 +22,6 @@ QByteArray segmentsFile(const Job &job, const Transcript &transcript);
 QByteArray summaryFile(const Job &job, const Transcript &transcript);
 
 // How the summary was made, for people.
-QString summaryNote(const Summary &summary);
+QList<Remark> summaryNote(const Summary &summary);
 
 } // namespace engine
