@@ -203,6 +203,7 @@ private:
     void confirmTrash(const JobList &rows);
     void saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window);
     void tellNotSaved(const QString &reason, QWidget *window);
+    void shareText(const QString &callDir, QWidget *anchor);
     void share(ShareChoice choice, const SharedFile &file);
     void trashFolders(const JobList &rows);
     void trashEnded(const QList<DoomedFolder> &folders, const QList<TrashResult> &results, QStringList lines);
@@ -236,6 +237,7 @@ private:
     void showResultAsText(const ResultPlan &plan);
     void addResultWindow(ResultWindow *window);
     void forgetResultWindow(ResultWindow *window);
+    void tellLost(const QString &title, const QString &reason, const QStringList &written);
     void viewerMessage(ViewerWindow *window, const QJsonObject &body, int page);
 
     JobsState m_jobs;

@@ -66,15 +66,16 @@ void AppDelegate::saveText(const QString &callDir, const SaveTextDialog &dialog,
     const QFileInfo file(dialog.chosenPath());
     const QString format = dialog.chosenFormat();
     m_queue.defaults.set({{u"txtFormat"_s, format}, {u"saveFolder"_s, file.absolutePath()}});
-    const std::optional<QString> text = TextForDir(callDir, format);
-    if (!text) {
-        tellNotSaved(L(u"This transcript has no text yet."_s), window);
-        return;
-    }
-    if (const std::optional<QString> error = WriteTextFile(file.absoluteFilePath(), *text))
-        tellNotSaved(*error, window);
-    else
-        flash(L(u"Saved "_s) + file.fileName());
+    m_viewer.whenSaved(callDir, [this, callDir, file, format, over = QPointer(window)] {
+        QWidget *place = over && over->isVisible() ? over.data() : m_ui.window.get();
+        const std::optional<QString> text = TextForDir(callDir, format);
+        if (!text)
+            tellNotSaved(L(u"This transcript has no text yet."_s), place);
+        else if (const std::optional<QString> error = WriteTextFile(file.absoluteFilePath(), *text))
+            tellNotSaved(*error, place);
+        else
+            flash(L(u"Saved "_s) + file.fileName());
+    });
 }
 
 void AppDelegate::tellNotSaved(const QString &reason, QWidget *window)
@@ -86,6 +87,14 @@ void AppDelegate::tellNotSaved(const QString &reason, QWidget *window)
 }
 
 void AppDelegate::shareTextForDir(const QString &callDir, QWidget *anchor)
+{
+    m_viewer.whenSaved(callDir, [this, callDir, place = QPointer(anchor)] {
+        if (place)
+            shareText(callDir, place);
+    });
+}
+
+void AppDelegate::shareText(const QString &callDir, QWidget *anchor)
 {
     const std::optional<QString> text =
         callDir.isEmpty() ? std::nullopt : TextForDir(callDir, m_queue.defaults.text(u"txtFormat"_s));

@@ -2,6 +2,7 @@
 
 #include "engine/RunCallTimeout.h"
 #include "export/TranscriptText.h"
+#include "settings/Fill.h"
 #include "settings/L.h"
 #include "ui/MainWindow.h"
 #include "ui/Sheet.h"
@@ -13,8 +14,12 @@
 #include "viewer/ViewerWindow.h"
 
 #include <QApplication>
+#include <QPlainTextEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QScreen>
+
+#include <utility>
 
 namespace tuppi {
 
@@ -34,6 +39,56 @@ ViewerState::~ViewerState()
     qDeleteAll(windows);
 }
 
+ResultWindow *ViewerState::window(const QString &key)
+{
+    if (ResultWindow *window = resultWindows.value(key))
+        return window;
+    for (ResultWindow *window : std::as_const(closing)) {
+        if (window->plan().key() != key || !window->stay())
+            continue;
+        closing.removeOne(window);
+        resultWindows.insert(key, window);
+        return window;
+    }
+    return nullptr;
+}
+
+void ViewerState::whenSaved(const QString &callDir, std::function<void()> then)
+{
+    const QList<ResultWindow *> windows = resultWindows.values() + closing;
+    for (ResultWindow *window : windows) {
+        if (window->callDir() != callDir || !window->plan().isViewer())
+            continue;
+        window->whenSaved(std::move(then));
+        return;
+    }
+    then();
+}
+
+void ViewerState::forget(ResultWindow *window)
+{
+    resultWindows.removeIf([window](const auto &open) { return open.value() == window; });
+    closing.append(window);
+    QObject::connect(window, &QObject::destroyed, this, [this, window] {
+        closing.removeOne(window);
+        if (quitsThen && closing.isEmpty())
+            QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    });
+}
+
+bool ViewerState::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Quit || watched != qApp)
+        return false;
+    const QList<ResultWindow *> open = resultWindows.values();
+    for (ResultWindow *window : open)
+        window->close();
+    quitsThen = !closing.isEmpty();
+    if (quitsThen)
+        event->ignore();
+    return quitsThen;
+}
+
 void AppDelegate::showResult(const QJsonObject &row, bool text)
 {
     const std::optional<ResultPlan> plan = PlanResult(row, text);
@@ -51,7 +106,7 @@ void AppDelegate::showResult(const QJsonObject &row, bool text)
 /// Brings the window of that plan forward, if it is open.
 bool AppDelegate::showOpenResult(const ResultPlan &plan)
 {
-    ResultWindow *window = m_viewer.resultWindows.value(plan.key());
+    ResultWindow *window = m_viewer.window(plan.key());
     if (!window)
         return false;
     window->showTab(plan.summary);
@@ -83,6 +138,10 @@ void AppDelegate::openViewerWindow(const ResultPlan &plan, bool withoutSandbox)
     auto *window = new ViewerWindow(plan, *m_viewer.views, scripts);
     connect(window, &ViewerWindow::messagePosted, this,
             [this, window](const QJsonObject &body, int page) { viewerMessage(window, body, page); });
+    connect(window, &ViewerWindow::correctionsLost, this,
+            [this, title = plan.title](const QString &reason, const QStringList &written) {
+                tellLost(title, reason, written);
+            });
     addResultWindow(window);
 }
 
@@ -123,6 +182,7 @@ void AppDelegate::addResultWindow(ResultWindow *window)
     m_viewer.resultWindows.insert(window->plan().key(), window);
     connect(window, &ResultWindow::closing, this, [this, window] { forgetResultWindow(window); });
     connect(window, &ResultWindow::command, this, &AppDelegate::perform);
+    qApp->installEventFilter(&m_viewer); // here: without a result window no event comes this way
     connect(window, &ResultWindow::saveRequested, this, [this, window] { saveTextForDir(window->callDir(), window); });
     connect(window, &ResultWindow::shareRequested, this,
             [this, window](QWidget *anchor) { shareTextForDir(window->callDir(), anchor); });
@@ -135,7 +195,27 @@ void AppDelegate::addResultWindow(ResultWindow *window)
 void AppDelegate::forgetResultWindow(ResultWindow *window)
 {
     m_queue.defaults.set({{window->plan().frame(), QString::fromLatin1(window->saveGeometry().toBase64())}});
-    m_viewer.resultWindows.removeIf([window](const auto &open) { return open.value() == window; });
+    m_viewer.forget(window);
+}
+
+/// Where the page that could have told it is gone. A quit is off: what was written stands nowhere else.
+void AppDelegate::tellLost(const QString &title, const QString &reason, const QStringList &written)
+{
+    m_viewer.quitsThen = false;
+    SheetText text;
+    text.message = Fill(L(u"A correction to “%@” was not saved"_s), {title});
+    text.detail = reason;
+    text.isWarning = true;
+    m_ui.window->bringForward();
+    Sheet *sheet = Sheet::open(m_ui.window.get(), text);
+    const QString lines = QStringList(written).filter(QRegularExpression(u"\\S"_s)).join(u'\n');
+    if (lines.isEmpty())
+        return;
+    auto *place = new QPlainTextEdit(lines);
+    place->setObjectName(u"lostText"_s);
+    place->setAccessibleName(L(u"Text of the line"_s));
+    place->setReadOnly(true);
+    sheet->setAccessory(place);
 }
 
 void AppDelegate::closeResultWindowsForDir(const QString &callDir)
@@ -154,15 +234,18 @@ void AppDelegate::viewerMessage(ViewerWindow *window, const QJsonObject &body, i
 {
     const ViewerMessage message =
         ReadViewerMessage(body, ViewerCallId(m_jobs.history->entries.withCallDir(window->callDir()), window->callDir()));
+    const QString written = WrittenText(message);
     if (message.arguments.isEmpty()) {
-        window->answer(page, AnswerScript(Refusal(message)));
+        window->answer(page, Refusal(message), written);
         return;
     }
     const auto read = [message](const RawReply &reply) { return ReadViewerReply(message, reply); };
     RunCallRead(message.arguments, this, {}, read,
-                [this, page, window = QPointer(window)](const ViewerReply &reply) {
+                [this, page, written, title = window->plan().title, window = QPointer(window)](const ViewerReply &reply) {
                     if (window)
-                        window->answer(page, AnswerScript(reply.answer));
+                        window->answer(page, reply, written);
+                    else if (!reply.failure.isEmpty())
+                        tellLost(title, reply.failure, {written});
                     if (reply.changesList)
                         poll();
                 });

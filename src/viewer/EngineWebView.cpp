@@ -111,6 +111,7 @@ EngineWebView::EngineWebView(QWebEngineProfile *profile, const WebViewSetup &set
 
 EngineWebView::~EngineWebView()
 {
+    m_isEnding = true;
     m_page->setWebChannel(nullptr);
     delete m_view;
     delete m_page;
@@ -135,6 +136,14 @@ void EngineWebView::load()
 void EngineWebView::run(const QString &script)
 {
     m_page->runJavaScript(script);
+}
+
+void EngineWebView::ask(const QString &script, std::function<void(const QVariant &value)> answered)
+{
+    m_page->runJavaScript(script, [this, answered = std::move(answered)](const QVariant &value) {
+        if (!m_isEnding) // a page that goes answers all that it was asked
+            answered(value);
+    });
 }
 
 void EngineWebView::unload()

@@ -36,6 +36,7 @@ public:
 
     void load() override;
     void run(const QString &script) override;
+    void ask(const QString &script, std::function<void(const QVariant &value)> answered) override;
     void unload() override;
     void perform(Command command) override;
     void setZoom(double factor) override;
@@ -61,6 +62,7 @@ private:
     View *m_view;
     PageChannel m_tuppi;
     QWebChannel m_channel;
+    bool m_isEnding = false;
 };
 
 } // namespace tuppi

@@ -61,4 +61,9 @@ QString PauseScript()
     return u"document.querySelectorAll('audio').forEach(function(a){a.pause()})"_s;
 }
 
+QString UnsavedScript()
+{
+    return u"window.tuppiUnsaved?window.tuppiUnsaved():[]"_s;
+}
+
 } // namespace tuppi

@@ -27,4 +27,7 @@ QString ShowTabScript(bool summary);
 /// Stops whatever the page plays.
 QString PauseScript();
 
+/// Ends an open edit; its value is what was written in each correction that is not saved yet.
+QString UnsavedScript();
+
 } // namespace tuppi

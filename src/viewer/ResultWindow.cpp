@@ -75,6 +75,16 @@ void ResultWindow::bringForward()
     activateWindow();
 }
 
+void ResultWindow::whenSaved(std::function<void()> then)
+{
+    then();
+}
+
+bool ResultWindow::stay()
+{
+    return false;
+}
+
 void ResultWindow::dispose()
 {
     deleteLater();

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 namespace tuppi {
 
 /// A window in which a finished transcript is read, with the export buttons at its top.
@@ -21,6 +23,10 @@ public:
     /// Shows the summary or the transcript of a window that is open already.
     virtual void showTab(bool summary);
     void bringForward();
+    /// Calls `then` when all that was corrected here is saved, or will not be; at once where nothing can be.
+    virtual void whenSaved(std::function<void()> then);
+    /// Takes a close back. False when it is too late for that.
+    virtual bool stay();
 
 Q_SIGNALS:
     /// A command of the menu bar, by its name.

@@ -146,15 +146,18 @@ ViewerMessage ReadViewerMessage(const QJsonObject &body, const QString &callId)
     return {kind, body, callId.isEmpty() ? QStringList() : commandFor(kind, body, callId)};
 }
 
-ViewerAnswer Refusal(const ViewerMessage &message)
+ViewerReply Refusal(const ViewerMessage &message)
 {
     const auto &[kind, body, arguments] = message;
     const QString callback = callbackOf(kind);
-    if (kind == Correction::Rename)
-        return {callback, {false, L(u"Could not rename"_s), textIn(body, "old"_L1).value_or(u""_s),
-                           textIn(body, "name"_L1).value_or(u""_s)}};
-    return {callback, failure(kind, L(u"Could not save this change"_s), numberIn(body, "index"_L1).value_or(0),
-                              textIn(body, "text"_L1).value_or(u""_s))};
+    if (kind == Correction::Rename) {
+        const QString reason = L(u"Could not rename"_s);
+        return {{callback, {false, reason, textIn(body, "old"_L1).value_or(u""_s),
+                            textIn(body, "name"_L1).value_or(u""_s)}}, false, reason};
+    }
+    const QString reason = L(u"Could not save this change"_s);
+    return {{callback, failure(kind, reason, numberIn(body, "index"_L1).value_or(0),
+                               textIn(body, "text"_L1).value_or(u""_s))}, false, reason};
 }
 
 ViewerReply ReadViewerReply(const ViewerMessage &message, const RawReply &reply)
@@ -167,8 +170,16 @@ ViewerReply ReadViewerReply(const ViewerMessage &message, const RawReply &reply)
     const QString text = NotSavedText(DecodeStream(reply.err));
     // The old name twice: the page puts it back.
     if (kind == Correction::Rename)
-        return {{callback, {false, text, body.value("old"_L1), body.value("old"_L1)}}};
-    return {{callback, failure(kind, text, body.value("index"_L1), body.value("text"_L1))}};
+        return {{callback, {false, text, body.value("old"_L1), body.value("old"_L1)}}, false, text};
+    return {{callback, failure(kind, text, body.value("index"_L1), body.value("text"_L1))}, false, text};
+}
+
+QString WrittenText(const ViewerMessage &message)
+{
+    const bool named = message.kind == Correction::Rename || message.kind == Correction::Speaker;
+    if (!named && message.kind != Correction::Edit)
+        return {};
+    return textIn(message.body, named ? "name"_L1 : "text"_L1).value_or(QString());
 }
 
 QString NotSavedText(const QString &err)

@@ -35,18 +35,22 @@ QString ViewerCallId(const QList<QJsonObject> &history, const QString &callDir);
 /// type, it is refused.
 ViewerMessage ReadViewerMessage(const QJsonObject &body, const QString &callId);
 
-/// The answer to a message that runs nothing.
-ViewerAnswer Refusal(const ViewerMessage &message);
-
-/// What follows from the end of a message's command.
+/// What follows from a message that was refused, or from the end of its command.
 struct ViewerReply
 {
     ViewerAnswer answer;
     bool changesList = false;  ///< the list may show something else now
+    QString failure = {};      ///< why nothing was carried out; empty after a success
 };
+
+/// For a message that runs nothing.
+ViewerReply Refusal(const ViewerMessage &message);
 
 /// May be called from any thread.
 ViewerReply ReadViewerReply(const ViewerMessage &message, const RawReply &reply);
+
+/// What the person wrote in it, a line's text or a name; else empty.
+QString WrittenText(const ViewerMessage &message);
 
 /// What became of a command that was not carried out, by its standard error.
 QString NotSavedText(const QString &err);

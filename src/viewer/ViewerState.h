@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
+#include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace tuppi {
@@ -10,14 +13,25 @@ namespace tuppi {
 class ResultWindow;
 class WebViews;
 
-/// The open result windows.
-struct ViewerState
+/// The open result windows. On the application it is the filter that lets a quit wait for what was corrected.
+struct ViewerState : QObject
 {
     ViewerState();
-    ~ViewerState();
+    ~ViewerState() override;
+
+    /// The window under the key, or null. One that was closed a moment ago is taken back: a page made anew would not
+    /// know of what that one is still saving.
+    ResultWindow *window(const QString &key);
+    /// Calls `then` when what was corrected in the call dir's viewer is in its files; at once without a viewer.
+    void whenSaved(const QString &callDir, std::function<void()> then);
+    /// The window is closed and about to go.
+    void forget(ResultWindow *window);
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
     std::unique_ptr<WebViews> views;              ///< null until the first page is shown
     QHash<QString, ResultWindow *> resultWindows; ///< by ResultPlan::key(); out of it as soon as they close
+    QList<ResultWindow *> closing;                ///< closed, and not gone before what was corrected is saved
+    bool quitsThen = false;                       ///< when those are gone
 };
 
 } // namespace tuppi

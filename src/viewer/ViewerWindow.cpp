@@ -6,13 +6,18 @@
 
 #include <QFileInfo>
 #include <QMenu>
-#include <QTimer>
+
+#include <utility>
 
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int pagePatienceMilliseconds = 10000;   // with a page that does not say what it has not saved
+constexpr int enginePatienceMilliseconds = 30000; // with an engine that hangs, for each answer
+constexpr int endPatienceMilliseconds = 2000;     // with a page that does not end
 
 struct CommandName
 {
@@ -37,11 +42,18 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     , m_view(views.make({plan.page, QFileInfo(plan.callDir).canonicalFilePath(), scripts}, this))
 {
     m_view->setObjectName(u"viewerPage"_s);
-    m_view->onMessage = [this](const QJsonObject &body) { Q_EMIT messagePosted(body, m_page); };
+    m_patience.setObjectName(u"patience"_s);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &ViewerWindow::goOn);
+    m_view->onMessage = [this](const QJsonObject &body) {
+        ++m_unanswered;
+        Q_EMIT messagePosted(body, m_page);
+    };
     m_view->onCrash = [this] { reportCrash(); };
     m_view->onUnloaded = [this] {
-        if (m_isClosed)
-            deleteLater();
+        if (m_life == Life::Ending)
+            m_life = Life::Unloaded;
+        leaveWhenAnswered();
     };
     m_view->onMenu = [this](const QPoint &place, const QList<WebView::Command> &commands) {
         openMenu(place, commands);
@@ -61,10 +73,43 @@ void ViewerWindow::showTab(bool summary)
     m_view->run(ShowTabScript(summary));
 }
 
-void ViewerWindow::answer(int page, const QString &script)
+void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &written)
 {
-    if (page == m_page)
-        m_view->run(script);
+    --m_unanswered;
+    if (m_life != Life::Open && !reply.failure.isEmpty())
+        lose(reply.failure, {written});
+    if (page == m_page && m_life != Life::Unloaded)
+        m_view->run(AnswerScript(reply.answer));
+    if (!m_whenSaved.isEmpty())
+        askForUnsaved();
+    leaveWhenAnswered();
+}
+
+void ViewerWindow::whenSaved(std::function<void()> then)
+{
+    m_whenSaved.append(std::move(then));
+    askForUnsaved();
+}
+
+/// The page posts a correction after the answer to the one before, and so is asked again after every answer.
+void ViewerWindow::askForUnsaved()
+{
+    m_patience.start(pagePatienceMilliseconds);
+    m_view->ask(UnsavedScript(), [this](const QVariant &unsaved) {
+        m_unsaved = unsaved.toStringList();
+        if (m_unsaved.isEmpty() && m_unanswered == 0)
+            goOn();
+        else if (!m_whenSaved.isEmpty())
+            m_patience.start(enginePatienceMilliseconds);
+    });
+}
+
+void ViewerWindow::goOn()
+{
+    m_patience.stop();
+    const QList<std::function<void()>> all = std::exchange(m_whenSaved, {});
+    for (const std::function<void()> &then : all)
+        then();
 }
 
 void ViewerWindow::setZoom(double factor)
@@ -72,22 +117,68 @@ void ViewerWindow::setZoom(double factor)
     m_view->setZoom(factor);
 }
 
-/// The page may still have something to save, and does so when it ends.
 void ViewerWindow::dispose()
 {
-    constexpr int patienceMilliseconds = 2000; // with a page that hangs
-    m_isClosed = true;
+    m_life = Life::Saving;
     m_view->run(PauseScript());
+    whenSaved([this] {
+        if (m_life == Life::Saving)
+            end();
+    });
+}
+
+bool ViewerWindow::stay()
+{
+    if (m_life != Life::Saving)
+        return false;
+    m_life = Life::Open;
+    tellLost();
+    return true;
+}
+
+/// The page may still have something to say when it ends.
+void ViewerWindow::end()
+{
+    if (!m_unsaved.isEmpty())
+        lose(L(u"Could not save this change"_s), std::exchange(m_unsaved, {}));
+    tellLost();
+    m_life = Life::Ending;
     m_view->unload();
-    QTimer::singleShot(patienceMilliseconds, this, &QObject::deleteLater);
+    QTimer::singleShot(endPatienceMilliseconds, this, &QObject::deleteLater);
+}
+
+void ViewerWindow::leaveWhenAnswered()
+{
+    if (m_life != Life::Unloaded || m_unanswered > 0)
+        return;
+    tellLost();
+    deleteLater();
+}
+
+void ViewerWindow::lose(const QString &reason, const QStringList &written)
+{
+    m_lostReason = reason;
+    m_lost += written;
+}
+
+void ViewerWindow::tellLost()
+{
+    if (!m_lostReason.isEmpty())
+        Q_EMIT correctionsLost(std::exchange(m_lostReason, {}), std::exchange(m_lost, {}));
 }
 
 void ViewerWindow::reportCrash()
 {
-    if (m_isClosed) {
-        deleteLater();
+    // What is with the engine will be answered all the same.
+    const QStringList unposted = std::exchange(m_unsaved, {}).mid(m_unanswered);
+    if (m_life != Life::Open) {
+        if (!unposted.isEmpty())
+            lose(L(u"Could not save this change"_s), unposted);
+        m_life = Life::Unloaded;
+        leaveWhenAnswered();
         return;
     }
+    goOn();
     SheetText text;
     text.message = L(u"The transcript page has stopped"_s);
     text.detail = L(u"Nothing that was saved is lost. Load the page again to go on."_s);

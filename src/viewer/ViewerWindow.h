@@ -1,7 +1,10 @@
 #pragma once
 
 #include "viewer/ResultWindow.h"
+#include "viewer/ViewerMessage.h"
 #include "viewer/WebView.h"
+
+#include <QTimer>
 
 namespace tuppi {
 
@@ -14,25 +17,45 @@ public:
     ViewerWindow(const ResultPlan &plan, WebViews &views, const QStringList &scripts);
 
     void showTab(bool summary) override;
-    /// Runs the answer to a message in the page that posted it; when that is gone, nothing happens.
-    void answer(int page, const QString &script);
+    /// What became of a message, told to the page that posted it unless that is gone. Every message has to be
+    /// answered, once. `written` is told by correctionsLost() where the page no longer can.
+    void answer(int page, const ViewerReply &reply, const QString &written);
+    void whenSaved(std::function<void()> then) override;
+    bool stay() override;
 
 Q_SIGNALS:
     /// `page` tells the page that posted it from one loaded later.
     void messagePosted(const QJsonObject &body, int page);
+    /// Corrections made before the window was closed were not saved. `written` is what the person wrote in them.
+    void correctionsLost(const QString &reason, const QStringList &written);
 
 protected:
     void dispose() override;
     void setZoom(double factor) override;
 
 private:
+    /// How far the window is from its end: a page that was closed is first asked for what it has not saved.
+    enum class Life { Open, Saving, Ending, Unloaded };
+
     void load();
     void reportCrash();
+    void askForUnsaved();
+    void goOn();
+    void end();
+    void leaveWhenAnswered();
+    void lose(const QString &reason, const QStringList &written);
+    void tellLost();
     void openMenu(const QPoint &place, const QList<WebView::Command> &commands);
 
     WebView *m_view;
     int m_page = 0;
-    bool m_isClosed = false;
+    Life m_life = Life::Open;
+    int m_unanswered = 0;                       ///< messages
+    QStringList m_unsaved;                      ///< as the page said last
+    QList<std::function<void()>> m_whenSaved;
+    QTimer m_patience{this};
+    QString m_lostReason;
+    QStringList m_lost;
 };
 
 } // namespace tuppi

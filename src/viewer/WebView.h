@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 #include <QStringList>
+#include <QVariant>
 #include <QWidget>
 
 #include <functional>
@@ -29,6 +30,8 @@ public:
     /// Loads the page, anew when it is there already.
     virtual void load() = 0;
     virtual void run(const QString &script) = 0;
+    /// Runs the script and calls back with its value; never when the page hangs or is still loading.
+    virtual void ask(const QString &script, std::function<void(const QVariant &value)> answered) = 0;
     /// Lets the page end in its own way; onUnloaded follows, unless the page hangs.
     virtual void unload() = 0;
     virtual void perform(Command command) = 0;

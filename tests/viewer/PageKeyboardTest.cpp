@@ -3,6 +3,8 @@
 #include "viewer/ViewerTest.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QMenu>
 #include <QTest>
 #include <QWindow>
 
@@ -104,6 +106,25 @@ TEST_F(ThePageByKeyboard, TheEditorAndTheMenuOfSpeakersAreOpenedAndLeft)
     QTest::keyClick(QGuiApplication::focusWindow(), Qt::Key_Escape);
     ASSERT_TRUE(becomes(m_viewer, u"state.editor === null"_s, "true"));
     EXPECT_TRUE(waitFor([this] { return where() == "headed"; }));
+}
+
+TEST_F(ThePageByKeyboard, TheMenuOverALineThatIsBeingWrittenPastesIntoIt)
+{
+    openPage(false);
+    page(m_viewer)->run(u"openEditor(state.lines[1], 0); area.select()"_s);
+    ASSERT_TRUE(becomes(m_viewer, u"document.activeElement === area"_s, "true"));
+    const auto number = [&](const char *side) {
+        return ask(m_viewer, u"Math.round(area.getBoundingClientRect().%1)"_s.arg(QLatin1StringView(side))).toInt();
+    };
+    QApplication::clipboard()->setText(u"Pasted."_s);
+    QTest::mouseClick(QApplication::focusWidget(), Qt::RightButton, {}, QPoint(number("x") + 8, number("y") + 8));
+    const auto menu = [this] { return m_viewer->findChild<QMenu *>(u"viewerMenu"_s); };
+    ASSERT_TRUE(waitFor([&] { return menu() && menu()->isVisible(); }));
+    EXPECT_EQ(ask(m_viewer, u"state.editor !== null"_s), "true");
+    menu()->findChild<QAction *>(u"paste"_s)->trigger();
+    menu()->close();
+    EXPECT_TRUE(becomes(m_viewer, u"state.editor !== null && area.value.includes('Pasted.')"_s, "true"));
+    EXPECT_EQ(ask(m_viewer, u"document.activeElement === area"_s), "true");
 }
 
 } // namespace

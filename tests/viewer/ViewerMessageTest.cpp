@@ -97,7 +97,7 @@ TEST_P(Refusing, RunsNothing)
 {
     const ViewerMessage message = ReadViewerMessage(object(GetParam().body), u"j1"_s);
     EXPECT_EQ(message.arguments, QStringList());
-    EXPECT_EQ(shown(Refusal(message)), QByteArray(GetParam().answer));
+    EXPECT_EQ(shown(Refusal(message).answer), QByteArray(GetParam().answer));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -144,7 +144,7 @@ TEST_P(WithoutATranscript, EveryMessageIsRefused)
 {
     const ViewerMessage message = ReadViewerMessage(object(GetParam().body), {});
     EXPECT_EQ(message.arguments, QStringList());
-    EXPECT_EQ(shown(Refusal(message)), QByteArray(GetParam().answer));
+    EXPECT_EQ(shown(Refusal(message).answer), QByteArray(GetParam().answer));
 }
 
 INSTANTIATE_TEST_SUITE_P(

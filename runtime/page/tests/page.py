@@ -93,7 +93,8 @@ def sample(**changes):
         "speakers": ["Interviewer", "Guest"],
         "segments": segments(INTERVIEW),
         "summary": {
-            "note": "No text model was used: these sentences were picked from the transcript as they were spoken.",
+            "note": [{"text": "No text model was used: these sentences were picked from the transcript as they were "
+                              "spoken.", "values": []}],
             "paragraphs": ["- We have been working on a new school for the children of the city.\n"
                            "- The money, of course. We had to find a new bank in the middle of the winter.\n"
                            "- We hope to open the doors in September."],

@@ -83,6 +83,19 @@ class Edit(ViewerCase):
         self.browser.keys("Control+Enter")
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
 
+    def test_a_line_opened_again_before_its_saving_failed_is_saved_again(self):
+        self.rewrite(1, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.edit(1)
+        self.answer("tuppiSaved", 1, False, "Not saved: disk full", "New.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.browser.keys("Control+Enter")
+        self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
+        self.answer("tuppiSaved", 1, True, "Saved", "New.")
+        self.await_settled()
+        self.assertEqual(self.texts()[1], "New.")
+
     def test_an_answer_about_another_line_settles_nothing(self):
         self.rewrite(1, "New.")
         self.browser.keys("Control+Enter")
@@ -448,6 +461,58 @@ class Rename(ViewerCase):
         self.await_settled()
         self.assertEqual(self.names(), [BORIS] * 4)
 
+    def test_again_before_it_is_answered(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.assertEqual(self.browser.get("document.getElementById('speaker-menu-title').textContent"), "Speaker: Cleo")
+        self.assertEqual(self.browser.get("document.querySelector('#names [aria-current]').textContent"), "Cleo")
+        self.write_name("Dora")
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+        self.no_more_messages()
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.message(), {"kind": "rename", "old": "Cleo", "name": "Dora"})
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", "Cleo", "Dora")
+        self.await_settled()
+        self.assertEqual(self.names(), ["Dora", "Dora", BORIS, "Dora"])
+
+    def test_taken_back_before_it_is_answered(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.choose(ANNA)
+        self.assertEqual(self.names(), NAMES)
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.message(), {"kind": "rename", "old": "Cleo", "name": ANNA})
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", "Cleo", ANNA)
+        self.await_settled()
+        self.assertEqual(self.names(), NAMES)
+
+    def test_again_after_one_that_fails(self):
+        self.rename("Cleo")
+        self.open_menu(0, everywhere=True)
+        self.write_name("Dora")
+        self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
+        self.await_notice("Could not save this change", failed=True)
+        self.await_settled()
+        self.no_more_messages()
+        self.assertEqual(self.names(), NAMES)
+
+    def test_one_that_waits_is_shown(self):
+        self.rewrite(3, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.open_menu(0, everywhere=True)
+        self.write_name("Cleo")
+        self.assertEqual(self.names(), ["Cleo", "Cleo", BORIS, "Cleo"])
+        self.open_menu(0, everywhere=False)
+        self.choose(BORIS)
+        self.assertEqual(self.names(), [BORIS, "Cleo", BORIS, "Cleo"])
+        self.answer("tuppiSaved", 3, True, "Saved", "New.")
+        self.assertEqual(self.message(), {"kind": "rename", "old": ANNA, "name": "Cleo"})
+        self.answer("tuppiRenamed", True, "Renamed in 3 lines", ANNA, "Cleo")
+        self.assertEqual(self.names(), [BORIS, "Cleo", BORIS, "Cleo"])
+        self.assertEqual(self.message(), {"kind": "speaker", "index": 0, "name": BORIS})
+
     def test_failed_puts_the_old_name_back(self):
         self.rename("Cleo")
         self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
@@ -469,6 +534,48 @@ class Rename(ViewerCase):
         self.open_menu(2, everywhere=True)
         self.assertEqual(self.browser.get("[...document.querySelectorAll('#names button')].map(e => e.textContent)"),
                          ["Cleo", BORIS])
+
+
+class RenamedSummary(ViewerCase):
+    """The same cases as the engine's own, which writes the files anew."""
+
+    def rename(self, old, name, paragraphs, tasks):
+        self.answered = 0
+        self.load_lines((old, "One."), ("Ann", "Two."), summary={"note": [], "paragraphs": paragraphs, "tasks": tasks})
+        self.open_menu(0, everywhere=True)
+        self.write_name(name)
+        self.message()
+
+    def summary(self):
+        return self.browser.get("['prose', 'tasks'].map(id => [...document.querySelectorAll('#' + id + ' li')]"
+                                ".map(e => e.textContent))")
+
+    def test_a_name_that_the_engine_gave_changes_everywhere(self):
+        self.rename("Speaker 1", "Anna \\1 $&", ["- Speaker 1 met Speaker 10.\n- He spoke."], ["Speaker 1: I will call Speaker 1."])
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Speaker 1", "Anna \\1 $&")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Anna \\1 $& met Speaker 10.", "He spoke."],
+                                          ["Anna \\1 $&: I will call Anna \\1 $&."]])
+        self.browser.run("document.activeElement.blur()")
+        self.browser.keys("Control+z")
+        self.message()
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Anna \\1 $&", "Speaker 1")
+        self.await_notice("Undone: Rename")
+        self.assertEqual(self.summary()[1], ["Speaker 1: I will call Anna \\1 $&."])
+
+    def test_another_name_changes_where_it_tells_who_speaks(self):
+        self.rename("Bo", "Carl", ["- Bo: Yes.\n- Bo said so."],
+                    ["Ann: Can you call Bo? Bo: On Monday.", "Ann: Tell Bo that Ann comes."])
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "Bo", "Carl")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Carl: Yes.", "Bo said so."],
+                                          ["Ann: Can you call Bo? Carl: On Monday.", "Ann: Tell Bo that Ann comes."]])
+
+    def test_what_failed_changes_nothing(self):
+        self.rename("Bo", "Carl", ["- Bo: Yes."], [])
+        self.answer("tuppiRenamed", False, "Not saved", "Bo", "Bo")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Bo: Yes."], []])
 
 
 class Undo(ViewerCase):

@@ -82,6 +82,15 @@ class Head(ViewerCase):
                          ["Call Anna <now>", "Rest"])
         self.assertTrue(self.browser.get("document.getElementById('note').hidden"))
 
+    def test_the_note_is_looked_up_before_it_is_filled(self):
+        tables = {"By “%@”.": "Від «%@».", "Gone: %@ to %@.": "Нема від %1$@ до %2$@."}
+        note = [{"text": "By “%@”.", "values": ["small %@"]}, {"text": "Gone: %@ to %@.", "values": ["0:01", "0:02"]},
+                {"text": "Unknown: %@.", "values": ["x"]}, "odd", None]
+        self.load(page.sample(summary={"note": note, "tasks": [], "paragraphs": ["They met."]}),
+                  before="window.TUPPI_TAB='summary'; window.TUPPI_I18N=" + json.dumps(tables) + ";")
+        self.assertEqual(self.browser.get("document.getElementById('note').textContent"),
+                         "Від «small %@». Нема від 0:01 до 0:02. Unknown: x.")
+
     def test_no_summary(self):
         self.load(page.sample(summary=None), before="window.TUPPI_TAB='summary';")
         self.assertEqual(self.browser.get("document.getElementById('note').textContent"),
@@ -713,7 +722,7 @@ class Safety(ViewerCase):
                  f"<style>@import '{out}';</style>", "{{7*7}} ${7*7} @TUPPI_TRANSCRIPT@ $& $1"]
         return texts, page.sample(title=texts[0], language="\"><b>", speakers=texts, recorded_at=texts[1],
                                   segments=page.segments([(text, text) for text in texts], 1.0), duration=9.0,
-                                  summary={"note": texts[0], "paragraphs": texts[:5] + texts[6:], "tasks": texts})
+                                  summary={"note": [{"text": texts[0], "values": texts}], "paragraphs": texts[:5] + texts[6:], "tasks": texts})
 
     def test_hostile_data_is_shown_as_text(self):
         texts, data = self.hostile()

@@ -127,6 +127,11 @@ qsizetype placeBehind(const QString &text, qint64 characters)
     return place;
 }
 
+qint64 charactersIn(const QString &text)
+{
+    return text.toUcs4().size();
+}
+
 int splitLine(const Arguments &arguments, qint64 number)
 {
     const qint64 characters = numberOf(arguments.words.at(2), u"character"_s);
@@ -134,10 +139,10 @@ int splitLine(const Arguments &arguments, qint64 number)
     QJsonArray segments;
     correct(database, arguments.words.first(), [&](Correction &correction) {
         Line &line = lineAt(correction.transcript, number);
-        const qsizetype place = placeBehind(line.text, characters);
-        if (trimmedText(QStringView(line.text).left(place)).isEmpty() ||
-            trimmedText(QStringView(line.text).sliced(place)).isEmpty())
+        // At an end too: a line that was emptied and then joined comes back so.
+        if (characters < 0 || characters > charactersIn(line.text))
             throw Failure(u"A line can only be split inside its text."_s);
+        const qsizetype place = placeBehind(line.text, characters);
         const auto [first, second] = cut(line, place);
         segments = {pageLine(first), pageLine(second)};
         line = first;

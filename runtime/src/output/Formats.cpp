@@ -186,7 +186,10 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
                    quoted(summary.model.isEmpty() ? u"extracted"_s : summary.model) + u"\nspeakers: "_s +
                    quotedList(speakersOf(transcript.lines)) + u"\n---\n"_s;
     text += u"# "_s + job.title + u"\n\n## Summary\n\n"_s;
-    text += u'*' + summaryNote(summary) + u"*\n\n"_s;
+    QStringList note;
+    for (const Remark &remark : summaryNote(summary))
+        note.append(filled(remark));
+    text += u'*' + note.join(u' ') + u"*\n\n"_s;
     text += bulletList(summary.sentences, u"- "_s);
     text += u"\n## Tasks\n\n"_s;
     text += summary.tasks.isEmpty() ? u"None were found.\n"_s : bulletList(summary.tasks, u"- [ ] "_s);
@@ -194,14 +197,14 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
     return text.toUtf8();
 }
 
-QString summaryNote(const Summary &summary)
+QList<Remark> summaryNote(const Summary &summary)
 {
-    const QString maker =
+    const Remark maker =
         summary.model.isEmpty()
-            ? u"No text model was used: these sentences were picked from the transcript as they were spoken."_s
-            : u"Written by the text model “%1”. It may be wrong: what was said stands in the full text."_s.arg(
-                  summary.model);
-    return (QStringList{maker} + summary.missing).join(u' ');
+            ? remark(u"No text model was used: these sentences were picked from the transcript as they were spoken."_s)
+            : remark(u"Written by the text model “%@”. It may be wrong: what was said stands in the full text."_s,
+                     {summary.model});
+    return QList{maker} + summary.missing;
 }
 
 } // namespace engine

@@ -31,6 +31,6 @@ QByteArray jsonWithList(QJsonObject object, const QString &name, size_t count,
 QByteArray summaryFile(const Job &job, const Transcript &transcript);
 
 // How the summary was made, for people.
-QString summaryNote(const Summary &summary);
+QList<Remark> summaryNote(const Summary &summary);
 
 } // namespace engine

@@ -19,7 +19,10 @@ QJsonObject pageSummary(const Summary &summary)
     QJsonArray paragraphs;
     if (!summary.sentences.isEmpty())
         paragraphs.append(u"- "_s + summary.sentences.join(u"\n- "));
-    return {{u"note"_s, summaryNote(summary)},
+    QJsonArray note;
+    for (const Remark &remark : summaryNote(summary))
+        note.append(QJsonObject{{u"text"_s, remark.format}, {u"values"_s, QJsonArray::fromStringList(remark.values)}});
+    return {{u"note"_s, note},
             {u"paragraphs"_s, paragraphs},
             {u"tasks"_s, QJsonArray::fromStringList(summary.tasks)}};
 }

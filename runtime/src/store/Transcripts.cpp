@@ -24,14 +24,27 @@ QStringList texts(const QJsonValue &list)
     return found;
 }
 
+// Kept as texts that were filled already by earlier versions.
+QList<Remark> remarks(const QJsonValue &list)
+{
+    QList<Remark> found;
+    for (const QJsonValue &item : list.toArray())
+        found.append(item.isString() ? remark(item.toString())
+                                     : remark(item[u"text"].toString(), texts(item[u"values"])));
+    return found;
+}
+
 QVariant summaryToBytes(const std::optional<Summary> &summary)
 {
     if (!summary)
         return {};
+    QJsonArray missing;
+    for (const Remark &remark : summary->missing)
+        missing.append(QJsonObject{{u"text"_s, remark.format}, {u"values"_s, QJsonArray::fromStringList(remark.values)}});
     const QJsonObject object{{u"sentences"_s, QJsonArray::fromStringList(summary->sentences)},
                              {u"tasks"_s, QJsonArray::fromStringList(summary->tasks)},
                              {u"model"_s, summary->model},
-                             {u"missing"_s, QJsonArray::fromStringList(summary->missing)}};
+                             {u"missing"_s, missing}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -41,7 +54,7 @@ std::optional<Summary> summaryFromBytes(const QVariant &value)
         return std::nullopt;
     const QJsonObject object = QJsonDocument::fromJson(value.toByteArray()).object();
     return Summary{texts(object[u"sentences"]), texts(object[u"tasks"]), object[u"model"].toString(),
-                   texts(object[u"missing"])};
+                   remarks(object[u"missing"])};
 }
 
 std::vector<Line> keptLines(Database &database, qint64 job)

@@ -116,10 +116,10 @@ QString clock(qint64 ms)
         .arg(seconds % 60, 2, 10, QChar(u'0'));
 }
 
-QString missing(const Part &part)
+Remark missing(const Part &part)
 {
-    return u"What was said from %1 to %2 is missing here: the text model gave no answer that could be used."_s
-        .arg(clock(part.front().startMs), clock(part.back().endMs));
+    return remark(u"What was said from %@ to %@ is missing here: the text model gave no answer that could be used."_s,
+                  {clock(part.front().startMs), clock(part.back().endMs)});
 }
 
 // Without what names numbers or persons that were not said.
@@ -152,13 +152,14 @@ public:
         return titleFits(title, m_said, m_language) ? title : QString();
     }
 
-    QStringList note() const
+    QList<Remark> note() const
     {
         if (m_dropped == 0)
             return {};
-        return {m_dropped == 1
-                    ? u"One sentence of the text model was left out: it named what was not said."_s
-                    : u"%1 sentences of the text model were left out: they named what was not said."_s.arg(m_dropped)};
+        if (m_dropped == 1)
+            return {remark(u"One sentence of the text model was left out: it named what was not said."_s)};
+        return {remark(u"%@ sentences of the text model were left out: they named what was not said."_s,
+                       {QString::number(m_dropped)})};
     }
 
 private:

@@ -148,8 +148,22 @@ Summary extractSummary(const std::vector<Sentence> &sentences, const QString &la
         summary.sentences.append(sentences[index].text);
     summary.tasks = extractTasks(sentences, language);
     if (!tellsTasks(language))
-        summary.missing.append(u"Without a text model, tasks are not looked for in this language."_s);
+        summary.missing.append(remark(u"Without a text model, tasks are not looked for in this language."_s));
     return summary;
+}
+
+QString filled(const Remark &remark)
+{
+    QString text;
+    qsizetype end = 0;
+    for (const QString &value : remark.values) {
+        const qsizetype place = remark.format.indexOf("%@"_L1, end);
+        if (place < 0)
+            break;
+        text += remark.format.sliced(end, place - end) + value;
+        end = place + 2;
+    }
+    return text + remark.format.sliced(end);
 }
 
 } // namespace engine

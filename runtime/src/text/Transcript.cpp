@@ -101,8 +101,12 @@ std::pair<Line, Line> cut(const Line &line, qsizetype place)
         first.words.back() = {left.back(), whole.startMs, middle};
         second.words.front() = {right.front(), middle, whole.endMs};
     }
-    first.endMs = std::clamp(first.words.back().endMs, line.startMs, line.endMs);
-    second.startMs = std::clamp(second.words.front().startMs, first.endMs, line.endMs);
+    const bool firstIsEmpty = first.words.empty();
+    const qint64 end = !firstIsEmpty ? first.words.back().endMs
+                                     : !second.words.empty() ? second.words.front().startMs : line.startMs;
+    first.endMs = std::clamp(end, line.startMs, line.endMs);
+    second.startMs = second.words.empty() ? first.endMs
+                                          : std::clamp(second.words.front().startMs, first.endMs, line.endMs);
     return {first, second};
 }
 

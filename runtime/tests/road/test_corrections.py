@@ -94,6 +94,21 @@ class Commands(CorrectionTest):
         self.assertEqual(page_data(self.entry)["segments"][2], segment)
         self.assertEqual(view(self.agreed()), before)
 
+    def test_an_emptied_line_that_was_joined_comes_back(self):
+        before = view(self.agreed_after_a_change())
+        for line, joins, place in ((2, 2, len(SENTENCES[1])), (1, 2, 0)):
+            with self.subTest(emptied=line):
+                self.edit(line, "")
+                segment = self.reply("split", self.id, str(joins), "--join", "--json")["segment"]
+                self.assertEqual(segment["text"], before[3 - line][1])
+                segments = self.reply("split", self.id, str(joins - 1), str(place), "--json")["segments"]
+                self.assertEqual(segments[line - 1]["text"], "")
+                self.agreed()
+                self.edit(line, before[line][1])
+                self.reply("speaker", self.id, "1", "--json", "--none")
+                self.reply("speaker", self.id, "2", "--json", "--name=Anna")
+                self.assertEqual(view(self.agreed()), before)
+
     def agreed_after_a_change(self):
         self.reply("speaker", self.id, "2", "--json", "--name=Anna")
         return self.agreed()
@@ -154,7 +169,7 @@ class Commands(CorrectionTest):
         self.runtime.ask("pause", queued)
         self.reply("speaker", self.id, "0", "--json", "--name=Anna")
         before, history = self.agreed(), self.runtime.history()
-        length = str(len(SENTENCES[0]))
+        beyond = str(len(SENTENCES[0]) + 1)
         changes = (("rename", "{id}", "--", "x"), ("speaker", "{id}", "0", "--json", "--name=x"),
                    ("speaker", "{id}", "--rename", "--old=Anna", "--new=x", "--json"),
                    ("edit", "{id}", "0", "--json", "--", "x"), ("split", "{id}", "0", "4", "--json"),
@@ -184,8 +199,8 @@ class Commands(CorrectionTest):
                 (("speaker", self.id, "--rename", "--old=anna", "--new=x", "--json"), "Nobody is called “anna”"),
                 (("edit", self.id, "0", "--json", "--", "a\nb"), "line breaks"),
                 (("edit", self.id, "0", "--json", "--", "a\rb"), "line breaks"),
-                (("split", self.id, "0", "0", "--json"), "inside"), (("split", self.id, "0", "-3", "--json"), "inside"),
-                (("split", self.id, "0", length, "--json"), "inside"),
+                (("split", self.id, "0", "-3", "--json"), "inside"),
+                (("split", self.id, "0", beyond, "--json"), "inside"),
                 (("split", self.id, "0", "99999999999999999999", "--json"), "inside"),
                 (("split", self.id, "0", "--join", "--json"), "no line above")):
             with self.subTest(arguments):

@@ -122,12 +122,12 @@ TEST(Formats, aSummaryByATextModelSaysSoAndWhatItLacks)
 {
     Transcript transcript = finished();
     transcript.summary->model = u"small:latest"_s;
-    transcript.summary->missing = QStringList{u"The middle is missing."_s};
+    transcript.summary->missing = {remark(u"The part from %@ to %@ is missing."_s, {u"%@"_s, u"2"_s})};
     const QString text = QString::fromUtf8(summaryFile(finishedJob(), transcript));
     EXPECT_TRUE(text.contains(u"\nsummary: \"small:latest\"\n"));
     EXPECT_FALSE(text.contains(u"No text model was used"));
     EXPECT_TRUE(text.contains(u"“small:latest”"));
-    EXPECT_TRUE(text.contains(u"The middle is missing."));
+    EXPECT_TRUE(text.contains(u"The part from %@ to 2 is missing."));
 }
 
 TEST(Formats, speakersAreNamedAndEmptiedLinesLeftOut)

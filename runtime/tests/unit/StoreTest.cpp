@@ -297,6 +297,7 @@ TEST(Store, transcriptsAreKeptWhole)
         {2000, 2500, u"\u200f\u05d0"_s, u"x"_s, {{u"x"_s, 2000, 2500}}}};
     transcript.clean = u"Good.\n"_s;
     transcript.summary = Summary{{u"A \"b\"."_s}, {}};
+    transcript.summary->missing = {remark(u"%@ is gone."_s, {u"%@"_s})};
     transcript.revision = 3;
     {
         Database database(home.paths());
@@ -313,6 +314,9 @@ TEST(Store, transcriptsAreKeptWhole)
     EXPECT_EQ(kept->clean, transcript.clean);
     EXPECT_EQ(kept->summary->sentences, transcript.summary->sentences);
     EXPECT_TRUE(kept->summary->tasks.isEmpty());
+    ASSERT_EQ(kept->summary->missing.size(), 1);
+    EXPECT_EQ(kept->summary->missing[0].format, u"%@ is gone."_s);
+    EXPECT_EQ(kept->summary->missing[0].values, QStringList{u"%@"_s});
     EXPECT_EQ(kept->revision, 3);
     EXPECT_EQ(unwrittenJobs(database), std::vector<qint64>{seq});
     noteWritten(database, seq, 3);

@@ -111,6 +111,28 @@ TEST(Transcript, aLineIsCutAtAWordOrInside)
     EXPECT_EQ(wordsAndTimes(right), u"wo 1266-1400, three 1400-1600"_s);
 }
 
+TEST(Transcript, aCutAtAnEndLeavesAnEmptyLine)
+{
+    Line line = spoken(u"one two three"_s);
+    line.endMs = 1700;
+    const auto [all, nothing] = cut(line, line.text.size());
+    EXPECT_EQ(all.words, line.words);
+    EXPECT_EQ(all.endMs, 1600);
+    EXPECT_TRUE(nothing.text.isEmpty() && nothing.words.empty());
+    EXPECT_EQ(nothing.startMs, 1600);
+    EXPECT_EQ(nothing.endMs, 1700);
+
+    const auto [before, whole] = cut(line, 0);
+    EXPECT_TRUE(before.text.isEmpty() && before.words.empty());
+    EXPECT_EQ(before.endMs, 1000);
+    EXPECT_EQ(whole, line);
+
+    const auto [first, second] = cut(withText(line, QString()), 0);
+    EXPECT_EQ(first.endMs, 1000);
+    EXPECT_EQ(second.startMs, 1000);
+    EXPECT_EQ(second.endMs, 1700);
+}
+
 TEST(Transcript, joiningUndoesACut)
 {
     Line line = spoken(u"one two three"_s);
