@@ -53,7 +53,7 @@ Menu editMenu()
 QList<Menu> MainMenu()
 {
     return {applicationMenu(), fileMenu(), editMenu(),
-            {LText(u"Window"_s), {{LText(u"Minimize"_s), u"performMiniaturize"_s, u"m"_s, true}}}};
+            {LText(u"Window"_s), {{LText(u"Minimize"_s), u"performMiniaturize"_s, u"m"_s, true}}, true}};
 }
 
 QList<MenuItem> RowMenu()

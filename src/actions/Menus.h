@@ -18,6 +18,7 @@ struct Menu
 {
     QString title;
     QList<MenuItem> items;
+    bool listsWindows = false; ///< the open windows follow
 };
 
 /// The menu bar.

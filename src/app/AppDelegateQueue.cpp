@@ -78,7 +78,7 @@ void AppDelegate::settleInterruptedStart(bool commandEnded)
     if (fate == StartFate::Unknown)
         return;
     if (fate == StartFate::NotTaken)
-        m_jobs.waiting.prepend(m_jobs.interruptedStart->entry);
+        TakeBack(m_jobs.waiting, m_jobs.interruptedStart->entry);
     m_jobs.interruptedStart.reset();
     m_queue.startLock.tryLock();
     saveWaiting();

@@ -30,6 +30,9 @@ struct JobsState
     WaitingEntry startingEntry;   ///< the file of that start
     int startGeneration = 0;      ///< starts completed so far
     std::optional<StartRecord> interruptedStart;  ///< of an earlier run, its fate not yet known
+
+    /// A file is between the queue and the engine's history, of this run or of an interrupted one.
+    bool isHandingOver() const { return starting || interruptedStart; }
 };
 
 } // namespace tuppi

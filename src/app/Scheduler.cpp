@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 bool SomethingActive(const JobsState &jobs)
 {
-    return jobs.starting || !jobs.history->active.isEmpty();
+    return jobs.isHandingOver() || !jobs.history->active.isEmpty();
 }
 
 bool IsWorkUnderWay(const JobsState &jobs)
@@ -21,14 +21,14 @@ bool IsWorkUnderWay(const JobsState &jobs)
 bool BusyExcept(const JobsState &jobs, const QString &id)
 {
     const QList<QJsonObject> &active = jobs.history->active;
-    return jobs.starting || std::any_of(active.begin(), active.end(), [&](const QJsonObject &job) {
+    return jobs.isHandingOver() || std::any_of(active.begin(), active.end(), [&](const QJsonObject &job) {
         return !job.value("paused"_L1).toBool() && job.value("id"_L1).toString() != id;
     });
 }
 
 bool MayStartNext(const JobsState &jobs)
 {
-    if (jobs.waiting.isEmpty() || SomethingActive(jobs) || jobs.interruptedStart)
+    if (jobs.waiting.isEmpty() || SomethingActive(jobs))
         return false;
     // A start without an engine would only cost the file its place; the files are better off waiting.
     if (jobs.engineBroken || jobs.settingUp)

@@ -6,6 +6,7 @@
 #include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace tuppi {
@@ -54,6 +55,15 @@ void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoice
         WaitingEntry &entry = queue.emplaceBack(chosen);
         entry.insert(u"url"_s, QUrl::fromLocalFile(path));
     }
+}
+
+void TakeBack(WaitingQueue &queue, const WaitingEntry &entry)
+{
+    const QString path = WaitingPath(entry);
+    const bool waits = std::any_of(queue.cbegin(), queue.cend(),
+                                   [&](const WaitingEntry &other) { return WaitingPath(other) == path; });
+    if (!waits && QFile::exists(path))
+        queue.prepend(entry);
 }
 
 void RemoveWaitingPath(WaitingQueue &queue, const QString &path)

@@ -26,6 +26,10 @@ QString WaitingPath(const WaitingEntry &entry);
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);
 
+/// Puts a file whose start was interrupted back to the head. Left out where the file is gone, as at any restart, or was
+/// added again meanwhile.
+void TakeBack(WaitingQueue &queue, const WaitingEntry &entry);
+
 /// Removes every entry of that file.
 void RemoveWaitingPath(WaitingQueue &queue, const QString &path);
 

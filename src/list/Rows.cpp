@@ -17,13 +17,20 @@ QJsonObject startingRow()
     return {{u"local"_s, true}, {u"title"_s, L(u"Preparing…"_s)}, {u"status"_s, u"starting"_s}};
 }
 
+/// Its name without the extension; a name that is an extension alone stands whole.
+QString titleOfFile(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
+}
+
 QJsonObject waitingRow(const QString &path, qsizetype index)
 {
     return {{u"local"_s, true},
             {u"waitIndex"_s, qint64(index)},
             {u"waitPath"_s, path},
             {u"status"_s, u"waiting"_s},
-            {u"title"_s, QFileInfo(path).completeBaseName()}};
+            {u"title"_s, titleOfFile(path)}};
 }
 
 /// Of the files that wait, in their order.
@@ -41,7 +48,7 @@ QString digestOf(const WaitingQueue &queue)
 /// avoid.
 QString signatureOf(const JobsState &jobs)
 {
-    const QString rows = (jobs.starting ? u"starting "_s : QString()) + digestOf(jobs.waiting) + u' '
+    const QString rows = (jobs.isHandingOver() ? u"starting "_s : QString()) + digestOf(jobs.waiting) + u' '
         + QString::fromLatin1(jobs.history->digest.toHex());
     const QByteArray latest = jobs.latestJob ? QJsonDocument(*jobs.latestJob).toJson(QJsonDocument::Compact) : QByteArray();
     return Fill(u"%@|%@|%@"_s, {rows, QString::fromUtf8(latest), jobs.waiting.size()});
@@ -85,8 +92,8 @@ RowList BuildRows(const JobsState &jobs)
 {
     RowList list;
     list.counts = jobs.history->counts;
-    list.counts.active += jobs.starting;
-    list.rows = {jobs.starting, jobs.waiting, jobs.history->listed};
+    list.counts.active += jobs.isHandingOver();
+    list.rows = {jobs.isHandingOver(), jobs.waiting, jobs.history->listed};
     list.signature = signatureOf(jobs);
     return list;
 }

@@ -27,10 +27,12 @@ FolderSize::~FolderSize()
 void FolderSize::measure(const QString &path)
 {
     m_path = path;
-    if (!m_process)
+    if (!m_process) {
         start();
-    else if (m_running != path)
+    } else if (m_running != path) {
         m_process->kill();
+        m_running.clear(); // whatever it says now is about no folder
+    }
 }
 
 void FolderSize::start()

@@ -31,7 +31,7 @@ private:
 
     QString m_program;
     QString m_path;     ///< asked for last
-    QString m_running;  ///< being measured
+    QString m_running;  ///< being measured; empty once that one is to stop
     QProcess *m_process = nullptr;
 };
 

@@ -20,6 +20,7 @@ using namespace Qt::StringLiterals;
 constexpr QSize windowSize(640, 620);
 constexpr int marginX = 24;
 constexpr int marginY = 20;
+constexpr int creditGap = 18;
 
 QTextCharFormat format(const QFont &font)
 {
@@ -60,7 +61,7 @@ void write(QTextCursor &cursor, const Acknowledgement &row)
     cursor.insertText(u"\n"_s, format(small));
     if (!row.note.isEmpty())
         cursor.insertText(L(row.note) + u'\n', format(small));
-    cursor.insertText(u"\n"_s, format(small));
+    leave(cursor, creditGap);
 }
 
 } // namespace

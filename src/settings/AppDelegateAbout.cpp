@@ -11,8 +11,10 @@ namespace tuppi {
 
 void AppDelegate::showAbout()
 {
-    if (!m_settings.about)
+    if (!m_settings.about) {
         m_settings.about = std::make_unique<AboutWindow>(QCoreApplication::applicationVersion());
+        connect(m_settings.about.get(), &AboutWindow::command, this, &AppDelegate::perform);
+    }
     m_settings.about->bringForward();
 }
 
@@ -21,6 +23,7 @@ void AppDelegate::showAcknowledgements()
     if (!m_settings.acknowledgements) {
         m_settings.acknowledgements = std::make_unique<AcknowledgementsWindow>(Acknowledgements());
         connect(m_settings.acknowledgements.get(), &AcknowledgementsWindow::linkChosen, this, &AppDelegate::openUrl);
+        connect(m_settings.acknowledgements.get(), &AcknowledgementsWindow::command, this, &AppDelegate::perform);
     }
     m_settings.acknowledgements->bringForward();
 }

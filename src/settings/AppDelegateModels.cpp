@@ -23,10 +23,13 @@ void AppDelegate::refreshCustomModels()
         [this](const std::optional<ModelList> &list) {
             if (!list)
                 return;
+            const bool named = m_models.custom != list->custom;
             m_models = {list->custom, list->textModel, list->ollamaModels};
             resetEngineThatIsGone();
             rebuildModelsUI();
             refresh();
+            if (named)
+                Q_EMIT rowsChanged(); // the rows name the models
         });
 }
 

@@ -10,7 +10,6 @@
 #include "ui/PopUpButton.h"
 #include "ui/TextField.h"
 
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace tuppi {
@@ -82,7 +81,7 @@ void ModelsPane::addTextModel(QVBoxLayout *column)
     m_textModels->setObjectName("textModel"_L1);
     m_textModels->setAccessibleName(title);
     m_textModels->setMinimumWidth(pullWidth);
-    connect(m_textModels, &QComboBox::currentIndexChanged, this,
+    connect(m_textModels, &QComboBox::activated, this,
             [this] { Q_EMIT textModelChosen(m_textModels->currentData().toString()); });
     const QString placeholder = L(u"Another Ollama model, e.g. qwen3:8b"_s);
     m_pull = new TextField(placeholder, pullWidth);
@@ -158,7 +157,6 @@ void ModelsPane::setModels(const ModelLines &lines)
 
 void ModelsPane::setTextModels(const QStringList &names, const QString &current)
 {
-    const QSignalBlocker silence(m_textModels);
     m_textModels->clear();
     for (const QString &name : names)
         m_textModels->addItem(name, name);

@@ -10,7 +10,6 @@
 #include "ui/TickBox.h"
 
 #include <QLineEdit>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace tuppi {
@@ -57,7 +56,6 @@ PopUpButton *popup(const QString &key, const QList<Choice> &choices, const QStri
 
 void setChoices(PopUpButton *menu, const QList<Choice> &choices, const QString &value)
 {
-    const QSignalBlocker silence(menu);
     menu->clear();
     for (int item = 0; item < choices.size(); ++item) {
         if (HasSeparatorAbove(choices, item))
@@ -71,7 +69,6 @@ void setChoices(PopUpButton *menu, const QList<Choice> &choices, const QString &
 
 void selectValue(const QString &value, PopUpButton *menu)
 {
-    const QSignalBlocker silence(menu);
     if (const int item = menu->findData(value); item >= 0)
         menu->setCurrentIndex(item);
 }

@@ -50,8 +50,11 @@ QSize PathField::sizeHint() const
 void PathField::showPath()
 {
     setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
-    if (hasFocus())
+    if (hasFocus()) {
+        if (text() != m_path) // the same again would drop what is selected
+            setText(m_path);
         return;
+    }
     setText(fontMetrics().elidedText(m_path, Qt::ElideMiddle, width() - caret));
     setCursorPosition(0);
 }

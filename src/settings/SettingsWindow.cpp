@@ -127,7 +127,7 @@ TickBox *SettingsWindow::boundToggle(const QString &title, const QString &key, c
 PopUpButton *SettingsWindow::boundPopup(const QString &key, const QList<Choice> &choices, const QString &value)
 {
     PopUpButton *menu = popup(key, choices, value);
-    connect(menu, &QComboBox::currentIndexChanged, this,
+    connect(menu, &QComboBox::activated, this,
             [this, menu, key] { Q_EMIT choiceChanged(key, menu->currentData().toString()); });
     return menu;
 }
@@ -135,7 +135,7 @@ PopUpButton *SettingsWindow::boundPopup(const QString &key, const QList<Choice> 
 QWidget *SettingsWindow::generalPane(const SettingsOpening &opening)
 {
     PopUpButton *language = popup(u"AppleLanguages"_s, opening.interfaceLanguages, opening.interfaceLanguage);
-    connect(language, &QComboBox::currentIndexChanged, this,
+    connect(language, &QComboBox::activated, this,
             [this, language] { Q_EMIT interfaceLanguageChosen(language->currentData().toString()); });
     PillButton *hidden = paneButton(L(u"Show Hidden Transcripts"_s), u"showHidden"_s);
     PillButton *credits = paneButton(L(u"Acknowledgements…"_s), u"showAcknowledgements"_s);

@@ -54,8 +54,6 @@ Q_SIGNALS:
     void toggleChanged(const QString &key, bool on);
     void choiceChanged(const QString &key, const QString &value);
     void interfaceLanguageChosen(const QString &code);
-    /// A button's command, by its name.
-    void command(const QString &action);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

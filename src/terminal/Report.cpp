@@ -154,7 +154,7 @@ QStringList Report::giveUpUnlisted()
 
 bool Report::isFinished(const JobsState &jobs) const
 {
-    return jobs.loaded && jobs.waiting.isEmpty() && !jobs.starting && !jobs.interruptedStart
+    return jobs.loaded && jobs.waiting.isEmpty() && !jobs.isHandingOver()
         && std::all_of(m_files.begin(), m_files.end(), hasEnded);
 }
 

@@ -12,10 +12,10 @@
 #include "ui/Stage.h"
 #include "ui/TitleStrip.h"
 #include "ui/TranscriptList.h"
+#include "ui/WindowCommands.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QShortcut>
@@ -23,25 +23,8 @@
 #include <QVBoxLayout>
 
 namespace tuppi {
-namespace {
 
 using namespace Qt::StringLiterals;
-
-/// Runs an editing command on whatever has the keyboard, if that knows it.
-void edit(QWidget *focus, const QString &action)
-{
-    if (action == "delete"_L1) {
-        // The editors have no slot for it, only a key, which means other things elsewhere.
-        if (!focus->testAttribute(Qt::WA_InputMethodEnabled))
-            return;
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
-        QCoreApplication::sendEvent(focus, &press);
-    } else if (focus->metaObject()->indexOfMethod((action.toLatin1() + "()").constData()) >= 0) {
-        QMetaObject::invokeMethod(focus, action.toLatin1().constData());
-    }
-}
-
-} // namespace
 
 MainWindow::MainWindow(Stage &stage, QWidget *parent)
     : QMainWindow(parent)
@@ -62,6 +45,10 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     m_untilPainted.setSingleShot(true);
     connect(&m_untilPainted, &QTimer::timeout, this, &MainWindow::firstPainted);
     m_untilPainted.start(longestWaitMilliseconds);
+    constexpr int restMilliseconds = 1000;
+    m_untilFrameRests.setSingleShot(true);
+    m_untilFrameRests.setInterval(restMilliseconds);
+    connect(&m_untilFrameRests, &QTimer::timeout, this, &MainWindow::frameChanged);
 }
 
 void MainWindow::buildMenuBar()
@@ -69,6 +56,8 @@ void MainWindow::buildMenuBar()
     const QList<Menu> menus = MainMenu();
     for (const Menu &menu : menus) {
         QMenu *built = menuBar()->addMenu(L(menu.title));
+        if (menu.listsWindows)
+            ListWindowsIn(built);
         for (const MenuItem &item : menu.items) {
             if (item.title.isEmpty()) {
                 built->addSeparator();
@@ -81,7 +70,7 @@ void MainWindow::buildMenuBar()
             action->setShortcut(QKeySequence(KeySequenceOf(item), QKeySequence::PortableText));
             connect(action, &QAction::triggered, this, [this, name = item.action, forFocus = item.forFocus] {
                 if (forFocus)
-                    performForFocus(name);
+                    PerformForFocus(this, name);
                 else
                     Q_EMIT command(name);
             });
@@ -94,19 +83,6 @@ void MainWindow::addMenuKey()
 {
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this,
             [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
-}
-
-void MainWindow::performForFocus(const QString &action)
-{
-    QWidget *window = QApplication::activeWindow() ? QApplication::activeWindow() : this;
-    if (action == "terminate"_L1)
-        QApplication::quit();
-    else if (action == "performClose"_L1)
-        window->close();
-    else if (action == "hide"_L1 || action == "performMiniaturize"_L1)
-        window->showMinimized();
-    else if (QWidget *focus = QApplication::focusWidget())
-        edit(focus, action);
 }
 
 QWidget *MainWindow::buildEmptyState()
@@ -247,6 +223,18 @@ bool MainWindow::event(QEvent *event)
     if (event->type() == QEvent::Paint && m_untilPainted.isActive())
         m_untilPainted.start(0);
     return QMainWindow::event(event);
+}
+
+void MainWindow::moveEvent(QMoveEvent *event)
+{
+    m_untilFrameRests.start();
+    QMainWindow::moveEvent(event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    m_untilFrameRests.start();
+    QMainWindow::resizeEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

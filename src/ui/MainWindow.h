@@ -46,7 +46,8 @@ Q_SIGNALS:
     /// A command on a row.
     void rowCommand(const QString &key, const QString &action);
     void filesDropped(const QList<QUrl> &files);
-    /// Closed, hidden or shown again; the frame is worth remembering.
+    /// The frame is worth remembering: the window was closed, or moved or sized a moment ago. A session that ends may
+    /// give no other chance.
     void frameChanged();
     /// The window has been on the screen, once; or it was shown where nobody looks and is not going to be soon.
     void firstPainted();
@@ -54,13 +55,14 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void buildMenuBar();
     void addMenuKey();
     void buildContent();
     QWidget *buildEmptyState();
-    void performForFocus(const QString &action);
     void openRowMenu(const QString &key, const QPoint &position);
 
     Stage &m_stage;
@@ -70,6 +72,7 @@ private:
     Footer *m_footer = nullptr;
     std::function<bool(const QString &, const QString &)> m_rowMenuRule;
     QTimer m_untilPainted;
+    QTimer m_untilFrameRests;
 };
 
 } // namespace tuppi

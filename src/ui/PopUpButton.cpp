@@ -8,6 +8,7 @@
 #include "ui/SlimScrollBar.h"
 
 #include <QAbstractItemView>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -140,13 +141,36 @@ void PopUpButton::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Space:
         showPopup();
         return;
-    // Would step as the arrows do.
+    // Would choose as the arrows do.
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
         return;
     default:
-        QComboBox::keyPressEvent(event);
+        break;
     }
+    const QString text = event->text();
+    if (text.isEmpty() || !text.at(0).isPrint())
+        QComboBox::keyPressEvent(event);
+    else if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        event->ignore();
+    else
+        showPopupAt(text);
+}
+
+void PopUpButton::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (event->commitString().isEmpty())
+        event->ignore();
+    else
+        showPopupAt(event->commitString());
+}
+
+void PopUpButton::showPopupAt(const QString &beginning)
+{
+    showPopup();
+    view()->keyboardSearch(beginning);
 }
 
 void PopUpButton::wheelEvent(QWheelEvent *event)

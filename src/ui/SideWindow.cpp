@@ -1,6 +1,7 @@
 #include "ui/SideWindow.h"
 
 #include "ui/Colours.h"
+#include "ui/WindowCommands.h"
 
 #include <QScreen>
 #include <QShortcut>
@@ -13,8 +14,8 @@ SideWindow::SideWindow(const QString &title)
     QPalette ground = palette();
     ground.setColor(QPalette::Window, Colours::window);
     setPalette(ground);
-    for (const QKeySequence &keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)})
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+    AddMenuKeys(this, [this](const QString &action) { Q_EMIT command(action); });
 }
 
 void SideWindow::bringForward()

@@ -4,7 +4,8 @@
 
 namespace tuppi {
 
-/// A window beside the main one: Escape and Ctrl+W close it, and it is kept, as it was, for the next time.
+/// A window beside the main one: Escape closes it, the keys of the menu bar work in it, and it is kept, as it was, for the
+/// next time.
 class SideWindow : public QWidget
 {
     Q_OBJECT
@@ -13,6 +14,10 @@ public:
 
     /// Shows it, in the middle of the screen the first time, and brings it to the front.
     void bringForward();
+
+Q_SIGNALS:
+    /// A command of a button or of the menu bar, by its name.
+    void command(const QString &action);
 
 private:
     bool m_isPlaced = false;

@@ -35,7 +35,7 @@ TranscriptList::TranscriptList(RowFactory makeRow, QWidget *parent)
 
 void TranscriptList::setContent(const ListContent &content)
 {
-    QHash<QString, RowView *> byKey;
+    QMultiHash<QString, RowView *> byKey; // a file may wait twice
     for (auto shown = m_shown.begin(); shown != m_shown.end(); ++shown)
         byKey.insert(shown.value()->look().key, shown.value());
     m_content = content;

@@ -114,6 +114,7 @@ void AppDelegate::addResultWindow(ResultWindow *window)
 {
     m_viewer.resultWindows.insert(window->plan().key(), window);
     connect(window, &ResultWindow::closing, this, [this, window] { forgetResultWindow(window); });
+    connect(window, &ResultWindow::command, this, &AppDelegate::perform);
     connect(window, &ResultWindow::saveRequested, this, [this, window] { saveTextForDir(window->callDir(), window); });
     connect(window, &ResultWindow::shareRequested, this,
             [this, window](QWidget *anchor) { shareTextForDir(window->callDir(), anchor); });

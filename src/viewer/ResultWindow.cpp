@@ -3,8 +3,8 @@
 #include "export/ExportAccessory.h"
 #include "ui/Colours.h"
 #include "ui/Metrics.h"
+#include "ui/WindowCommands.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -42,10 +42,7 @@ void ResultWindow::addShortcuts()
         for (const QKeySequence &key : keys)
             connect(new QShortcut(key, this), &QShortcut::activated, this, action);
     };
-    add({QKeySequence(Qt::CTRL | Qt::Key_W)}, [this] { close(); });
-    add({QKeySequence(Qt::CTRL | Qt::Key_S)}, [this] { Q_EMIT saveRequested(); });
-    add({QKeySequence(Qt::CTRL | Qt::Key_M)}, [this] { showMinimized(); });
-    add({QKeySequence(Qt::CTRL | Qt::Key_Q)}, [] { QApplication::quit(); });
+    AddMenuKeys(this, [this](const QString &action) { Q_EMIT command(action); });
     add({QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)}, [this] { zoomBy(1); });
     add({QKeySequence(Qt::CTRL | Qt::Key_Minus)}, [this] { zoomBy(-1); });
     add({QKeySequence(Qt::CTRL | Qt::Key_0)}, [this] { zoomBy(-m_zoomStep); });

@@ -23,6 +23,8 @@ public:
     void bringForward();
 
 Q_SIGNALS:
+    /// A command of the menu bar, by its name.
+    void command(const QString &action);
     void saveRequested();
     void shareRequested(QWidget *anchor);
     /// The window is being closed; its frame is still what it was.

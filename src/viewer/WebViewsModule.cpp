@@ -22,23 +22,29 @@ constexpr char flags[] = " --host-resolver-rules=\"MAP * ~NOTFOUND\""
                          " --disable-background-networking --disable-domain-reliability --disable-breakpad"
                          " --no-pings --log-level=3 --js-flags=--no-short-builtin-calls";
 
-/// Sets the engine's flags while the object lives; they are read when the first profile is made, and are nobody
-/// else's business.
-class EngineFlags
+/// Sets a variable of the environment while the object lives: what the engine reads when the first profile is made
+/// and its processes inherit is nobody else's business.
+class Variable
 {
 public:
-    EngineFlags() { qputenv(flagsName, m_before + flags); }
-    ~EngineFlags()
+    Variable(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_before(qgetenv(name))
+    {
+        qputenv(m_name, value);
+    }
+    ~Variable()
     {
         if (m_before.isNull())
-            qunsetenv(flagsName);
+            qunsetenv(m_name);
         else
-            qputenv(flagsName, m_before);
+            qputenv(m_name, m_before);
     }
-    Q_DISABLE_COPY(EngineFlags)
+    Q_DISABLE_COPY(Variable)
 
 private:
-    QByteArray m_before = qgetenv(flagsName);
+    const char *m_name;
+    QByteArray m_before;
 };
 
 QLoggingCategory::CategoryFilter filterBefore = nullptr;
@@ -69,7 +75,9 @@ public:
         // Without this the engine keeps a page from assistive tools; with it, it waits until one of them runs.
         if (!qEnvironmentVariableIsSet(speaksName))
             qputenv(speaksName, "1");
-        const EngineFlags forTheFirst;
+        const Variable forTheFirst(flagsName, qgetenv(flagsName) + flags);
+        // A page's few threads share one heap: each would take memory of its own and keep it.
+        const Variable forItsProcesses("MALLOC_ARENA_MAX", "1");
         m_profile = std::make_unique<QWebEngineProfile>(); // without a name: off the record
         m_profile->setHttpCacheType(QWebEngineProfile::NoCache);
         m_profile->setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);

@@ -1,5 +1,8 @@
 #include "AppTest.h"
 
+#include "app/Scheduler.h"
+#include "list/Rows.h"
+
 #include <sys/stat.h>
 #include <thread>
 
@@ -159,6 +162,48 @@ TEST_F(CrashRecovery, EarlierCommandThatEndsWithoutAJobGivesTheFileBack)
     poll();
     ASSERT_TRUE(processCalls(2));
     EXPECT_EQ(processed(), (QStringList{m_a, m_b}));
+}
+
+TEST_F(CrashRecovery, AFileWhoseFateIsUnknownIsShownAsBeingPrepared)
+{
+    leaveCrash();
+    listJob(1);
+    beginEarlierCommand();
+    prepare();
+    poll();
+    ASSERT_TRUE(jobs().interruptedStart);
+    const RowList list = BuildRows(jobs());
+    EXPECT_EQ(list.rows.keyAt(0), u"starting"_s);
+    EXPECT_EQ(list.counts.active, 1);
+    EXPECT_TRUE(BusyExcept(jobs(), {}));
+    endEarlierCommand();
+    poll();
+    ASSERT_TRUE(processCalls(2));
+}
+
+TEST_F(CrashRecovery, AFileThatWasAddedAgainMeanwhileIsTranscribedOnce)
+{
+    leaveCrash();
+    listJob(1);
+    beginEarlierCommand();
+    prepare();
+    poll();
+    m_app->enqueue({m_a}, m_choices);
+    endEarlierCommand();
+    poll();
+    ASSERT_TRUE(processCalls(2));
+    EXPECT_EQ(processed(), (QStringList{m_b, m_a}));
+}
+
+TEST_F(CrashRecovery, AFileThatIsGoneMeanwhileIsLeftOutWithoutAWord)
+{
+    leaveCrash();
+    listJob(1);
+    QFile::remove(m_a);
+    prepare();
+    poll();
+    ASSERT_TRUE(waitFor([&] { return m_taken == QStringList{m_b}; }));
+    EXPECT_EQ(processed(), QStringList{m_b});
 }
 
 TEST_F(CrashRecovery, EarlierCommandThatEndsWithAJobHasTakenTheFile)

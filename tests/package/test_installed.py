@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -30,6 +31,7 @@ class Installed(unittest.TestCase):
     def setUp(self):
         self.home = pathlib.Path(tempfile.mkdtemp(dir=self.root))
         self.runtime = self.home / "Library/Application Support/Larkspire/runtime"
+        self.log = self.home / "Library/Logs/TuppiTranscriberInstall.log"
 
     def run_program(self, *command):
         environment = {"HOME": str(self.home), "PATH": os.environ["PATH"], "LANG": "C.UTF-8"}
@@ -147,12 +149,55 @@ class Installed(unittest.TestCase):
         self.assertEqual(self.link().returncode, 3)
         self.assertEqual((self.runtime / "call").read_text(), other)
         self.assertFalse((self.runtime / "bin").exists())
+        self.assertTrue(self.log.read_text().endswith("it was left as it is.\n"))
 
     def test_another_engines_link_that_leads_nowhere_is_left_alone(self):
         self.runtime.mkdir(parents=True)
         (self.runtime / "call").symlink_to("/unplugged/engine/call")
         self.assertEqual(self.link().returncode, 3)
         self.assertTrue((self.runtime / "call").is_symlink())
+
+    def test_the_log_tells_what_was_put_where_and_by_which_version(self):
+        self.assertEqual(self.link().returncode, 0)
+        log = self.log.read_text()
+        head, *done, ready = log.splitlines()
+        version = self.engine_says("--version").strip()
+        self.assertRegex(head, r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d \+0000 " + re.escape(f"{version} from {self.engine}") + "$")
+        self.assertCountEqual(done, [f"Put in place: {self.runtime / file}"
+                                     for file in ("call", *(f"bin/{program}" for program in PROGRAMS))])
+        self.assertEqual(ready, f"The engine is installed in {self.runtime}")
+        self.assertEqual(self.link().returncode, 0)
+        self.assertEqual(self.log.read_text(), log, "a start that changes nothing adds nothing")
+
+    def test_the_log_tells_of_a_failure_and_of_what_followed(self):
+        self.runtime.parent.mkdir(parents=True)
+        self.runtime.write_text("a file where the folder should be")
+        self.assertEqual(self.link().returncode, 1)
+        self.assertRegex(self.log.read_text(), r"\nError: .* could not be written\.\n$")
+        self.runtime.unlink()
+        self.assertEqual(self.link().returncode, 0)
+        self.assertTrue(self.log.read_text().endswith(f"\nThe engine is installed in {self.runtime}\n"))
+
+    def test_the_log_starts_over_before_it_grows_large(self):
+        self.log.parent.mkdir(parents=True)
+        self.log.write_text("of an earlier day\n" * 4000)
+        self.assertEqual(self.link().returncode, 0)
+        self.assertNotIn("of an earlier day", self.log.read_text())
+
+    def test_a_log_that_cannot_be_written_stops_nothing(self):
+        self.log.parent.parent.mkdir()
+        for stand_in_the_way in (lambda: self.log.parent.write_text("a file"),
+                                 lambda: self.log.mkdir(parents=True),
+                                 lambda: (self.log.parent.mkdir(), os.mkfifo(self.log))):
+            stand_in_the_way()
+            done = self.link()
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assert_linked()
+            shutil.rmtree(self.runtime)
+            if self.log.parent.is_dir():
+                shutil.rmtree(self.log.parent)
+            else:
+                self.log.parent.unlink()
 
     def test_a_failure_is_one_sentence_on_the_terminal(self):
         self.runtime.parent.mkdir(parents=True)

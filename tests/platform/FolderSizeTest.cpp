@@ -74,6 +74,20 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!isRunning(started().first()), limit);
     }
 
+    void whatAStoppedOneSaysIsNotTakenForItsFolder()
+    {
+        const QByteArray first = QFile::encodeName(m_folder->filePath(u"first"_s));
+        FolderSize size(program("mkdir '" + first + "' || { echo 5; exit; }\nexec tail -f /dev/null"));
+        QSignalSpy measured(&size, &FolderSize::measured);
+        size.measure(u"/a"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_folder->filePath(u"first"_s)), limit);
+        size.measure(u"/b"_s);
+        size.measure(u"/a"_s);
+        QVERIFY(measured.wait(limit));
+        QCOMPARE(measured.first().at(0).toString(), u"/a"_s);
+        QCOMPARE(measured.first().at(1).toByteArray(), QByteArray("5\n"));
+    }
+
     void noneOutlivesTheObject()
     {
         {

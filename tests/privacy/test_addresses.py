@@ -20,8 +20,9 @@ from servers import Ollama  # noqa: E402
 
 MARK = "PRIVACY_NAMESPACE"
 PROGRAM = os.path.join(os.environ["ENGINE_BUILD"], "tuppi-transcriber")
-TRACE = ("strace", "-f", "--seccomp-bpf", "--decode-pids=comm", "-s", "300", "-e", "trace=network", "-e", "signal=none", "-o")
-MODELS = "tuppi-engine-models"[:15]  # the kernel keeps no more of a name
+TRACE = ("strace", "-f", "--seccomp-bpf", "-s", "300", "-e", "trace=network,execve,clone,clone3,fork,vfork",
+         "-e", "signal=none", "-o")
+MODELS = "tuppi-engine-models"
 
 Touched = collections.namedtuple("Touched", "program call kind address")
 
@@ -55,13 +56,32 @@ def address_of(line):
 
 
 def touched(trace):
-    """Every address in a trace: who named it, and in which call."""
-    found = collections.Counter()
-    for line in trace.splitlines():
-        program, call = re.match(r"\d+<(.*?)> +(?:<\.\.\. )?(\w+|\S)", line).groups()
-        address = address_of(line)
-        if address:
-            found[Touched(program, call, *address)] += 1
+    """Every address in a trace: who named it, and in which call.
+
+    A process is named by the program that it last became, or else by the one that started it. (What strace itself
+    tells of a process may still be the name from before.)
+    """
+    lines = [re.match(r"(\d+) +(?:<\.\.\. )?(\w+|\S)(.*)", line).groups() for line in trace.splitlines()]
+    parents = {}
+    for pid, call, rest in lines:
+        child = re.search(r" = (\d+)$", rest)
+        if call in ("clone", "clone3", "fork", "vfork") and child:
+            parents[child[1]] = pid
+    became, coming, found = {}, {}, collections.Counter()
+
+    def program(pid):
+        while pid not in became and pid in parents:
+            pid = parents[pid]
+        return became.get(pid, "unknown")
+
+    for pid, call, rest in lines:
+        if call == "execve":
+            path = re.match(r'\("([^"]*)"', rest)
+            coming[pid] = os.path.basename(path[1]) if path else coming.get(pid)
+            if re.search(r" = 0$", rest):
+                became[pid] = coming[pid]
+        elif address := address_of(rest):
+            found[Touched(program(pid), call, *address)] += 1
     return found
 
 

@@ -107,6 +107,7 @@ TEST_F(ModelsPaneTest, GarbledModelsAreLeftOut)
 TEST_F(ModelsPaneTest, AChosenModelThatIsGoneBecomesAutomatic)
 {
     openModels();
+    settingsWindow()->showTab(test::Transcription);
     choose(u"engine"_s, u"custom:b"_s);
     EXPECT_EQ(m_defaults->text(u"engine"_s), u"custom:b"_s);
     m_engine.answer(u"models"_s, {R"({"custom":[]})"});
@@ -224,6 +225,15 @@ TEST_F(ModelsPaneTest, UsesATextModel)
     m_engine.openGate("set up");
     EXPECT_TRUE(says(u"modelsStatus"_s, u"Summaries now use llama."_s));
     EXPECT_EQ(calls(u"text-model"_s), (QList<QStringList>{{u"models"_s, u"text-model"_s, u"--name=llama"_s, u"--json"_s}}));
+}
+
+TEST_F(ModelsPaneTest, TheModelInUseCanBeChosenAgain)
+{
+    openModels();
+    ASSERT_EQ(menu(u"textModel"_s)->currentText(), u"qwen3:8b"_s);
+    choose(u"textModel"_s, u"qwen3:8b"_s);
+    EXPECT_TRUE(says(u"modelsStatus"_s, u"Summaries now use qwen3:8b."_s)) << "Ollama may not have it any more";
+    EXPECT_EQ(calls(u"text-model"_s), (QList<QStringList>{{u"models"_s, u"text-model"_s, u"--name=qwen3:8b"_s, u"--json"_s}}));
 }
 
 TEST_F(ModelsPaneTest, AfterAFailureTheMenuShowsTheEnginesChoiceAgain)

@@ -91,12 +91,28 @@ TEST_F(Panes, AStoredNoIsNotTakenForAbsent)
 TEST_F(Panes, AStoredValueThatIsNotOfferedShowsTheFirstAndStays)
 {
     store(R"({"language":"tlh","AppleLanguages":["fr"]})");
-    openSettings();
+    openTab(test::Transcription);
     EXPECT_EQ(chosen(u"language"_s), u"auto"_s);
     EXPECT_EQ(chosen(u"AppleLanguages"_s), u"auto"_s);
     EXPECT_EQ(settings()[u"language"_s].toString(), u"tlh"_s);
+    EXPECT_EQ(settings()[u"AppleLanguages"_s].toArray(), QJsonArray{u"fr"_s});
     choose(u"language"_s, u"pl"_s);
     EXPECT_EQ(settings()[u"language"_s].toString(), u"pl"_s);
+}
+
+TEST_F(Panes, TheFirstThatIsShownForAValueNotOfferedCanBeChosen)
+{
+    store(R"({"engine":"custom:gone","language":"tlh","AppleLanguages":["fr"]})");
+    m_engine.answer(u"models"_s, Answer::failure(1, "Error: busy\n"));
+    openTab(test::Transcription);
+    for (const QString &key : {u"engine"_s, u"language"_s}) {
+        choose(key, u"auto"_s);
+        EXPECT_EQ(settings()[key].toString(), u"auto"_s);
+    }
+    settingsWindow()->showTab(test::General);
+    choose(u"AppleLanguages"_s, u"auto"_s);
+    EXPECT_TRUE(settingsSheetOpens());
+    EXPECT_FALSE(settings().contains(u"AppleLanguages"_s));
 }
 
 TEST_F(Panes, GarbledValuesShowTheFirst)
@@ -182,11 +198,22 @@ TEST_F(Panes, AfterLaterNothingChangesButTheChoice)
     EXPECT_EQ(menu(u"AppleLanguages"_s)->currentText(), u"Automatic (same as the Mac)"_s);
 }
 
+TEST_F(Panes, AfterLaterTheSameLanguageOffersTheRestartAgain)
+{
+    openSettings();
+    for (int time = 0; time < 2; ++time) {
+        choose(u"AppleLanguages"_s, u"es"_s);
+        ASSERT_TRUE(settingsSheetOpens());
+        settingsSheet()->answer(1);
+        ASSERT_TRUE(settingsSheetCloses());
+    }
+}
+
 TEST_F(Panes, AChosenModelStaysStoredWhileTheModelsAreNotKnown)
 {
     store(R"({"engine":"custom:mine"})");
     m_engine.answer(u"models"_s, Answer::failure(1, "Error: busy\n"));
-    openSettings();
+    openTab(test::Transcription);
     settle();
     EXPECT_EQ(chosen(u"engine"_s), u"auto"_s);
     EXPECT_EQ(settings()[u"engine"_s].toString(), u"custom:mine"_s);
@@ -234,6 +261,25 @@ TEST_F(Panes, TheLibraryWithItsSize)
     EXPECT_EQ(part<PathField>(u"libraryPath"_s)->toolTip(), library);
     EXPECT_TRUE(says(u"librarySize"_s, u"3 MB"_s));
     EXPECT_EQ(jobs().library, library);
+}
+
+TEST_F(Panes, AnotherLibraryIsShownWhileTheOldOneHasTheKeyboard)
+{
+    m_engine.answer(u"settings"_s, {R"({"library":"/old"})"});
+    openTab(test::Storage);
+    auto *field = part<PathField>(u"libraryPath"_s);
+    ASSERT_TRUE(waitFor([&] { return field->text() == u"/old"_s; }));
+    ASSERT_TRUE(tabTo(u"libraryPath"_s));
+    m_engine.answer(u"settings"_s, {R"({"library":"/newer"})"});
+    m_app->refreshLibrary();
+    EXPECT_TRUE(waitFor([&] { return field->path() == u"/newer"_s; }));
+    EXPECT_EQ(field->text(), u"/newer"_s);
+
+    field->selectAll();
+    m_app->refreshLibrary();
+    EXPECT_TRUE(waitFor([&] { return m_engine.count(u"settings"_s) == 3; }));
+    settle();
+    EXPECT_EQ(field->selectedText(), u"/newer"_s) << "the same again leaves what is selected";
 }
 
 TEST_F(Panes, TheSizeStaysWhileItIsMeasuredAnew)
@@ -509,7 +555,9 @@ TEST_F(Panes, TheAcknowledgementsAndTheirLinksByKeyboard)
     const auto *text = acknowledgements->findChild<QTextBrowser *>();
     const QString plain = text->toPlainText();
     EXPECT_TRUE(plain.startsWith(u"Acknowledgements\nTuppi Transcriber runs entirely on your Mac"_s));
-    EXPECT_TRUE(plain.contains(u"MLX\nApple (MLX Contributors) · MIT · https://github.com/ml-explore/mlx\n"_s));
+    EXPECT_TRUE(plain.contains(u"\nMLX\nApple (MLX Contributors) · MIT · https://github.com/ml-explore/mlx\nmlx-whisper\n"_s));
+    EXPECT_TRUE(plain.contains(u"\nReal cat recordings. Shortened, looped and level-matched for the app.\nAll models and "
+                                "tools are provided"_s));
     EXPECT_TRUE(plain.endsWith(u"Full licence texts are at the links above."_s));
     EXPECT_TRUE(opened.urls.isEmpty()) << "nothing goes out by itself";
 

@@ -1,5 +1,8 @@
 #include "settings/SettingsTest.h"
 
+#include <QAbstractItemView>
+#include <QTest>
+
 namespace tuppi::test {
 
 using namespace Qt::StringLiterals;
@@ -51,7 +54,16 @@ void SettingsTest::choose(const QString &name, const QString &value) const
 {
     const int item = menu(name)->findData(value);
     ASSERT_GE(item, 0) << qPrintable(value);
-    menu(name)->setCurrentIndex(item);
+    ASSERT_TRUE(menu(name)->isVisible() && menu(name)->isEnabled()) << qPrintable(name);
+    QTest::keyClick(menu(name), Qt::Key_Space);
+    QAbstractItemView *list = menu(name)->view();
+    ASSERT_TRUE(waitFor([list] { return list->isVisible(); }));
+    QTest::keyClick(list, Qt::Key_Home);
+    for (int step = 0; step < menu(name)->count() && list->currentIndex().row() != item; ++step)
+        QTest::keyClick(list, Qt::Key_Down);
+    ASSERT_EQ(list->currentIndex().row(), item);
+    QTest::keyClick(list, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([list] { return !list->isVisible(); }));
 }
 
 Sheet *SettingsTest::settingsSheet() const

@@ -34,7 +34,7 @@ protected:
     bool says(const QString &name, const QString &text) const;
     PopUpButton *menu(const QString &name) const { return part<PopUpButton>(name); }
     QStringList itemsOf(const QString &name) const;
-    /// Picks an item as a person does: the change is heard.
+    /// Opens the menu, which must be in sight, and picks that item by keys.
     void choose(const QString &name, const QString &value) const;
     /// The sheet over the Settings window, null when there is none.
     Sheet *settingsSheet() const;

@@ -4,6 +4,7 @@ import contextlib
 import os
 import shutil
 import signal
+import sqlite3
 import subprocess
 import tempfile
 
@@ -13,8 +14,9 @@ QUERIES = ("history", "status", "models", "resume")
 SPOILT_QUERY = ("empty", "noise", "type", "unicode", "deep", "half", "twice", "refused", "flood", "missing", "killed",
                 "hang")
 SPOILT_HANDING_OVER = ("refused", "flood", "killed", "done-and-killed")
-KINDS = {"application_killed": 3, "application_stopped": 1, "worker_killed": 2, "query_spoilt": 8,
+KINDS = {"application_killed": 4, "application_stopped": 2, "worker_killed": 2, "queries_spoilt": 8,
          "handing_over_spoilt": 2, "clock_jumps": 1, "settings_littered": 1}
+BATCH = 3  # files given to the application at once
 
 
 class ApplicationSoak:
@@ -27,7 +29,8 @@ class ApplicationSoak:
         self.engine = Engine()
         self.faults = faults_in(self.engine, library)
         self.engine.environment |= self.faults.environment | {"LC_ALL": "C.UTF-8", "LANG": "C.UTF-8"}
-        self.files = [recordings.give(number, self.engine.scratch) for number in range(1, files + 1)]
+        self.wanted_files = files
+        self.files = []  # handed over so far
         self.plan = os.path.join(os.path.dirname(self.engine.path), "plan")
         os.mkdir(self.plan)
         os.rename(self.engine.path, self.engine.path + "-itself")
@@ -37,16 +40,16 @@ class ApplicationSoak:
 
     def run(self, over):
         with kept_when_lost(self.engine, self.tally):
-            self.start(*self.files)
-            # Only what the application has stored can survive it.
-            until(lambda: self.process.poll() is not None or self.queue_is_stored(), "a stored queue")
             before = self.tally.total()
-            while self.tally.total() - before < self.wanted_faults and not over():
+            self.start_with_files(BATCH)
+            while (done := self.tally.total() - before) < self.wanted_faults and not over():
                 if self.process.poll() is not None:
                     self.ended()
-                    if not self.waiting():
-                        break
-                    self.start()
+                    if self.waiting():
+                        self.start()
+                    else:
+                        due = self.wanted_files * done // self.wanted_faults
+                        self.start_with_files(max(BATCH, due - len(self.files)))
                 self.strike()
                 check_store(self.engine, self.tally)
             return self.end()
@@ -58,6 +61,23 @@ class ApplicationSoak:
             [self.program, "--transcribe", "--language", "en", "--no-speakers", *files], env=self.engine.environment,
             stdin=subprocess.DEVNULL, stdout=self.output, stderr=subprocess.STDOUT)
 
+    def start_with_files(self, count):
+        first = len(self.files) + 1
+        files = [self.recordings.give(number, self.engine.scratch) for number in range(first, first + count)]
+        self.files += files
+        self.start(*files)
+        # Only what the application has stored can survive it.
+        until(lambda: self.process.poll() is not None or all(map(self.known, files)), "a stored queue")
+
+    def known(self, path):
+        """To the application, or to the engine already."""
+        if b"/" + os.path.basename(path).encode() in self.settings():
+            return True
+        title = os.path.splitext(os.path.basename(path))[0]
+        with contextlib.suppress(sqlite3.OperationalError):  # not made yet
+            return self.engine.query("SELECT count(*) FROM jobs WHERE title = ?", title) != [(0,)]
+        return False
+
     def ended(self):
         """It may say that something went wrong; it may not crash."""
         require(self.process.returncode in (0, 1, -signal.SIGKILL), f"ended with {self.process.returncode}")
@@ -67,9 +87,6 @@ class ApplicationSoak:
             with open(os.path.join(self.engine.home, ".config/tuppi-transcriber/settings.json"), "rb") as file:
                 return file.read()
         return b""
-
-    def queue_is_stored(self):
-        return b"waitingQueue" in self.settings()
 
     def waiting(self):
         """Files that it still knows of without having seen their job."""
@@ -83,7 +100,8 @@ class ApplicationSoak:
         """A last run without faults brings everything to its end."""
         self.faults.shift_clock(0)
         for name in os.listdir(self.plan):
-            os.remove(os.path.join(self.plan, name))
+            with contextlib.suppress(FileNotFoundError):  # a command was faster
+                os.remove(os.path.join(self.plan, name))
         self.free_what_hangs()
         for _ in range(2):  # a run whose last poll was spoilt may have left some
             if self.process.poll() is None or self.waiting():
@@ -128,20 +146,23 @@ class ApplicationSoak:
         if self.engine.kill_worker():
             self.tally.count("worker killed")
 
-    def query_spoilt(self):
-        self.spoil(self.chance.choice(QUERIES), self.chance.choice(SPOILT_QUERY))
+    def queries_spoilt(self):
+        """One, or several that follow one another."""
+        subcommands = self.chance.sample(QUERIES, self.chance.randint(1, len(QUERIES)))
+        self.spoil({subcommand: self.chance.choice(SPOILT_QUERY) for subcommand in subcommands})
 
     def handing_over_spoilt(self):
-        self.spoil("process", self.chance.choice(SPOILT_HANDING_OVER))
+        self.spoil({"process": self.chance.choice(SPOILT_HANDING_OVER)})
 
-    def spoil(self, subcommand, how):
-        part = os.path.join(self.plan, ".part")
-        with open(part, "w", encoding="ascii") as file:
-            file.write(how + "\n")
-        os.rename(part, os.path.join(self.plan, subcommand))
+    def spoil(self, plan):
+        for subcommand, how in plan.items():
+            part = os.path.join(self.plan, ".part")
+            with open(part, "w", encoding="ascii") as file:
+                file.write(how + "\n")
+            os.rename(part, os.path.join(self.plan, subcommand))
         moment(self.chance, 2.5)
         self.count_spoilt()
-        if how == "hang" and self.chance.random() < 0.9:
+        if "hang" in plan.values() and self.chance.random() < 0.9:
             self.free_what_hangs()
 
     def count_spoilt(self):

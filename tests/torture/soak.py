@@ -90,6 +90,8 @@ class Tally:
 
     def __init__(self):
         self.faults = collections.Counter()
+        self.parts = collections.Counter()
+        self.part = ""  # whom the faults strike now
         self.sentences = collections.Counter()
         self.checks = 0
         self.jobs = 0
@@ -101,6 +103,7 @@ class Tally:
 
     def count(self, kind):
         self.faults[kind] += 1
+        self.parts[self.part] += 1
         self.note(kind)
         if self.total() % 100 == 0:
             print(f"{self.total()} faults", flush=True)
@@ -111,6 +114,8 @@ class Tally:
     def report(self):
         for kind, count in sorted(self.faults.items()):
             print(f"  {count:6} {kind}")
+        for part, count in sorted(self.parts.items()):
+            print(f"{part}: {count} faults, {100 * count / self.total():.0f} per cent")
         print(f"{self.total()} faults ({self.disk_calls} calls to the disk refused), {self.jobs} jobs, "
               f"{self.checks} integrity checks")
         for sentence, count in self.sentences.most_common():

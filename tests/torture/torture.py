@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Faults at random over many jobs, for as long as asked, and a check that nothing was lost.
 
-A hundred jobs get a thousand faults: nine tenths go to the engine, one tenth to the application on it. What is done is
+A hundred jobs get a thousand faults: two thirds go to the engine, one third to the application on it. What is done is
 drawn by lot from a seed; at which step of a program it strikes depends on the machine as well.
 """
 
@@ -49,12 +49,15 @@ class Clock:
 
 def one_round(asked, chance, recordings, tally, clock):
     both = asked.part is None
-    files = max(1, asked.jobs // 10) if both else asked.jobs
+    files = max(1, asked.jobs // 3) if both else asked.jobs
     if asked.part != "engine":
-        over = clock.share(0.2 if both else 1).over
+        tally.part = "application"
+        over = clock.share(0.4 if both else 1).over
         ApplicationSoak(chance, recordings, tally, LIBRARY, PROGRAM, files, files * asked.faults).run(over)
         print(f"application: {tally.total()} faults so far", flush=True)
-    if asked.part != "application":  # whose end, with all its jobs, takes the longest
+    if asked.part != "application":
+        tally.part = "engine"
+        # Its end, with all its jobs, takes the longest.
         EngineSoak(chance, recordings, tally, LIBRARY, asked.jobs - (files if both else 0), asked.faults).run(clock.over)
         print(f"engine: {tally.total()} faults so far", flush=True)
 

@@ -97,6 +97,29 @@ TEST_F(List, WidgetsExistOnlyForTheRowsInSight)
     EXPECT_EQ(bar()->maximum(), 0);
 }
 
+TEST_F(List, RowsOfOneKeyLeaveNoViewBehind)
+{
+    const QList<QJsonObject> twice{job(u"a"_s, u"A"_s, u"ready"_s), job(u"a"_s, u"A"_s, u"ready"_s),
+                                   job(u"b"_s, u"B"_s, u"ready"_s)};
+    openWith(twice);
+    expectRowsInSight();
+    show(twice + QList{job(u"c"_s, u"C"_s, u"ready"_s)});
+    expectRowsInSight();
+    show({job(u"b"_s, u"B"_s, u"ready"_s)});
+    expectRowsInSight();
+}
+
+TEST_F(List, ModelsThatComeAfterTheRowsAreNamedInThem)
+{
+    m_engine.answer(u"models"_s, test::Answer{R"({"custom":[{"id":"m1","name":"Mine"}]})"}.heldAt("models"));
+    QJsonObject ready = job(u"a"_s, u"A"_s, u"ready"_s);
+    ready.insert(u"engine_choice"_s, u"custom:m1"_s);
+    openWith({ready});
+    ASSERT_TRUE(row(u"a"_s)->look().detail.endsWith(u"custom model"_s)) << qPrintable(row(u"a"_s)->look().detail);
+    m_engine.openGate("models");
+    EXPECT_TRUE(waitFor([&] { return row(u"a"_s)->look().detail.endsWith(u"Mine"_s); }));
+}
+
 TEST_F(List, SelectionFollowsItsRow)
 {
     openWith(

@@ -35,6 +35,12 @@ protected:
         }
         return items;
     }
+    /// The active window where that is not the main one, else null.
+    QWidget *otherWindow() const
+    {
+        QWidget *active = QApplication::activeWindow();
+        return active == window() ? nullptr : active;
+    }
     QAction *action(const QString &name) const { return window()->menuBar()->findChild<QAction *>(name); }
 };
 
@@ -173,6 +179,53 @@ TEST_F(MenuBar, WindowItemsByTheirKeys)
     activate();
     press(Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(window()->isVisible());
+}
+
+TEST_F(MenuBar, KeysWorkInTheWindowsBesideIt)
+{
+    openWindow();
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([this] { return otherWindow(); }));
+    QWidget *settings = otherWindow();
+    press(Qt::Key_O, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return window()->findChild<QFileDialog *>(); }));
+    window()->findChild<QFileDialog *>()->reject();
+    settings->activateWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == settings; }));
+    press(Qt::Key_M, Qt::ControlModifier);
+    EXPECT_FALSE(settings->isMinimized()) << "it has no such button";
+    EXPECT_FALSE(window()->isMinimized());
+    press(Qt::Key_H, Qt::ControlModifier);
+    EXPECT_TRUE(settings->isMinimized());
+    EXPECT_TRUE(window()->isMinimized());
+    settings->showNormal();
+    settings->activateWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == settings; }));
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(settings->isVisible());
+}
+
+TEST_F(MenuBar, WindowMenuListsTheOpenWindows)
+{
+    openWindow();
+    QMenu *menu = window()->menuBar()->actions().constLast()->menu();
+    const auto titles = [menu] {
+        Q_EMIT menu->aboutToShow();
+        QStringList listed;
+        for (const QAction *action : menu->actions().sliced(2))
+            listed.append((action->isChecked() ? u"✓ "_s : QString()) + action->text());
+        return listed;
+    };
+    EXPECT_EQ(titles(), QStringList{u"✓ Tuppi Transcriber"_s});
+    action(u"showSettings"_s)->trigger();
+    ASSERT_TRUE(waitFor([this] { return otherWindow(); }));
+    EXPECT_EQ(titles(), (QStringList{u"Tuppi Transcriber"_s, u"✓ Settings"_s}));
+    menu->actions().at(2)->trigger();
+    EXPECT_TRUE(waitFor([&] { return QApplication::activeWindow() == window(); }));
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([this] { return otherWindow(); }));
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(titles().size(), 1);
 }
 
 TEST_F(MenuBar, KeysOfTheWindowAreDeadUnderASheet)

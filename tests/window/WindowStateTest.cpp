@@ -68,6 +68,16 @@ TEST_F(WindowState, FrameIsRememberedWithoutClosingFirst)
     EXPECT_EQ(window()->geometry(), QRect(11, 23, 731, 477));
 }
 
+TEST_F(WindowState, FrameIsRememberedOnceItRests)
+{
+    openWindow();
+    window()->setGeometry(11, 23, 731, 477);
+    const auto stored = [this] {
+        return QFile::exists(settingsPath()) ? settings().value(u"windowFrame"_s).toString() : QString();
+    };
+    EXPECT_TRUE(waitFor([&] { return stored() == QString::fromLatin1(window()->saveGeometry().toBase64()); }));
+}
+
 TEST_F(WindowState, ABadFrameIsNoFrame)
 {
     for (const QByteArray &frame :

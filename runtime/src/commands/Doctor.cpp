@@ -1,4 +1,5 @@
 #include "commands/Command.h"
+#include "commands/SelfTest.h"
 
 #include "core/ChildProgram.h"
 #include "core/Failure.h"
@@ -27,7 +28,6 @@ namespace engine::commands {
 namespace {
 
 constexpr qint64 roomForWork = qint64(100) << 20;
-constexpr int selfTestLimitMs = 30000;
 constexpr int ollamaLimitMs = 2000; // it keeps a shorter one itself
 
 struct Check
@@ -57,19 +57,10 @@ Check program(const QString &name, const QStringList &executables)
     return {name, true, u"Not installed: "_s + executables.join(u", "_s)};
 }
 
-QJsonObject answerOf(ChildProgram &selfTest, int limitMs)
+void appendWorkerChecks(std::vector<Check> &checks, const SelfTest::Troubles &found)
 {
-    return QJsonDocument::fromJson(selfTest.finish(limitMs).output).object();
-}
-
-void appendWorkerChecks(std::vector<Check> &checks, const QJsonObject &found)
-{
-    const auto trouble = [&](QStringView part) {
-        return found.contains(part) ? found[part].toString()
-                                    : u"The worker program does not run. Install the engine again."_s;
-    };
-    checks.push_back({u"Speech recogniser (PocketSphinx, English)"_s, false, trouble(u"recogniser")});
-    checks.push_back({u"Decoding of audio and video (FFmpeg)"_s, false, trouble(u"decoding")});
+    checks.push_back({u"Speech recogniser (PocketSphinx, English)"_s, false, found.recogniser});
+    checks.push_back({u"Decoding of audio and video (FFmpeg)"_s, false, found.decoding});
 }
 
 void requireRoom(const QString &folder)
@@ -174,14 +165,14 @@ void appendOllamaChecks(std::vector<Check> &checks, const QJsonObject &found, co
 // The parts that only other programs are linked with look at themselves, beside everything else.
 std::vector<Check> allChecks()
 {
-    ChildProgram worker(executableFolder() + u"/tuppi-engine-worker"_s, {u"--check"_s});
+    SelfTest worker(Paths::ofThisUser());
     ChildProgram models(executableFolder() + u"/tuppi-engine-models"_s, {u"--check"_s});
     std::vector<Check> ofStore;
     const Settings settings = appendStoreChecks(ofStore);
     std::vector<Check> ofOllama;
-    appendOllamaChecks(ofOllama, answerOf(models, ollamaLimitMs), settings.textModel);
+    appendOllamaChecks(ofOllama, QJsonDocument::fromJson(models.finish(ollamaLimitMs).output).object(), settings.textModel);
     std::vector<Check> checks;
-    appendWorkerChecks(checks, answerOf(worker, selfTestLimitMs));
+    appendWorkerChecks(checks, worker.finish());
     checks.insert(checks.end(), ofStore.begin(), ofStore.end());
     appendModelChecks(checks);
     checks.insert(checks.end(), ofOllama.begin(), ofOllama.end());

@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -48,23 +49,25 @@ void requirePlace(const QString &path)
         throw notWritten(path, errno);
 }
 
-} // namespace
+// Files by their path in the call dir, each made when it is asked for.
+using FileMakers = std::vector<std::pair<QString, std::function<QByteArray()>>>;
 
-CallDirFiles callDirFiles(const Job &job, const Transcript &transcript)
+FileMakers makersOf(const Job &job, const Transcript &transcript)
 {
     const QString technical = CallDirNames::technical + u'/';
-    CallDirFiles files{{technical + u"viewer.html"_s, viewerPage(job, transcript)},
-                       {CallDirNames::transcript, transcriptFile(transcript.lines)},
-                       {technical + u"transcript.txt"_s, transcript.clean.toUtf8()},
-                       {technical + u"segments.json"_s, segmentsFile(job, transcript)},
-                       {technical + u"subtitles.srt"_s, subRipFile(transcript.lines)},
-                       {technical + u"subtitles.vtt"_s, webVttFile(transcript.lines)}};
+    const std::vector<Line> &lines = transcript.lines;
+    FileMakers files{{technical + u"viewer.html"_s, [&] { return viewerPage(job, transcript); }},
+                     {CallDirNames::transcript, [&] { return transcriptFile(lines); }},
+                     {technical + u"transcript.txt"_s, [&] { return transcript.clean.toUtf8(); }},
+                     {technical + u"segments.json"_s, [&] { return segmentsFile(job, transcript); }},
+                     {technical + u"subtitles.srt"_s, [&] { return subRipFile(lines); }},
+                     {technical + u"subtitles.vtt"_s, [&] { return webVttFile(lines); }}};
     if (transcript.summary)
-        files.emplace_back(CallDirNames::summary, summaryFile(job, transcript));
+        files.emplace_back(CallDirNames::summary, [&] { return summaryFile(job, transcript); });
     return files;
 }
 
-void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
+void stage(const QString &callDir, int revision, const FileMakers &files)
 {
     // A folder that the user has thrown away is not made again.
     if (!QFileInfo(callDir).isDir())
@@ -80,7 +83,7 @@ void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
         makeFolder(technicalFolder(staged), doing);
         for (const auto &[name, bytes] : files) {
             requirePlace(callDir + u'/' + name);
-            writeFile(staged + u'/' + name, bytes);
+            writeFile(staged + u'/' + name, bytes());
         }
         syncFolder(technicalFolder(staged));
         syncFolder(staged);
@@ -89,6 +92,29 @@ void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
         discardStaged(callDir);
         throw;
     }
+}
+
+} // namespace
+
+CallDirFiles callDirFiles(const Job &job, const Transcript &transcript)
+{
+    CallDirFiles files;
+    for (const auto &[name, bytes] : makersOf(job, transcript))
+        files.emplace_back(name, bytes());
+    return files;
+}
+
+void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
+{
+    FileMakers makers;
+    for (const auto &[name, bytes] : files)
+        makers.emplace_back(name, [&bytes] { return bytes; });
+    stage(callDir, revision, makers);
+}
+
+void stageAllFiles(const Job &job, const Transcript &transcript)
+{
+    stage(job.callDir, transcript.revision, makersOf(job, transcript));
 }
 
 bool publishFiles(const QString &callDir, int revision)

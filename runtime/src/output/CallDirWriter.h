@@ -25,6 +25,7 @@ CallDirFiles callDirFiles(const Job &job, const Transcript &transcript);
 // this revision; what it has moved is synced. discardStaged removes the hidden folders, empty or not; best
 // effort. The first two throw Failure.
 void stageFiles(const QString &callDir, int revision, const CallDirFiles &files);
+void stageAllFiles(const Job &job, const Transcript &transcript); // those of callDirFiles, one at a time
 bool publishFiles(const QString &callDir, int revision);
 void discardStaged(const QString &callDir);
 

@@ -4,6 +4,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 namespace engine {
@@ -124,31 +126,54 @@ QByteArray webVttFile(const std::vector<Line> &lines)
     return text.toUtf8();
 }
 
+QByteArray jsonWithList(QJsonObject object, const QString &name, size_t count,
+                        const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format)
+{
+    const auto written = [&](const QJsonArray &list) {
+        object[name] = list;
+        return QJsonDocument(object).toJson(format);
+    };
+    if (count == 0)
+        return written({});
+    const QByteArray frame = written({QJsonValue()});
+    // Quotation marks are escaped wherever else they stand.
+    const qsizetype place = frame.indexOf("null", frame.indexOf('"' + name.toUtf8() + "\":"));
+    QByteArray text = frame.left(place);
+    for (size_t i = 0; i < count; ++i) {
+        if (i > 0)
+            text += format == QJsonDocument::Compact ? "," : ",\n        ";
+        // Within a list of its own, which gives it the depth of indentation that it has here.
+        const QByteArray alone =
+            QJsonDocument(QJsonObject{{name, QJsonArray{item(i)}}}).toJson(format).trimmed();
+        const qsizetype begin = alone.indexOf('[') + 1;
+        text += alone.mid(begin, alone.lastIndexOf(']') - begin).trimmed();
+    }
+    return text + frame.mid(place + qsizetype(std::strlen("null")));
+}
+
 QByteArray segmentsFile(const Job &job, const Transcript &transcript)
 {
-    QJsonArray list;
-    for (const Line &line : transcript.lines) {
+    const auto item = [&](size_t index) {
+        const Line &line = transcript.lines[index];
         QJsonArray words;
         for (const Word &word : line.words)
             words.append(QJsonObject{{u"word"_s, word.text},
                                      {u"start"_s, seconds(word.startMs)},
                                      {u"end"_s, seconds(word.endMs)}});
-        list.append(
-            QJsonObject{{u"index"_s, list.size()},
-                        {u"start"_s, seconds(line.startMs)},
-                        {u"end"_s, seconds(line.endMs)},
-                        {u"speaker"_s, line.speaker.isEmpty() ? QJsonValue() : QJsonValue(line.speaker)},
-                        {u"text"_s, line.text},
-                        {u"words"_s, words}});
-    }
+        return QJsonObject{{u"index"_s, qint64(index)},
+                           {u"start"_s, seconds(line.startMs)},
+                           {u"end"_s, seconds(line.endMs)},
+                           {u"speaker"_s, line.speaker.isEmpty() ? QJsonValue() : QJsonValue(line.speaker)},
+                           {u"text"_s, line.text},
+                           {u"words"_s, words}};
+    };
     const QJsonObject file{{u"version"_s, 1},
                            {u"revision"_s, transcript.revision},
                            {u"title"_s, job.title},
                            {u"language"_s, job.language},
                            {u"recogniser"_s, job.recogniser},
-                           {u"duration_seconds"_s, job.durationSeconds.value_or(0)},
-                           {u"segments"_s, list}};
-    return QJsonDocument(file).toJson();
+                           {u"duration_seconds"_s, job.durationSeconds.value_or(0)}};
+    return jsonWithList(file, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Indented);
 }
 
 QByteArray summaryFile(const Job &job, const Transcript &transcript)

@@ -4,6 +4,10 @@
 #include "text/Transcript.h"
 
 #include <QByteArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <functional>
 
 namespace engine {
 
@@ -17,6 +21,11 @@ QByteArray webVttFile(const std::vector<Line> &lines); // .vtt
 
 // Everything that is known of the lines, for programs.
 QByteArray segmentsFile(const Job &job, const Transcript &transcript);
+
+// The object as JSON with a list of so many items under `name`. Items are made and written one after another: as values
+// of Qt's, all of a long transcript would take many times the room of their text.
+QByteArray jsonWithList(QJsonObject object, const QString &name, size_t count,
+                        const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format);
 
 // Front matter, summary, tasks and full text as Markdown; of a transcript that has a summary.
 QByteArray summaryFile(const Job &job, const Transcript &transcript);

@@ -25,11 +25,9 @@ QJsonObject pageSummary(const Summary &summary)
 }
 
 // Nothing in it can end the script element that it stands in.
-QByteArray embedded(const QJsonObject &data)
+QByteArray embedded(QByteArray json)
 {
-    return QJsonDocument(data)
-        .toJson(QJsonDocument::Compact)
-        .replace('<', "\\u003c")
+    return json.replace('<', "\\u003c")
         .replace("\u2028", "\\u2028")
         .replace("\u2029", "\\u2029");
 }
@@ -50,9 +48,6 @@ QJsonObject pageLine(const Line &line)
 
 QByteArray viewerPage(const Job &job, const Transcript &transcript)
 {
-    QJsonArray lines;
-    for (const Line &line : transcript.lines)
-        lines.append(pageLine(line));
     const QJsonObject data{
         {u"title"_s, job.title},
         {u"language"_s, job.language},
@@ -60,7 +55,6 @@ QByteArray viewerPage(const Job &job, const Transcript &transcript)
         {u"duration"_s, job.durationSeconds.value_or(0)},
         {u"audio"_s, QFileInfo(job.audio).fileName()},
         {u"speakers"_s, QJsonArray::fromStringList(speakersOf(transcript.lines))},
-        {u"segments"_s, lines},
         {u"summary"_s, transcript.summary ? QJsonValue(pageSummary(*transcript.summary)) : QJsonValue()}};
     QFile page(u":/page/viewer.html"_s);
     if (!page.open(QIODevice::ReadOnly))
@@ -69,7 +63,10 @@ QByteArray viewerPage(const Job &job, const Transcript &transcript)
     // Only the one place: what was said may hold the same word.
     const QByteArray placeholder = "@TUPPI_TRANSCRIPT@";
     const qsizetype place = empty.indexOf(placeholder);
-    return empty.left(place) + embedded(data) + empty.mid(place + placeholder.size());
+    const auto item = [&](size_t index) { return pageLine(transcript.lines[index]); };
+    return empty.left(place) +
+           embedded(jsonWithList(data, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Compact)) +
+           empty.mid(place + placeholder.size());
 }
 
 } // namespace engine

@@ -152,8 +152,8 @@ Failure PocketSphinxRecogniser::unusable() const
                    u"” could not be loaded. Install it again."_s);
 }
 
-// Without the steps that cost most: making the dictionary's words out of the model's sounds, and reading how often
-// words follow one another.
+// Without the steps that cost most: making the dictionary's words out of the model's sounds, reading how often
+// words follow one another, and tables of logarithms in fine steps.
 void PocketSphinxRecogniser::check()
 {
     if (!partsAreWhole())
@@ -165,7 +165,7 @@ bool PocketSphinxRecogniser::partsAreWhole() const
     ::err_set_logfp(nullptr);
     cmd_ln_t *settings =
         ::cmd_ln_init(nullptr, ::ps_args(), TRUE, "-hmm", QFile::encodeName(m_model.acoustic).constData(),
-                      "-logfn", "/dev/null", nullptr);
+                      "-logbase", "1.01", "-logfn", "/dev/null", nullptr);
     const std::unique_ptr<ps_decoder_s, Release> sounds(settings ? ::ps_init(settings) : nullptr);
     if (settings)
         ::cmd_ln_free_r(settings);

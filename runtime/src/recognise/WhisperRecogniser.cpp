@@ -1,6 +1,7 @@
 #include "recognise/WhisperRecogniser.h"
 
 #include "core/Failure.h"
+#include "core/FileDescriptor.h"
 #include "core/Files.h"
 #include "recognise/WhisperOutput.h"
 
@@ -12,6 +13,8 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,10 +36,9 @@ template <typename Number> void append(QByteArray &bytes, Number number)
     bytes.append(reinterpret_cast<const char *>(&little), sizeof little);
 }
 
-QByteArray wavFile(std::span<const int16_t> samples)
+QByteArray wavHeader(quint32 size)
 {
     constexpr quint32 rate = 16000;
-    const auto size = quint32(samples.size_bytes());
     QByteArray wav = "RIFF";
     append<quint32>(wav, 36 + size);
     wav += "WAVEfmt ";
@@ -49,9 +51,27 @@ QByteArray wavFile(std::span<const int16_t> samples)
     append<quint16>(wav, 16);
     wav += "data";
     append<quint32>(wav, size);
-    for (const int16_t sample : samples)
-        append(wav, sample);
     return wav;
+}
+
+// In slices: there is one copy of the sound in memory, which this process shares with the worker.
+void writeWav(const QString &path, std::span<const int16_t> samples)
+{
+    constexpr size_t sliceSamples = 16384;
+    const QString doing = u"“"_s + QFileInfo(path).fileName() + u"” could not be written"_s;
+    const FileDescriptor file(
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    if (!file.valid())
+        throw systemFailure(doing, errno);
+    writeAll(file.get(), wavHeader(quint32(samples.size_bytes())), doing);
+    while (!samples.empty()) {
+        const auto slice = samples.first(std::min(samples.size(), sliceSamples));
+        QByteArray bytes;
+        for (const int16_t sample : slice)
+            append(bytes, sample);
+        writeAll(file.get(), bytes, doing);
+        samples = samples.subspan(slice.size());
+    }
 }
 
 // Only this user may look into it: what was said is in there.
@@ -137,7 +157,7 @@ Heard WhisperRecogniser::recognise(const Sound &sound)
     const PrivateFolder folder(m_setup.workFolder);
     const QString base = m_setup.workFolder + u"/sound"_s;
     const bool known = m_setup.language != u"auto" || sound.language.isEmpty();
-    writeFile(base + u".wav"_s, wavFile(sound.samples));
+    writeWav(base + u".wav"_s, sound.samples);
     WhisperProgram program(m_setup.program, arguments(base, known ? m_setup.language : sound.language));
     requireSuccess(program.finish(m_setup.patience, sound.progress));
     QFile file(base + u".json"_s);

@@ -113,6 +113,14 @@ void showListAsNewest(Database &database)
     database.run(u"CREATE TEMP VIEW jobs AS SELECT *, 0 AS lost FROM main.jobs"_s);
 }
 
+bool conditionsHold(Database &database)
+{
+    return database
+        .value(u"SELECT seq FROM jobs WHERE status NOT IN "
+               "('queued', 'transcribing', 'cleaning', 'analyzing', 'cancelled', 'failed', 'ready') LIMIT 1"_s)
+        .isNull();
+}
+
 void bringToNewest(Database &database)
 {
     const int found = database.value(u"PRAGMA user_version"_s).toInt();

@@ -11,6 +11,9 @@ int newestSchema();
 // Throws Failure for a store that a newer program wrote.
 void bringToNewest(Database &database);
 
+// Whether every row meets the conditions (CHECK) of its table.
+bool conditionsHold(Database &database);
+
 // Lets jobs and entries of an older store, which can only be read, be read like those of the newest.
 void showListAsNewest(Database &database);
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 using namespace Qt::StringLiterals;
 
@@ -54,30 +55,56 @@ QSet<QString> tellingWords(const Sentence &sentence)
     return telling;
 }
 
-// Sentences that share a word, and how much they share for their length. In order: sums in another order
-// would differ.
-using Ties = std::vector<QMap<size_t, double>>;
-
-Ties tiesOf(const std::vector<QSet<QString>> &telling)
+// Which sentences are tied by a word that they share. A tie is worth the less the longer both are. Ties are never
+// listed, since there are far more of them than sentences: what comes to a sentence from those of one length is
+// counted in one go.
+class Ties
 {
-    QMap<QString, std::vector<size_t>> holders;
-    for (size_t i = 0; i < telling.size(); ++i) {
-        for (const QString &word : telling[i])
-            holders[word].push_back(i);
-    }
-    Ties ties(telling.size());
-    for (const std::vector<size_t> &sentences : std::as_const(holders)) {
-        if (sentences.size() > mostHolders)
-            continue;
-        for (const size_t a : sentences) {
-            for (const size_t b : sentences) {
-                if (a != b)
-                    ties[a][b] += 1 / std::log(double(1 + telling[a].size()) * double(1 + telling[b].size()));
-            }
+public:
+    explicit Ties(const std::vector<QSet<QString>> &telling)
+    {
+        QMap<QString, std::vector<size_t>> holders; // in order: sums in another order would differ
+        for (size_t i = 0; i < telling.size(); ++i) {
+            m_lengths.push_back(size_t(telling[i].size()));
+            for (const QString &word : telling[i])
+                holders[word].push_back(i);
+        }
+        for (std::vector<size_t> &sentences : holders) {
+            if (sentences.size() > 1 && sentences.size() <= mostHolders)
+                m_holders.push_back(std::move(sentences));
         }
     }
-    return ties;
-}
+
+    // For each sentence the sum, over all that it is tied to, of the tie's worth times what these have.
+    std::vector<double> spread(const std::vector<double> &had) const
+    {
+        std::vector<double> got(had.size());
+        for (const std::vector<size_t> &sentences : m_holders) {
+            std::map<size_t, double> hadByLength;
+            for (const size_t sentence : sentences)
+                hadByLength[m_lengths[sentence]] += had[sentence];
+            std::map<size_t, double> gotByLength;
+            for (const auto &[length, unused] : hadByLength) {
+                for (const auto &[other, sum] : hadByLength)
+                    gotByLength[length] += sum * worth(length, other);
+            }
+            for (const size_t sentence : sentences) {
+                const size_t length = m_lengths[sentence];
+                got[sentence] += gotByLength[length] - had[sentence] * worth(length, length);
+            }
+        }
+        return got;
+    }
+
+private:
+    static double worth(size_t length, size_t other)
+    {
+        return 1 / std::log(double(1 + length) * double(1 + other));
+    }
+
+    std::vector<size_t> m_lengths; // in telling words, of each sentence
+    std::vector<std::vector<size_t>> m_holders; // sentences of one word
+};
 
 // A sentence counts by the sentences that it shares words with, and these by theirs: what a talk is about is
 // at the middle of it. What is said again word for word counts once: people repeat "yes, of course" more
@@ -91,22 +118,15 @@ std::vector<double> scores(const std::vector<Sentence> &sentences)
         said.insert(sentence.text);
         telling.push_back(skipped ? QSet<QString>() : tellingWords(sentence));
     }
-    const Ties ties = tiesOf(telling);
-    std::vector<double> given(ties.size());
-    for (size_t i = 0; i < ties.size(); ++i) {
-        for (const double tie : ties[i])
-            given[i] += tie;
-    }
-    std::vector<double> score(ties.size(), 1);
+    const Ties ties(telling);
+    std::vector<double> score(telling.size(), 1);
+    const std::vector<double> given = ties.spread(score);
     for (int round = 0; round < rounds; ++round) {
-        std::vector<double> next(ties.size());
-        for (size_t i = 0; i < ties.size(); ++i) {
-            double sum = 0;
-            for (auto tie = ties[i].begin(); tie != ties[i].end(); ++tie)
-                sum += score[tie.key()] * tie.value() / given[tie.key()];
-            next[i] = telling[i].isEmpty() ? 0 : 1 - damping + damping * sum;
-        }
-        score = std::move(next);
+        for (size_t i = 0; i < score.size(); ++i)
+            score[i] = given[i] > 0 ? score[i] / given[i] : 0;
+        const std::vector<double> got = ties.spread(score);
+        for (size_t i = 0; i < score.size(); ++i)
+            score[i] = telling[i].isEmpty() ? 0 : 1 - damping + damping * got[i];
     }
     return score;
 }

@@ -21,6 +21,7 @@ namespace {
 
 constexpr int waitMs = 100;
 constexpr size_t blockSamples = 16384;
+constexpr int64_t soundPerMs = sampleRate / 1000;
 constexpr qint64 showEveryMs = 1000;     // each time is a write to the disk
 constexpr double recognisedPerTold = 20; // telling speakers apart counts as so much more to recognise
 
@@ -134,9 +135,9 @@ void JobRun::recogniseMissing()
         std::erase_if(group, &Segment::kept);
         if (group.empty())
             continue;
-        SoundTask task = taskOf(reader, joinedSound(group));
-        while (decoders.full())
+        while (decoders.full()) // first, so that no more sound is held than is worked on
             attend(decoders);
+        SoundTask task = taskOf(reader, joinedSound(group));
         if (m_control.job().language != u"auto")
             task.language = m_control.job().language;
         decoders.begin(std::move(task));
@@ -145,28 +146,31 @@ void JobRun::recogniseMissing()
         attend(decoders);
 }
 
-std::vector<int16_t> JobRun::samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs)
+// Appends the sound of the segment, and so much of what follows.
+void JobRun::takeSamples(std::vector<int16_t> &samples, AudioReader &reader, const Segment &segment,
+                         qint64 tailMs)
 {
-    constexpr int64_t samplesPerMs = sampleRate / 1000;
-    while (reader.position() < segment.startMs * samplesPerMs) {
+    while (reader.position() < segment.startMs * soundPerMs) {
         const int64_t before = reader.position();
-        reader.skip(std::min<int64_t>(segment.startMs * samplesPerMs - before, int64_t(blockSamples)));
+        reader.skip(std::min<int64_t>(segment.startMs * soundPerMs - before, int64_t(blockSamples)));
         m_control.check();
         if (reader.position() == before)
             throw Failure(u"The recording has become shorter since it was taken."_s);
     }
-    std::vector<int16_t> samples(size_t((lengthMs(segment) + tailMs) * samplesPerMs));
-    samples.resize(reader.read(samples));
-    return samples;
+    const size_t before = samples.size();
+    samples.resize(before + size_t((lengthMs(segment) + tailMs) * soundPerMs));
+    samples.resize(before + reader.read(std::span(samples).subspan(before)));
 }
 
 SoundTask JobRun::taskOf(AudioReader &reader, std::vector<Piece> pieces)
 {
     SoundTask task;
-    for (const Piece &piece : pieces) {
-        const std::vector<int16_t> more = samplesOf(reader, piece.segment, piece.tailMs);
-        task.samples.insert(task.samples.end(), more.begin(), more.end());
-    }
+    qint64 soundMs = 0;
+    for (const Piece &piece : pieces)
+        soundMs += piece.soundMs();
+    task.samples.reserve(size_t(soundMs * soundPerMs));
+    for (const Piece &piece : pieces)
+        takeSamples(task.samples, reader, piece.segment, piece.tailMs);
     task.pieces = std::move(pieces);
     return task;
 }
@@ -261,13 +265,15 @@ std::vector<Turn> JobRun::findTurns(const std::vector<Segment> &segments)
         showProgress(heard + (whole() - heard) * qint64(handled) / qint64(2 * segments.size()), whole());
     };
     SpeakerFinder finder([this] { m_control.check(); });
+    std::vector<int16_t> samples;
     std::vector<Turn> turns;
     for (const bool learning : {true, false}) {
         AudioReader reader(audioPath());
         for (size_t i = 0; i < segments.size(); ++i) {
             if (segments[i].text().isEmpty())
                 continue;
-            const std::vector<int16_t> samples = samplesOf(reader, segments[i]);
+            samples.clear();
+            takeSamples(samples, reader, segments[i]);
             if (learning) {
                 finder.hear(samples);
             } else {
@@ -290,11 +296,13 @@ void JobRun::finish()
     if (m_control.job().speakers)
         segments = cutBySpeaker(segments, findTurns(segments));
     Transcript transcript;
-    const std::vector<Segment> lines = asLines(segments, m_control.job().language);
-    transcript.lines = linesFrom(lines);
-    transcript.clean = plainText(lines);
+    {
+        const std::vector<Segment> lines = asLines(segments, m_control.job().language);
+        transcript.lines = linesFrom(lines);
+        transcript.clean = plainText(lines);
+    }
     if (m_control.job().clean || m_control.job().analyze)
-        write(transcript, segments);
+        write(transcript, std::move(segments));
     keep(transcript);
 }
 
@@ -304,10 +312,11 @@ void JobRun::showParts(int done, int total)
 }
 
 // By the text model, where there is one that answers; else by rules.
-void JobRun::write(Transcript &transcript, const std::vector<Segment> &segments)
+void JobRun::write(Transcript &transcript, std::vector<Segment> segments)
 {
     const QString language = m_control.job().language;
     const std::vector<Sentence> sentences = cleanSentences(segments, language);
+    segments = {}; // of a long recording, every copy of its words counts
     TextModel model(m_database, m_control);
     const auto ask = [&](const ModelQuestion &question) { return model.ask(question); };
     const auto show = [&](int done, int total) { showParts(done, total); };
@@ -335,7 +344,7 @@ void JobRun::keep(Transcript &transcript)
     if (!m_title.isEmpty() && hasFirstTitle(job.callDir, job.title))
         job.title = m_title;
     transcript.revision = 1;
-    stageFiles(job.callDir, transcript.revision, callDirFiles(job, transcript));
+    stageAllFiles(job, transcript);
     publishFiles(job.callDir, transcript.revision);
     discardStaged(job.callDir);
     m_control.change(

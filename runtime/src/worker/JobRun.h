@@ -36,7 +36,8 @@ private:
     void recogniseMissing();
     void nameRecogniser();
     SoundTask taskOf(AudioReader &reader, std::vector<Piece> pieces);
-    std::vector<int16_t> samplesOf(AudioReader &reader, const Segment &segment, qint64 tailMs = 0);
+    void takeSamples(std::vector<int16_t> &samples, AudioReader &reader, const Segment &segment,
+                     qint64 tailMs = 0);
     void noteBeginning(const SoundTask &task);
     void attend(Decoders &decoders);
     void keepTask(const SoundTask &task, const Heard &heard);
@@ -48,7 +49,7 @@ private:
     void showProgress(qint64 done, qint64 whole);
     std::vector<Turn> findTurns(const std::vector<Segment> &segments);
     void finish();
-    void write(Transcript &transcript, const std::vector<Segment> &segments);
+    void write(Transcript &transcript, std::vector<Segment> segments);
     void showParts(int done, int total);
     void keep(Transcript &transcript);
     void enter(QStringView stage);

@@ -1,18 +1,18 @@
 #include "core/Failure.h"
-#include "core/FileDescriptor.h"
 #include "core/SpeechModel.h"
 #include "media/AudioReader.h"
 #include "recognise/Recogniser.h"
 #include "worker/Worker.h"
 
+#include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/wait.h>
+#include <link.h>
+#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 
@@ -28,35 +28,33 @@ QString recogniserTrouble()
     }
 }
 
-// In a process of its own: the library that reads the model falls over some kinds of damage.
-QString recogniserTroubleIfAny()
+bool tell(const QString &part, const QJsonValue &found)
 {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        return recogniserTrouble();
-    const engine::FileDescriptor reading(ends[0]);
-    engine::FileDescriptor writing(ends[1]);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const QByteArray sentence = recogniserTrouble().toUtf8();
-        ::_exit(::write(writing.get(), sentence.constData(), size_t(sentence.size())) == sentence.size() ? 0
-                                                                                                         : 1);
-    }
-    writing.reset();
-    QByteArray sentence(4096, '\0'); // no more than a pipe takes at once
-    sentence.resize(std::max<ssize_t>(0, ::read(reading.get(), sentence.data(), size_t(sentence.size()))));
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child || status != 0)
-        return u"The speech model is damaged. Install it again."_s;
-    return QString::fromUtf8(sentence);
+    const QByteArray line = QJsonDocument(QJsonObject{{part, found}}).toJson(QJsonDocument::Compact) + '\n';
+    return std::fwrite(line.constData(), 1, size_t(line.size()), stdout) == size_t(line.size()) &&
+           std::fflush(stdout) == 0;
 }
 
+QJsonArray loadedLibraries()
+{
+    QStringList paths;
+    const auto note = [](dl_phdr_info *library, size_t, void *into) {
+        if (library->dlpi_name[0] == '/')
+            static_cast<QStringList *>(into)->append(QFile::decodeName(library->dlpi_name));
+        return 0;
+    };
+    ::dl_iterate_phdr(note, &paths);
+    return QJsonArray::fromStringList(paths);
+}
+
+// A line for each part. The recogniser comes behind decoding: the library that reads the model falls over some kinds
+// of damage, which is told by the line that never comes.
 int check()
 {
-    const QJsonObject found{{u"recogniser"_s, recogniserTroubleIfAny()},
-                            {u"decoding"_s, engine::decodingTrouble()}};
-    const QByteArray answer = QJsonDocument(found).toJson(QJsonDocument::Compact) + '\n';
-    return std::fwrite(answer.constData(), 1, size_t(answer.size()), stdout) == size_t(answer.size()) ? 0 : 1;
+    return tell(u"decoding"_s, engine::decodingTrouble()) && tell(u"recogniser"_s, recogniserTrouble()) &&
+                   tell(u"libraries"_s, loadedLibraries())
+               ? 0
+               : 1;
 }
 
 } // namespace
@@ -65,6 +63,10 @@ int main(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
         return check();
+    // What was freed goes back to the system at once, where the library would learn from one large piece of sound to
+    // keep all that follow.
+    ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    ::mallopt(M_TRIM_THRESHOLD, 256 * 1024);
     try {
         return engine::Worker(engine::Paths::ofThisUser()).run();
     } catch (const engine::Failure &failure) {

@@ -362,6 +362,18 @@ TEST(Store, manyProcessesAtOnceLoseNothing)
     EXPECT_EQ(database.integrity(), u"ok"_s);
 }
 
+TEST(Store, integrityCoversTheConditionsOfTheTables)
+{
+    const test::Home home;
+    Database database(home.paths());
+    test::addJob(database, test::sampleJob());
+    EXPECT_EQ(database.integrity(), u"ok"_s);
+    EXPECT_THROW(database.run(u"UPDATE jobs SET status = 'asleep'"_s), Failure) << "they hold again after it";
+    database.run(u"PRAGMA ignore_check_constraints=ON"_s);
+    database.run(u"UPDATE jobs SET status = 'asleep'"_s);
+    EXPECT_EQ(database.integrity(), u"a job has an unknown status"_s);
+}
+
 TEST(Store, anUnfinishedTransactionLeavesNothing)
 {
     const test::Home home;
