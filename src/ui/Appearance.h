@@ -11,8 +11,8 @@ namespace tuppi {
 /// Gives the whole application its light look, whatever the desktop's theme is: one style, one palette.
 void applyAppearance(QApplication &application);
 
-/// Gives every window the application's icon. The image readers that it loads take longer than the window
-/// itself: call it when the first one is on the screen.
+/// Gives every window the application's icon. Call it when the first one is on the screen, which need not wait for
+/// four pictures.
 void applyIcon();
 
 } // namespace tuppi
