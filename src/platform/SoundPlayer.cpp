@@ -1,5 +1,6 @@
 #include "platform/SoundPlayer.h"
 
+#include "engine/HandOver.h"
 #include "platform/Module.h"
 #include "platform/SoundModule.h"
 
@@ -82,7 +83,7 @@ private:
         const std::lock_guard lock(m_mutex);
         if (m_player)
             QMetaObject::invokeMethod(
-                m_player, [to = m_player, news = std::move(news)] { news(*to); }, Qt::QueuedConnection);
+                m_player, HandOver([to = m_player, news = std::move(news)] { news(*to); }), Qt::QueuedConnection);
     }
 
     std::mutex m_mutex;
@@ -120,7 +121,7 @@ SoundPlayer::~SoundPlayer()
 void SoundPlayer::post(std::function<void(Worker &)> call)
 {
     QMetaObject::invokeMethod(
-        m_worker, [worker = m_worker, call = std::move(call)] { call(*worker); }, Qt::QueuedConnection);
+        m_worker, HandOver([worker = m_worker, call = std::move(call)] { call(*worker); }), Qt::QueuedConnection);
 }
 
 void SoundPlayer::play(const QString &name, double volume, bool loops)
