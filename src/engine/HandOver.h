@@ -39,6 +39,7 @@ public:
     {
         TakeOver(this);
         m_call();
+        GiveOver(this); // either thread may be the last that holds it, and destroys it
     }
 
 private:

@@ -52,6 +52,13 @@ public:
     {
     }
 
+    ~Worker() override
+    {
+        TakeOver(thread());
+        m_output.reset();
+        GiveOver(thread());
+    }
+
     /// The player dies; it is not told anything any more.
     void forgetPlayer()
     {
@@ -111,11 +118,14 @@ SoundPlayer::SoundPlayer(Factory factory, QObject *parent)
 SoundPlayer::~SoundPlayer()
 {
     m_worker->forgetPlayer();
+    GiveOver(m_thread);
     m_thread->quit();
-    if (m_thread->wait(momentMilliseconds))
+    if (m_thread->wait(momentMilliseconds)) {
+        TakeOver(m_thread);
         delete m_thread;
-    else
+    } else {
         endWithoutCleaningUp();
+    }
 }
 
 void SoundPlayer::post(std::function<void(Worker &)> call)
