@@ -39,6 +39,12 @@ if(TUPPI_SANITIZE)
   target_compile_options(tuppi_common INTERFACE
     -fsanitize=${TUPPI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(tuppi_common INTERFACE -fsanitize=${TUPPI_SANITIZE})
+  # In every program, as tests start programs with an environment of their own.
+  add_library(tuppi_sanitizer_options OBJECT tests/support/SanitizerOptions.cpp)
+  set_target_properties(tuppi_sanitizer_options PROPERTIES AUTOMOC OFF)
+  target_compile_definitions(tuppi_sanitizer_options PRIVATE TUPPI_TESTS_FOLDER="${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(tuppi_common INTERFACE
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:tuppi_sanitizer_options>>)
 endif()
 
 if(TUPPI_COVERAGE)

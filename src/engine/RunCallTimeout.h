@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/HandOver.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QList>
@@ -66,21 +68,30 @@ namespace detail {
 RawReply runEngine(const QStringList &arguments, const RunOptions &options);
 }
 
-/// Calls `run`, which returns a RawReply, off the main thread, reads the reply there with `read`, and calls `then`
-/// with what `read` made of it on `context`'s thread. A context that is gone by then is not called; what runs
-/// still runs to its end. Returns at once.
+/// Calls `work` on a thread of its own, and `then` with what it returned on `context`'s thread. A context that is gone
+/// by then is not called; what works still works to its end. Returns at once.
+template<typename Work, typename Then>
+void RunAside(Work work, QObject *context, Then then)
+{
+    auto result = std::make_shared<std::invoke_result_t<Work>>();
+    // Never waited for: what hangs must not hold the application's exit. The thread touches nothing but what it owns.
+    QThread *thread = QThread::create([work = std::move(work), result] {
+        *result = work();
+        GiveOver(result.get());
+    });
+    QObject::connect(thread, &QThread::finished, context, [result, then = std::move(then)] {
+        TakeOver(result.get());
+        then(std::move(*result));
+    });
+    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
+}
+
+/// RunAside for `run`, which returns a RawReply, and `read`, which makes of it what `then` gets.
 template<typename Run, typename Read, typename Then>
 void RunRead(Run run, QObject *context, Read read, Then then)
 {
-    using Result = std::invoke_result_t<Read, const RawReply &>;
-    auto result = std::make_shared<Result>();
-    // One thread for the command's whole life, never waited for: an engine that hangs must not hold the
-    // application's exit. The thread touches nothing but what it owns.
-    QThread *thread = QThread::create([run = std::move(run), read = std::move(read), result] { *result = read(run()); });
-    QObject::connect(thread, &QThread::finished, context,
-                     [result, then = std::move(then)] { then(std::move(*result)); });
-    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
+    RunAside([run = std::move(run), read = std::move(read)] { return read(run()); }, context, std::move(then));
 }
 
 /// RunRead for one engine command.

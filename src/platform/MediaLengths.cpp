@@ -1,5 +1,6 @@
 #include "platform/MediaLengths.h"
 
+#include "engine/HandOver.h"
 #include "platform/MediaLength.h"
 
 #include <chrono>
@@ -45,7 +46,7 @@ struct MediaLengths::Work
     {
         if (owner)
             QMetaObject::invokeMethod(
-                owner, [to = owner, path, seconds] { Q_EMIT to->measured(path, seconds); },
+                owner, HandOver([to = owner, path, seconds] { Q_EMIT to->measured(path, seconds); }),
                 Qt::QueuedConnection);
     }
 };

@@ -64,18 +64,20 @@ void LookForShareOffers(const QDBusConnection &session, QObject *context, std::f
     const QDBusMessage call = PortalRequest::call(u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
     CallLater(session, call, lookLimit, context, [context, then = std::move(then)](const QDBusMessage &reply) {
         const QString found = reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toString() : QString();
-        auto offers = std::make_shared<ShareOffers>();
-        offers->email = found.contains(u'"' + emailInterface + u'"');
-        offers->chooser = found.contains(u'"' + openInterface + u'"');
-        offers->openers = !program(u"xdg-open"_s).isEmpty();
-        if (offers->email) {
-            then(*offers);
+        ShareOffers offers;
+        offers.email = found.contains(u'"' + emailInterface + u'"');
+        offers.chooser = found.contains(u'"' + openInterface + u'"');
+        offers.openers = !program(u"xdg-open"_s).isEmpty();
+        if (offers.email) {
+            then(offers);
             return;
         }
-        QThread *thread = QThread::create([offers] { offers->email = hasMailProgram(); });
-        QObject::connect(thread, &QThread::finished, context, [offers, then] { then(*offers); });
-        QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-        thread->start();
+        const auto lookForProgram = [offers] {
+            ShareOffers complete = offers;
+            complete.email = hasMailProgram();
+            return complete;
+        };
+        RunAside(lookForProgram, context, then);
     });
 }
 

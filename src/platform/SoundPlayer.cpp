@@ -1,5 +1,6 @@
 #include "platform/SoundPlayer.h"
 
+#include "engine/HandOver.h"
 #include "platform/Module.h"
 #include "platform/SoundModule.h"
 
@@ -51,6 +52,13 @@ public:
     {
     }
 
+    ~Worker() override
+    {
+        TakeOver(thread());
+        m_output.reset();
+        GiveOver(thread());
+    }
+
     /// The player dies; it is not told anything any more.
     void forgetPlayer()
     {
@@ -82,7 +90,7 @@ private:
         const std::lock_guard lock(m_mutex);
         if (m_player)
             QMetaObject::invokeMethod(
-                m_player, [to = m_player, news = std::move(news)] { news(*to); }, Qt::QueuedConnection);
+                m_player, HandOver([to = m_player, news = std::move(news)] { news(*to); }), Qt::QueuedConnection);
     }
 
     std::mutex m_mutex;
@@ -110,17 +118,20 @@ SoundPlayer::SoundPlayer(Factory factory, QObject *parent)
 SoundPlayer::~SoundPlayer()
 {
     m_worker->forgetPlayer();
+    GiveOver(m_thread);
     m_thread->quit();
-    if (m_thread->wait(momentMilliseconds))
+    if (m_thread->wait(momentMilliseconds)) {
+        TakeOver(m_thread);
         delete m_thread;
-    else
+    } else {
         endWithoutCleaningUp();
+    }
 }
 
 void SoundPlayer::post(std::function<void(Worker &)> call)
 {
     QMetaObject::invokeMethod(
-        m_worker, [worker = m_worker, call = std::move(call)] { call(*worker); }, Qt::QueuedConnection);
+        m_worker, HandOver([worker = m_worker, call = std::move(call)] { call(*worker); }), Qt::QueuedConnection);
 }
 
 void SoundPlayer::play(const QString &name, double volume, bool loops)

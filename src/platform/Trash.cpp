@@ -1,15 +1,14 @@
 #include "platform/Trash.h"
 
+#include "engine/RunCallTimeout.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QStorageInfo>
 #include <QTemporaryFile>
-#include <QThread>
 #include <QUrl>
-
-#include <memory>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -116,14 +115,13 @@ TrashResult MoveToTrash(const QString &path)
 
 void MoveAllToTrash(const QStringList &paths, QObject *context, std::function<void(const QList<TrashResult> &)> then)
 {
-    auto results = std::make_shared<QList<TrashResult>>();
-    QThread *thread = QThread::create([paths, results] {
+    const auto moveAll = [paths] {
+        QList<TrashResult> results;
         for (const QString &path : paths)
-            results->append(MoveToTrash(path));
-    });
-    QObject::connect(thread, &QThread::finished, context, [results, then = std::move(then)] { then(*results); });
-    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
+            results.append(MoveToTrash(path));
+        return results;
+    };
+    RunAside(moveAll, context, std::move(then));
 }
 
 } // namespace tuppi

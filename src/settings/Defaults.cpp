@@ -1,6 +1,7 @@
 #include "settings/Defaults.h"
 
 #include "engine/DebugLog.h"
+#include "engine/HandOver.h"
 #include "settings/Val.h"
 
 #include <QDateTime>
@@ -264,7 +265,7 @@ Defaults::Stored Defaults::write(std::function<QVariantMap()> make, QObject *con
             if (guard)
                 written(stored);
         };
-        QMetaObject::invokeMethod(&m_home, tell, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&m_home, HandOver(tell), Qt::QueuedConnection);
     };
     return m_writer->add(std::move(make), std::move(done));
 }

@@ -3,13 +3,14 @@
 
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <memory>
+#include <semaphore>
 
 using namespace tuppi;
 using namespace Qt::StringLiterals;
@@ -24,9 +25,9 @@ struct FakeOutput : SoundOutput
     struct Book
     {
         QStringList calls;
-        QSemaphore *gate = nullptr;
-        FakeOutput *output = nullptr;
-        bool gone = false;
+        std::counting_semaphore<> *gate = nullptr;
+        std::atomic<FakeOutput *> output = nullptr;
+        std::atomic<bool> gone = false;
     };
     explicit FakeOutput(Book &book) : m_book(book) { m_book.output = this; }
     ~FakeOutput() override { m_book.gone = true; }
@@ -185,7 +186,7 @@ private Q_SLOTS:
         QSignalSpy started(&player, &SoundPlayer::started), lost(&player, &SoundPlayer::lost);
         player.play(u"purr"_s, 0.5, true);
         QTRY_COMPARE_WITH_TIMEOUT(started.size(), 1, generous);
-        book.output->lost(u"purr"_s);
+        book.output.load()->lost(u"purr"_s);
         QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, generous);
         QCOMPARE(lost.at(0), QVariantList{u"purr"_s});
     }
@@ -194,7 +195,7 @@ private Q_SLOTS:
     {
         // Static, as the thread that hangs outlives the player.
         static FakeOutput::Book book;
-        static QSemaphore gate;
+        static std::counting_semaphore<> gate(0);
         book.gate = &gate;
         auto player = std::make_unique<SoundPlayer>([] { return std::make_unique<FakeOutput>(book); });
         for (int i = 0; i < 100; ++i) {

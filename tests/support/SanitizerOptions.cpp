@@ -1,0 +1,24 @@
+// What a program built with sanitizers starts with, whoever starts it and with whatever environment. TUPPI_TESTS_FOLDER
+// is where the lists stand of what is not ours.
+
+extern "C" {
+
+const char *__tsan_default_options();
+const char *__tsan_default_options()
+{
+    return "suppressions=" TUPPI_TESTS_FOLDER "/tsan.supp:die_after_fork=0";
+}
+
+const char *__lsan_default_options();
+const char *__lsan_default_options()
+{
+    return "suppressions=" TUPPI_TESTS_FOLDER "/lsan.supp:print_suppressions=0";
+}
+
+const char *__ubsan_default_options();
+const char *__ubsan_default_options()
+{
+    return "print_stacktrace=1";
+}
+
+} // extern "C"
