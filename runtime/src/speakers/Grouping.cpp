@@ -44,7 +44,7 @@ public:
     Distances(const std::vector<Moments> &groups, const VoiceMeasure &measure, const std::function<void()> &check)
         : m_groups(groups)
         , m_measure(measure)
-        , m_table(groups.size() * groups.size())
+        , m_table(place(0, groups.size()))
         , m_nearest(groups.size())
         , m_gone(groups.size())
     {
@@ -70,7 +70,7 @@ public:
         return best;
     }
 
-    float at(size_t a, size_t b) const { return m_table[std::min(a, b) * m_groups.size() + std::max(a, b)]; }
+    float at(size_t a, size_t b) const { return m_table[place(std::min(a, b), std::max(a, b))]; }
 
     // After b went into a.
     void joined(size_t a, size_t b)
@@ -91,9 +91,12 @@ public:
     }
 
 private:
+    // Of two groups in order: each pair stands in the table once.
+    static size_t place(size_t a, size_t b) { return b * (b - 1) / 2 + a; }
+
     void take(size_t a, size_t b)
     {
-        m_table[a * m_groups.size() + b] = float(m_measure.difference(m_groups[a], m_groups[b]));
+        m_table[place(a, b)] = float(m_measure.difference(m_groups[a], m_groups[b]));
     }
 
     void findNearest(size_t a)

@@ -25,8 +25,9 @@ constexpr int mostComponents = 16;
 
 } // namespace
 
-SpeakerFinder::SpeakerFinder(std::function<void()> check)
+SpeakerFinder::SpeakerFinder(std::function<void()> check, const QString &folder)
     : m_check(std::move(check))
+    , m_aside(folder)
 {
 }
 
@@ -35,11 +36,11 @@ void SpeakerFinder::hear(std::span<const int16_t> samples)
     m_check();
     if (m_heard++ % m_everyNth != 0)
         return;
-    VoicedFrames frames = m_source.voiced(samples);
+    const VoicedFrames frames = m_source.voiced(samples);
     if (frames.count() == 0)
         return;
     m_frames += frames.count();
-    m_pieces.push_back({std::move(frames.cepstra), std::vector<int>(frames.at.size(), 0)});
+    m_pieces.push_back({m_aside.append(frames.cepstra), std::vector<int16_t>(frames.at.size(), 0)});
     if (m_frames > mostFrames)
         thinOut();
 }
@@ -49,7 +50,7 @@ void SpeakerFinder::thinOut()
     std::vector<Piece> kept;
     m_frames = 0;
     for (size_t i = 0; i < m_pieces.size(); i += 2) {
-        m_frames += m_pieces[i].cepstra.cols();
+        m_frames += m_pieces[i].cepstra.frames;
         kept.push_back(std::move(m_pieces[i]));
     }
     m_pieces = std::move(kept);
@@ -60,7 +61,7 @@ VoiceMeasure SpeakerFinder::measureOf(double strictness) const
 {
     Moments all;
     for (const Piece &piece : m_pieces)
-        all.add(piece.cepstra);
+        all.add(m_aside.read(piece.cepstra));
     return {all.covariance(), strictness};
 }
 
@@ -77,7 +78,7 @@ void SpeakerFinder::groupRuns()
     std::vector<Moments> items;
     for (size_t i = 0; i < m_pieces.size(); ++i) {
         m_check();
-        const Cepstra &cepstra = m_pieces[i].cepstra;
+        const Cepstra cepstra = m_aside.read(m_pieces[i].cepstra);
         for (const Run run : homogeneousRuns(cepstra, cutting, leastRun)) {
             places.push_back({i, run});
             items.emplace_back().add(cepstra.middleCols(run.first, run.length()));
@@ -86,7 +87,7 @@ void SpeakerFinder::groupRuns()
     const std::vector<int> groups = groupsByVoice(std::move(items), {cutting.usual, groupStrictness}, m_check);
     for (size_t i = 0; i < places.size(); ++i) {
         const auto start = m_pieces[places[i].piece].speaker.begin();
-        std::fill(start + places[i].run.first, start + places[i].run.end, groups[i]);
+        std::fill(start + places[i].run.first, start + places[i].run.end, int16_t(groups[i]));
     }
 }
 
@@ -95,14 +96,15 @@ bool SpeakerFinder::groupSpeakers()
 {
     auto items = std::vector<Moments>(size_t(speakerCount()));
     for (const Piece &piece : m_pieces) {
+        const Cepstra cepstra = m_aside.read(piece.cepstra);
         for (size_t i = 0; i < piece.speaker.size(); ++i)
-            items[size_t(piece.speaker[i])].add(piece.cepstra.col(Eigen::Index(i)));
+            items[size_t(piece.speaker[i])].add(cepstra.col(Eigen::Index(i)));
     }
     const size_t before = items.size();
     const std::vector<int> groups = groupsByVoice(std::move(items), measureOf(groupStrictness), m_check);
     for (Piece &piece : m_pieces) {
-        for (int &speaker : piece.speaker)
-            speaker = groups[size_t(speaker)];
+        for (int16_t &speaker : piece.speaker)
+            speaker = int16_t(groups[size_t(speaker)]);
     }
     return size_t(std::ranges::max(groups)) + 1 < before;
 }
@@ -111,7 +113,7 @@ int SpeakerFinder::speakerCount() const
 {
     int highest = -1;
     for (const Piece &piece : m_pieces)
-        highest = std::max(highest, std::ranges::max(piece.speaker));
+        highest = std::max<int>(highest, std::ranges::max(piece.speaker));
     return highest + 1;
 }
 
@@ -130,9 +132,12 @@ Cepstra SpeakerFinder::someFramesOf(int speaker) const
     Cepstra frames(cepstrumSize, (framesOf(speaker) + step - 1) / step);
     Eigen::Index seen = 0;
     for (const Piece &piece : m_pieces) {
+        if (std::ranges::find(piece.speaker, speaker) == piece.speaker.end())
+            continue;
+        const Cepstra cepstra = m_aside.read(piece.cepstra);
         for (size_t i = 0; i < piece.speaker.size(); ++i) {
             if (piece.speaker[i] == speaker && seen++ % step == 0)
-                frames.col((seen - 1) / step) = piece.cepstra.col(Eigen::Index(i));
+                frames.col((seen - 1) / step) = cepstra.col(Eigen::Index(i));
         }
     }
     return frames;
@@ -168,7 +173,8 @@ void SpeakerFinder::relabel()
 {
     for (Piece &piece : m_pieces) {
         m_check();
-        piece.speaker = path(piece.cepstra);
+        const std::vector<int> found = path(m_aside.read(piece.cepstra));
+        piece.speaker.assign(found.begin(), found.end());
     }
 }
 

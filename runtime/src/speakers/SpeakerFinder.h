@@ -1,7 +1,10 @@
 #pragma once
 
+#include "speakers/CepstraFile.h"
 #include "speakers/Grouping.h"
 #include "speakers/Mixture.h"
+
+#include <QDir>
 
 #include <cstdint>
 #include <functional>
@@ -27,8 +30,9 @@ struct Turn
 class SpeakerFinder
 {
 public:
-    // `check` is called a few times a second or more often; what it throws passes through. Throws Failure.
-    explicit SpeakerFinder(std::function<void()> check);
+    // `check` is called a few times a second or more often; what it throws passes through. What is heard is put aside
+    // in the folder, without a name. Throws Failure, as the others do.
+    explicit SpeakerFinder(std::function<void()> check, const QString &folder = QDir::tempPath());
 
     // First time: the next piece in which somebody speaks, as 16 kHz mono sound of up to half a minute.
     void hear(std::span<const int16_t> samples);
@@ -48,8 +52,8 @@ public:
 private:
     struct Piece
     {
-        Cepstra cepstra;
-        std::vector<int> speaker; // of each column
+        CepstraFile::Place cepstra;
+        std::vector<int16_t> speaker; // of each frame
     };
 
     void thinOut();
@@ -65,6 +69,7 @@ private:
 
     std::function<void()> m_check;
     CepstraSource m_source;
+    CepstraFile m_aside;
     std::vector<Piece> m_pieces;
     int64_t m_heard = 0;
     int64_t m_everyNth = 1;

@@ -264,7 +264,7 @@ std::vector<Turn> JobRun::findTurns(const std::vector<Segment> &segments)
     const auto show = [&](size_t handled) {
         showProgress(heard + (whole() - heard) * qint64(handled) / qint64(2 * segments.size()), whole());
     };
-    SpeakerFinder finder([this] { m_control.check(); });
+    SpeakerFinder finder([this] { m_control.check(); }, m_database.paths().work);
     std::vector<int16_t> samples;
     std::vector<Turn> turns;
     for (const bool learning : {true, false}) {

@@ -1,0 +1,60 @@
+#include "speakers/CepstraFile.h"
+
+#include "core/Failure.h"
+#include "core/Files.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+
+using namespace Qt::StringLiterals;
+
+namespace engine {
+
+namespace {
+
+QString writing()
+{
+    return u"“"_s + u"voices"_s + u"” could not be written"_s;
+}
+
+} // namespace
+
+CepstraFile::CepstraFile(const QString &folder)
+{
+    makeFolder(folder, u"The folder for the speech recogniser could not be made"_s);
+    QByteArray name = QFile::encodeName(folder + u"/voices-XXXXXX"_s);
+    m_file = FileDescriptor(::mkostemp(name.data(), O_CLOEXEC));
+    if (!m_file.valid())
+        throw systemFailure(writing(), errno);
+    ::unlink(name.constData());
+}
+
+CepstraFile::Place CepstraFile::append(const Cepstra &cepstra)
+{
+    const auto size = cepstra.size() * qsizetype(sizeof(float));
+    const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(cepstra.data()), size);
+    writeAll(m_file.get(), bytes, writing());
+    const Place place{m_end, cepstra.cols()};
+    m_end += size;
+    return place;
+}
+
+Cepstra CepstraFile::read(const Place &place) const
+{
+    Cepstra cepstra(cepstrumSize, place.frames);
+    auto *bytes = reinterpret_cast<char *>(cepstra.data());
+    const auto size = cepstra.size() * qsizetype(sizeof(float));
+    for (qsizetype done = 0; done < size;) {
+        const ssize_t count =
+            ::pread(m_file.get(), bytes + done, size_t(size - done), off_t(place.offset + done));
+        if (count == 0 || (count < 0 && errno != EINTR))
+            throw systemFailure(u"The recording could not be read"_s, EIO);
+        done += count > 0 ? count : 0;
+    }
+    return cepstra;
+}
+
+} // namespace engine
