@@ -164,7 +164,7 @@ TEST_F(Scheduling, NextFileIsTriedAfterARefusal)
 
 TEST_F(Scheduling, PollThatBeganBeforeAFailedStartDoesNotStartTheNextFile)
 {
-    m_engine.answerCall(u"history"_s, 2, Answer{"[]"}.heldAt("older"));
+    m_engine.answerCall(u"history"_s, 2, Answer{"[]", {}, 0, {}, R"(echo end >"$root/older")"}.heldAt("older"));
     m_engine.answerCall(u"history"_s, 3, Answer{"[]"}.heldAt("newer"));
     m_engine.answerCall(u"process"_s, 1, Answer::failure(1, "Error: no"));
     prepare();
@@ -177,7 +177,8 @@ TEST_F(Scheduling, PollThatBeganBeforeAFailedStartDoesNotStartTheNextFile)
 
     const int polled = m_polled;
     m_engine.openGate("older");
-    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"status"_s) == 2 && !jobs().polling; }));
+    ASSERT_TRUE(waitFor([&] { return QFile::exists(m_engine.path(u"older"_s)); }));
+    settle();
     settle();
     EXPECT_EQ(processed(), QStringList{m_a});
     EXPECT_EQ(m_polled, polled);
