@@ -90,11 +90,11 @@ void readInput(const QByteArray &bytes)
     const bool isDeep = bytes.count('[') + bytes.count('{') > deep;
     const ViewerMessage unknown = ReadViewerMessage(body.object(), {});
     require(unknown.arguments.isEmpty());
-    requireAnswer(Refusal(unknown), false, isDeep);
+    requireAnswer(Refusal(unknown).answer, false, isDeep);
 
     const ViewerMessage message = ReadViewerMessage(body.object(), id);
     if (message.arguments.isEmpty()) {
-        requireAnswer(Refusal(message), false, isDeep);
+        requireAnswer(Refusal(message).answer, false, isDeep);
         return;
     }
     requireCommand(message);
