@@ -122,6 +122,8 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
         if (status == "waiting"_L1) {
             report(fileFor(row.value("waitPath"_L1).toString()), row, jobs, customModels, lines);
         } else if (status == "starting"_L1) {
+            if (!jobs.starting) // an interrupted one: it is followed when it waits again
+                continue;
             report(fileFor(WaitingPath(jobs.startingEntry)), row, jobs, customModels, lines);
         } else if (!id.isEmpty()) {
             const auto file = std::find_if(m_files.begin(), m_files.end(),
