@@ -407,8 +407,8 @@ void Reading::saveInThreeForms()
     for (int form : {0, 1, 2}) {
         const QString name = u"form %1.txt"_s.arg(form);
         ASSERT_NO_FATAL_FAILURE(saveAs(form, name));
+        EXPECT_TRUE(waitFor([&] { return summaryLabel()->text() == u"Saved "_s + name; }));
         EXPECT_EQ(readFile(documents() + u'/' + name), texts[form]);
-        EXPECT_EQ(summaryLabel()->text(), QString(u"Saved "_s + name));
     }
     EXPECT_EQ(sheet(), nullptr);
 }
