@@ -22,6 +22,8 @@ struct ModelLines
 {
     QStringList builtIn;
     QList<CustomModelLine> custom;
+
+    bool operator==(const ModelLines &) const = default;
 };
 
 ModelLines LinesOfModels(const QJsonArray &customModels);

@@ -134,6 +134,9 @@ QWidget *ModelsPane::customLine(const CustomModelLine &line)
 
 void ModelsPane::setModels(const ModelLines &lines)
 {
+    if (lines == m_lines)
+        return; // a button keeps the keyboard, and the pointer that is about to press it
+    m_lines = lines;
     while (QLayoutItem *old = m_list->takeAt(0)) {
         old->widget()->deleteLater(); // one of its buttons may be speaking
         old->widget()->hide();

@@ -42,6 +42,7 @@ private:
     void addTextModel(QVBoxLayout *column);
 
     QVBoxLayout *m_list = nullptr;  ///< the lines of speech models
+    ModelLines m_lines;             ///< as they stand there
     QList<QWidget *> m_below;       ///< what takes keys below those lines
     PopUpButton *m_textModels = nullptr;
     TextField *m_pull = nullptr;

@@ -195,6 +195,19 @@ TEST_F(ModelsPaneTest, RemovingIsNeverTheDefault)
     EXPECT_TRUE(calls(u"remove"_s).isEmpty());
 }
 
+TEST_F(ModelsPaneTest, TheSameListAgainLeavesItsButtonsAlone)
+{
+    openModels();
+    const QPointer<QWidget> remove = button(u"removeModel.1"_s);
+    remove->setFocus();
+    m_app->refreshCustomModels();
+    settle();
+    settle();
+    ASSERT_TRUE(remove);
+    EXPECT_TRUE(remove->isVisible());
+    EXPECT_TRUE(remove->hasFocus());
+}
+
 TEST_F(ModelsPaneTest, AFailedRemovalIsReported)
 {
     openModels();
