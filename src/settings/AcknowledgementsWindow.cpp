@@ -95,6 +95,10 @@ AcknowledgementsWindow::AcknowledgementsWindow(const QList<Acknowledgement> &row
     cursor.insertText(L(u"All models and tools are provided by their authors “as is”, without warranty of any kind. Full "
                         "licence texts are at the links above."_s),
                       format(System(12)));
+    QTextBlockFormat reading; // also those that are all names and addresses
+    reading.setLayoutDirection(layoutDirection());
+    cursor.select(QTextCursor::Document);
+    cursor.mergeBlockFormat(reading);
     QTextFrameFormat margins = text->document()->rootFrame()->frameFormat();
     margins.setMargin(0);
     margins.setLeftMargin(marginX);
