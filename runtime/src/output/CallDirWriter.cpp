@@ -7,13 +7,15 @@
 #include "output/ViewerPage.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
+#include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -120,12 +122,22 @@ void stageAllFiles(const Job &job, const Transcript &transcript)
 bool publishFiles(const QString &callDir, int revision)
 {
     const QString staged = stagedFolder(callDir, revision);
-    if (!QFileInfo(staged).isDir())
-        return false;
+    // A disk that refuses to tell is no folder that is not there: the texts in it would be given up.
+    struct stat folder;
+    if (::stat(QFile::encodeName(staged).constData(), &folder) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR)
+            return false;
+        throw notWritten(staged, errno);
+    }
     QStringList files;
-    QDirIterator found(staged, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (found.hasNext())
-        files.append(found.next());
+    std::error_code error;
+    std::filesystem::recursive_directory_iterator found(QFile::encodeName(staged).toStdString(), error);
+    for (const std::filesystem::recursive_directory_iterator end; !error && found != end; found.increment(error)) {
+        if (!found->is_directory(error) && !error)
+            files.append(QFile::decodeName(found->path().c_str()));
+    }
+    if (error)
+        throw notWritten(staged, error.value());
     for (const QString &from : files) {
         const QString to = callDir + from.sliced(staged.size());
         if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)

@@ -345,7 +345,8 @@ void JobRun::keep(Transcript &transcript)
         job.title = m_title;
     transcript.revision = 1;
     stageAllFiles(job, transcript);
-    publishFiles(job.callDir, transcript.revision);
+    if (!publishFiles(job.callDir, transcript.revision))
+        throw Failure(u"The transcript's folder is gone: “"_s + job.callDir + u"”."_s);
     discardStaged(job.callDir);
     m_control.change(
         [&](Job &ready) {
