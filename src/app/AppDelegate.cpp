@@ -44,7 +44,8 @@ void AppDelegate::applicationDidFinishLaunching(Face face)
         return;
     }
     buildWindow();
-    // What the engine's programs need of the computer would hold up the window's first picture.
+    // What the desktop's services and the engine's programs need of the computer would hold up the first picture.
+    connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::followDesktop);
     connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::startWork);
 }
 

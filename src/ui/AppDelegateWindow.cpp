@@ -45,7 +45,6 @@ void AppDelegate::buildWindow()
         Sheet::open(window, text);
     });
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::rememberFrame);
-    followDesktop();
     restoreFrame();
     refreshSoundUI();
     refresh();
