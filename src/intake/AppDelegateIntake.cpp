@@ -14,6 +14,7 @@
 
 #include <QFileDialog>
 #include <QLocale>
+#include <QTimer>
 
 namespace tuppi {
 
@@ -39,10 +40,15 @@ void AppDelegate::addFiles(const QList<QUrl> &files)
     m_ui.window->bringForward();
     if (!m_setup.panel)
         openSetup();
-    const QStringList unmeasured = AddSetupFiles(m_setup, files);
-    for (const QString &path : unmeasured)
-        mediaLengths().measure(path);
-    updateSetupList();
+    const auto take = [this, files] {
+        mediaLengths().measure(AddSetupFiles(m_setup, files));
+        updateSetupList();
+    };
+    constexpr qsizetype many = 1000; // taking them takes a good part of a frame, and so does opening the panel
+    if (files.size() < many)
+        take();
+    else
+        QTimer::singleShot(0, m_setup.panel, take);
 }
 
 MediaLengths &AppDelegate::mediaLengths()

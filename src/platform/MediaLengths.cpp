@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace tuppi {
 namespace {
@@ -73,20 +74,20 @@ MediaLengths::~MediaLengths()
     m_work->ended.wait_for(lock, moment, [this] { return m_work->threads == 0; });
 }
 
-void MediaLengths::measure(const QString &path)
+void MediaLengths::measure(const QStringList &paths)
 {
     const std::lock_guard lock(m_work->mutex);
-    m_work->waiting.push_back(path);
-    if (m_work->threads == threadCount)
-        return;
+    m_work->waiting.insert(m_work->waiting.end(), paths.begin(), paths.end());
     try {
-        std::thread(&MediaLengths::run, m_work).detach();
-        ++m_work->threads;
+        for (qsizetype more = paths.size(); more > 0 && m_work->threads < threadCount; --more) {
+            std::thread(&MediaLengths::run, m_work).detach();
+            ++m_work->threads;
+        }
     } catch (const std::system_error &) {
         if (m_work->threads > 0)
             return;
-        m_work->waiting.clear(); // no thread to be had: the length stays unknown
-        m_work->deliver(path, 0);
+        for (const QString &path : std::exchange(m_work->waiting, {}))
+            m_work->deliver(path, 0); // no thread to be had: the length stays unknown
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
+#include <QStringList>
 
 #include <atomic>
 #include <functional>
@@ -24,8 +24,8 @@ public:
     explicit MediaLengths(Reader reader, QObject *parent = nullptr);
     ~MediaLengths() override;
 
-    /// Returns at once. Every call is answered by one measured().
-    void measure(const QString &path);
+    /// Returns at once. Every path is answered by one measured().
+    void measure(const QStringList &paths);
 
 Q_SIGNALS:
     /// On this object's thread. `seconds` is finite, and 0 when the length is unknown.

@@ -250,7 +250,7 @@ private Q_SLOTS:
                 seconds = measured;
             },
             Qt::DirectConnection);
-        lengths.measure(path(u"tone.flac"_s));
+        lengths.measure({path(u"tone.flac"_s)});
         QCOMPARE(seconds, -1.0); // not before the event loop
         QTRY_VERIFY(thread);
         QCOMPARE(thread, QThread::currentThread());
@@ -273,7 +273,7 @@ private Q_SLOTS:
                 QCOMPARE(::mkfifo(qPrintable(file), 0600), 0);
             else
                 QVERIFY(QFile::link(path(i % 2 ? u"tone.mp3"_s : u"tone.m4a"_s), file));
-            lengths.measure(file);
+            lengths.measure({file});
         }
         QTRY_COMPARE_WITH_TIMEOUT(signalCount, count, 120000);
         QCOMPARE(answers.size(), count);
@@ -289,13 +289,13 @@ private Q_SLOTS:
         MediaLengths lengths(gate.reader());
         QSignalSpy answers(&lengths, &MediaLengths::measured);
         for (int i = 0; i < 2000; ++i)
-            lengths.measure(QString::number(i)); // none of them is let go on yet
+            lengths.measure({QString::number(i)}); // none of them is let go on yet
         QTRY_COMPARE(gate.entered(), 2);
         gate.open(2000);
         QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 2000, 60000);
         QCOMPARE(gate.mostAtOnce(), 2);
         gate.open(1);
-        lengths.measure(u"again"_s); // after its threads have ended
+        lengths.measure({u"again"_s}); // after its threads have ended
         QTRY_COMPARE(answers.size(), 2001);
         QCOMPARE(answers.constLast(), (QVariantList{u"again"_s, 5.0}));
     }
@@ -306,7 +306,7 @@ private Q_SLOTS:
         auto lengths = std::make_unique<MediaLengths>(gate.reader());
         QSignalSpy answers(lengths.get(), &MediaLengths::measured);
         for (int i = 0; i < 100; ++i)
-            lengths->measure(QString::number(i));
+            lengths->measure({QString::number(i)});
         QTRY_COMPARE(gate.entered(), 2);
         lengths.reset(); // though both readings are held up
         QCOMPARE(gate.left(), 0);
@@ -324,7 +324,7 @@ private Q_SLOTS:
         gate.open(1);
         auto lengths = std::make_unique<MediaLengths>(gate.reader());
         QSignalSpy answers(lengths.get(), &MediaLengths::measured);
-        lengths->measure(u"x"_s);
+        lengths->measure({u"x"_s});
         while (gate.left() == 0)
             QThread::yieldCurrentThread(); // without events, so that the answer is not delivered yet
         lengths.reset();
