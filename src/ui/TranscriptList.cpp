@@ -45,7 +45,9 @@ void TranscriptList::setContent(const ListContent &content)
         m_selectedKey.clear();
     if (m_selected < 0 && before >= 0)
         m_left = before;
+    m_takingOver = true;
     updateScrollRange();
+    m_takingOver = false;
 
     // A row that is still in sight keeps its view, so that focus, hover and mascot go on undisturbed.
     m_shown.clear();
@@ -75,6 +77,8 @@ std::pair<int, int> TranscriptList::rowsInSight() const
 
 void TranscriptList::showRowsInSight()
 {
+    if (m_takingOver)
+        return; // scrolled by a list that has become shorter, before the new rows have found their views
     const auto [first, last] = rowsInSight();
     for (auto shown = m_shown.begin(); shown != m_shown.end();) {
         if (shown.key() >= first && shown.key() <= last) {
@@ -140,6 +144,7 @@ void TranscriptList::retire(RowView *view)
     // The keyboard stays in the list when the button that has it scrolls away.
     if (view->isAncestorOf(QApplication::focusWidget()))
         setFocus(Qt::OtherFocusReason);
+    Q_ASSERT(!m_pool.contains(view));
     view->hide();
     view->clearLook();
     m_pool.append(view);

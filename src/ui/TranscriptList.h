@@ -84,6 +84,7 @@ private:
     QString m_selectedKey;
     int m_left = -1; ///< where the selected row was when it left the list: the arrow keys go on from there
     bool m_showsFocus = false; ///< keys are in use here, and not only the mouse
+    bool m_takingOver = false; ///< a new content is there, and its rows have no views yet
     QString m_typed;
     QElapsedTimer m_lastTyped;
 };

@@ -202,6 +202,29 @@ TEST_F(List, ReloadKeepsTheScrollPlace)
     expectRowsInSight();
 }
 
+TEST_F(List, AListThatIsEmptiedWhileScrolledServesEachRowAnew)
+{
+    openWith(readyJobs(20));
+    bar()->setValue(bar()->maximum());
+    show({});
+    show(readyJobs(20));
+    expectRowsInSight();
+    bar()->setValue(Metrics::rowHeight / 2); // one row more is in sight
+    expectRowsInSight();
+}
+
+TEST_F(List, ARowThatStaysInAShorterListKeepsItsView)
+{
+    const QList<QJsonObject> jobs = readyJobs(20);
+    openWith(jobs);
+    bar()->setValue(bar()->maximum());
+    const RowView *last = row(u"job-19"_s);
+    ASSERT_NE(last, nullptr);
+    show(jobs.sliced(1));
+    EXPECT_EQ(row(u"job-19"_s), last);
+    expectRowsInSight();
+}
+
 TEST_F(List, ReloadKeepsTheMascotsOfRowsThatStay)
 {
     openWith({job(u"a"_s, u"A"_s, u"transcribing"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
