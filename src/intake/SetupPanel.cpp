@@ -60,6 +60,8 @@ void SetupPanel::chooseModel(const QString &engine)
 
 void SetupPanel::setModels(const QList<ModelRow> &models)
 {
+    if (models == m_models)
+        return; // a card keeps the keyboard, and the pointer that is about to choose it
     const auto *focused = qobject_cast<ModelCard *>(focusWidget());
     const QString focusedEngine = focused ? focused->engine() : QString();
     fillCards(models);

@@ -87,6 +87,7 @@ private:
     int availableHeight() const;
 
     QString m_engine;
+    QList<ModelRow> m_models; ///< that the cards show
     QString m_language;            ///< the accepted choice; the pop-up may show one that waits for confirmation
     bool m_confirming = false;
     QString m_length;              ///< as last given

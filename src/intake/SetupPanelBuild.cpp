@@ -137,6 +137,7 @@ QWidget *SetupPanel::buildHeader(Mascots &mascots)
 
 void SetupPanel::fillCards(const QList<ModelRow> &models)
 {
+    m_models = models;
     qDeleteAll(std::exchange(m_cards, {}));
     delete m_cardGround->layout();
     auto *grid = new QGridLayout(m_cardGround);

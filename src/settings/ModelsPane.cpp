@@ -160,9 +160,12 @@ void ModelsPane::setModels(const ModelLines &lines)
 
 void ModelsPane::setTextModels(const QStringList &names, const QString &current)
 {
-    m_textModels->clear();
-    for (const QString &name : names)
-        m_textModels->addItem(name, name);
+    if (names != m_textNames) { // else a menu that is open stays as it is
+        m_textNames = names;
+        m_textModels->clear();
+        for (const QString &name : names)
+            m_textModels->addItem(name, name);
+    }
     m_textModels->setCurrentIndex(current.isEmpty() ? -1 : m_textModels->findData(current));
     m_textModels->setEnabled(!names.isEmpty());
     m_textModels->updateGeometry();

@@ -43,6 +43,7 @@ private:
 
     QVBoxLayout *m_list = nullptr;  ///< the lines of speech models
     ModelLines m_lines;             ///< as they stand there
+    QStringList m_textNames; ///< that the menu of text models shows
     QList<QWidget *> m_below;       ///< what takes keys below those lines
     PopUpButton *m_textModels = nullptr;
     TextField *m_pull = nullptr;

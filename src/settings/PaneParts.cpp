@@ -54,7 +54,20 @@ PopUpButton *popup(const QString &key, const QList<Choice> &choices, const QStri
     return menu;
 }
 
-void setChoices(PopUpButton *menu, const QList<Choice> &choices, const QString &value)
+namespace {
+
+/// The items of a menu without its separators.
+QList<Choice> choicesIn(const PopUpButton *menu)
+{
+    QList<Choice> choices;
+    for (int item = 0; item < menu->count(); ++item) {
+        if (menu->itemData(item).isValid())
+            choices.append({menu->itemText(item), menu->itemData(item).toString()});
+    }
+    return choices;
+}
+
+void fill(PopUpButton *menu, const QList<Choice> &choices)
 {
     menu->clear();
     for (int item = 0; item < choices.size(); ++item) {
@@ -62,6 +75,14 @@ void setChoices(PopUpButton *menu, const QList<Choice> &choices, const QString &
             menu->insertSeparator(menu->count());
         menu->addItem(choices.at(item).title, choices.at(item).value);
     }
+}
+
+} // namespace
+
+void setChoices(PopUpButton *menu, const QList<Choice> &choices, const QString &value)
+{
+    if (choicesIn(menu) != choices)
+        fill(menu, choices); // a menu that is open stays as it is where nothing has changed
     const int selected = SelectedChoice(choices, value);
     menu->setCurrentIndex(selected < 0 ? -1 : menu->findData(choices.at(selected).value));
     menu->updateGeometry();

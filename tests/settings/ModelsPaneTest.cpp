@@ -3,8 +3,10 @@
 #include "settings/SettingsTest.h"
 
 #include "settings/ModelsPane.h"
+#include "ui/ModelCard.h"
 
 #include <QScreen>
+#include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 using namespace tuppi;
@@ -206,6 +208,24 @@ TEST_F(ModelsPaneTest, TheSameListAgainLeavesItsButtonsAlone)
     ASSERT_TRUE(remove);
     EXPECT_TRUE(remove->isVisible());
     EXPECT_TRUE(remove->hasFocus());
+}
+
+TEST_F(ModelsPaneTest, TheSameListAgainLeavesMenusAndCardsAlone)
+{
+    openModels();
+    m_app->addFiles({QUrl::fromLocalFile(m_engine.recording(u"a.m4a"_s))});
+    const QPointer<ModelCard> card = panel()->findChild<ModelCard *>();
+    ASSERT_TRUE(card);
+    const QSignalSpy speech(menu(u"engine"_s)->model(), &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy text(menu(u"textModel"_s)->model(), &QAbstractItemModel::rowsRemoved);
+    menu(u"textModel"_s)->setCurrentIndex(0);
+    m_app->refreshCustomModels();
+    settle();
+    settle();
+    EXPECT_TRUE(card);
+    EXPECT_TRUE(speech.isEmpty());
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(menu(u"textModel"_s)->currentText(), u"qwen3:8b"_s) << "a choice that did not hold is taken back";
 }
 
 TEST_F(ModelsPaneTest, AFailedRemovalIsReported)
