@@ -18,12 +18,21 @@ QString DebugLogPath()
 
 void DebugLog(const QString &format, const QVariantList &arguments)
 {
+    DebugLogLines({Fill(format, arguments)});
+}
+
+void DebugLogLines(const QStringList &messages)
+{
+    if (messages.isEmpty())
+        return;
     const QString date = QDateTime::currentDateTimeUtc().toString(u"yyyy-MM-dd HH:mm:ss '+0000'"_s);
-    const QString line = Fill(u"%@ %@\n"_s, {date, Fill(format, arguments)});
+    QByteArray lines;
+    for (const QString &message : messages)
+        lines += Fill(u"%@ %@\n"_s, {date, message}).toUtf8();
     QFile log(DebugLogPath());
     QDir().mkpath(QFileInfo(log).path());
-    if (log.open(QIODevice::WriteOnly | QIODevice::Append))
-        log.write(line.toUtf8());
+    if (log.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
+        log.write(lines);
 }
 
 } // namespace tuppi

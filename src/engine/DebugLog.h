@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 namespace tuppi {
@@ -9,7 +9,9 @@ namespace tuppi {
 QString DebugLogPath();
 
 /// Appends one line (UTC date to the second, a blank, the message) to the diagnostic log. `format` is
-/// filled with `arguments` as by Fill(). Synchronous; never reports a failure. Main thread only.
+/// filled with `arguments` as by Fill(). Synchronous; never reports a failure. On any thread: a call is one writing.
 void DebugLog(const QString &format, const QVariantList &arguments = {});
+/// The same for several messages, a line each.
+void DebugLogLines(const QStringList &messages);
 
 } // namespace tuppi

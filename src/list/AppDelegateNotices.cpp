@@ -2,6 +2,7 @@
 
 #include "engine/DebugLog.h"
 #include "platform/Notifier.h"
+#include "settings/Fill.h"
 #include "settings/L.h"
 
 namespace tuppi {
@@ -22,9 +23,10 @@ void AppDelegate::notifyTransitions(const HistoryPointer &history)
         return;
     m_notices.seen = history;
     using Announcement = Transition::Announcement;
+    QStringList changes; // a folder that comes back brings thousands
     for (const Transition &transition : FindTransitions(m_notices.memory, history->entries)) {
         if (transition.changed)
-            DebugLog(u"sound status %@: %@ -> %@"_s, {transition.id, transition.before, transition.status});
+            changes.append(Fill(u"sound status %@: %@ -> %@"_s, {transition.id, transition.before, transition.status}));
         if (transition.announcement == Announcement::Ready) {
             notify(L(u"Transcript ready"_s), transition.title, transition.id);
             meow();
@@ -32,6 +34,7 @@ void AppDelegate::notifyTransitions(const HistoryPointer &history)
             notify(L(u"Transcription failed"_s), transition.title, transition.id);
         }
     }
+    DebugLogLines(changes);
 }
 
 void AppDelegate::notify(const QString &title, const QString &body, const QString &callId)

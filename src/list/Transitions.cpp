@@ -91,7 +91,8 @@ QList<Transition> laterTransitions(TransitionMemory &memory, const JobList &entr
                                              memory.launchedAt)};
         if (!transition.changed && transition.announcement == Transition::Announcement::None)
             return;
-        transition.title = titleOf(entries, index);
+        if (transition.announcement != Transition::Announcement::None)
+            transition.title = titleOf(entries, index); // opens the job
         found.append(transition);
     });
     for (auto last = before.cbegin(); last != before.cend(); ++last) {

@@ -27,7 +27,7 @@ struct Transition
     enum class Announcement { None, Ready, Failed };
 
     QString id;
-    QString title;
+    QString title;          ///< of what is announced; empty otherwise
     QString before;         ///< its last status, "(new)" for a job that was not there
     QString status;
     bool changed = false;   ///< worth a line in the diagnostic log

@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 
@@ -40,6 +43,31 @@ TEST_F(DebugLogTest, LaterCallsAppend)
     ASSERT_EQ(lines().size(), 3);
     EXPECT_TRUE(lines().at(0).endsWith(u"+0000 first"_s));
     EXPECT_TRUE(lines().at(1).endsWith(u"+0000 second: 2"_s));
+}
+
+TEST_F(DebugLogTest, SeveralMessagesAreALineEach)
+{
+    DebugLogLines({u"first"_s, u"100%@"_s});
+    DebugLogLines({});
+    ASSERT_EQ(lines().size(), 3);
+    EXPECT_TRUE(lines().at(0).endsWith(u"+0000 first"_s));
+    EXPECT_TRUE(lines().at(1).endsWith(u"+0000 100%@"_s));
+}
+
+TEST_F(DebugLogTest, LinesOfSeveralThreadsStayWhole)
+{
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([number] {
+            for (int line = 0; line < 50; ++line)
+                DebugLog(u"%@"_s, {QString(200, QChar(u'a' + number))});
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    static const QRegularExpression shape(uR"(^\S+ \S+ \+0000 (a{200}|b{200}|c{200}|d{200})$)"_s);
+    EXPECT_EQ(lines().filter(shape).size(), 200);
+    EXPECT_EQ(lines().size(), 201);
 }
 
 TEST_F(DebugLogTest, ArgumentsAreNotFilledAgain)

@@ -43,6 +43,8 @@ Told tell(TransitionMemory &memory, const QByteArray &history)
         if (transition.announcement != Announcement::None) {
             told.announced.append(id + ' ' + nameOf(transition.announcement));
             told.titles.append(transition.title);
+        } else {
+            EXPECT_EQ(transition.title, QString()) << "asked for in vain";
         }
         if (transition.changed)
             told.logged.append(id + ": " + transition.before.toUtf8() + " -> " + transition.status.toUtf8());
