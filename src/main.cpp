@@ -5,6 +5,7 @@
 #include "platform/SingleInstance.h"
 #include "settings/Defaults.h"
 #include "settings/L.h"
+#include "settings/LibraryTexts.h"
 #include "terminal/Interrupts.h"
 #include "terminal/Options.h"
 #include "terminal/TerminalView.h"
@@ -12,6 +13,7 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTextStream>
@@ -108,6 +110,10 @@ int transcribe(Defaults &defaults, const Options &options)
 
     delegate.setEngineInstaller(EngineInstallerFor(QCoreApplication::applicationDirPath()));
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Terminal);
+    if (!defaults.setAside().isEmpty()) {
+        view.showNotice(L(u"Your settings could not be read"_s) + u": "_s
+                        + SettingsSetAsideDetail(defaults.setAside(), QDir::homePath()));
+    }
     if (!delegate.ownsStoredQueue())
         view.showNotice(L(u"Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only."_s));
     delegate.enqueue(options.files, choicesFor(options, defaults));

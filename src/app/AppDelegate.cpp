@@ -8,6 +8,7 @@
 
 #include "platform/ActivateWindow.h"
 #include "settings/L.h"
+#include "settings/LibraryTexts.h"
 #include "ui/MainWindow.h"
 
 #include <QDir>
@@ -44,9 +45,18 @@ void AppDelegate::applicationDidFinishLaunching(Face face)
         return;
     }
     buildWindow();
+    connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::tellSettingsSetAside);
     // What the desktop's services and the engine's programs need of the computer would hold up the first picture.
     connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::followDesktop);
     connect(m_ui.window.get(), &MainWindow::firstPainted, this, &AppDelegate::startWork);
+}
+
+void AppDelegate::tellSettingsSetAside()
+{
+    const QString aside = m_queue.defaults.setAside();
+    if (aside.isEmpty())
+        return;
+    Q_EMIT failureReported(L(u"Your settings could not be read"_s), SettingsSetAsideDetail(aside, QDir::homePath()));
 }
 
 void AppDelegate::startWork()

@@ -194,6 +194,7 @@ private:
         bool knownFromHistory = false;  ///< the known jobs are those of the history at hand
     };
 
+    void tellSettingsSetAside();
     void historyArrived(const HistoryReply &reply, PollContext context);
     void statusArrived(const std::optional<QJsonObject> &status, const HistoryPointer &history, PollContext context);
     void settleInterruptedStart(bool commandEnded);

@@ -25,6 +25,9 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// The last file set aside on this thread: the reader of a format knows of no store.
+thread_local QString lastAside;
+
 /// Moves a file that holds no JSON out of the way of the next write.
 void setAside(const QString &path)
 {
@@ -36,19 +39,23 @@ void setAside(const QString &path)
     DebugLog(moved ? u"settings %@ could not be read; set aside as %@, starting with defaults"_s
                    : u"settings %@ could not be read and could not be set aside as %@"_s,
              {path, aside});
+    if (moved)
+        lastAside = aside;
 }
 
 bool readJson(QIODevice &device, QSettings::SettingsMap &map)
 {
+    const auto *file = qobject_cast<QFileDevice *>(&device);
     const QByteArray bytes = device.readAll();
-    if (bytes.isEmpty())
+    const bool isWhole = !file || file->error() == QFileDevice::NoError;
+    if (isWhole && bytes.isEmpty())
         return true;
     const QJsonDocument document = QJsonDocument::fromJson(bytes);
-    if (document.isObject()) {
+    if (isWhole && document.isObject()) {
         map = document.object().toVariantMap();
         return true;
     }
-    if (const auto *file = qobject_cast<QFileDevice *>(&device))
+    if (file)
         setAside(file->fileName());
     return true;
 }
@@ -207,7 +214,9 @@ Defaults::Defaults(const QString &path)
     , m_writer(std::make_unique<Writer>(path))
 {
     QDir().mkpath(QFileInfo(path).path());
+    lastAside.clear();
     m_values = allValues(QSettings(path, jsonFormat()));
+    m_setAside = lastAside;
 }
 
 Defaults::~Defaults() = default;

@@ -28,7 +28,7 @@ const QList<DefaultKey> &DefaultsTable();
 /// store's own: a disk takes its time. The writings keep their order, and the end of the store waits for them all.
 ///
 /// A file that cannot be read as JSON is set aside under another name, never overwritten; the store then
-/// starts empty and the diagnostic log says so.
+/// starts empty, and the diagnostic log and setAside() say so.
 class Defaults
 {
 public:
@@ -41,6 +41,9 @@ public:
     static QString userPath();
 
     QString path() const;
+
+    /// What the file found at the start is called now that it could not be read; empty when it could.
+    QString setAside() const { return m_setAside; }
 
     bool contains(const QString &key) const;
     /// The stored value, else the key's default from the table, else nothing.
@@ -73,6 +76,7 @@ private:
     void adopt() const;
 
     QString m_path;
+    QString m_setAside;
     mutable QVariantMap m_values;
     QObject m_home; ///< where the writer calls back
     std::unique_ptr<Writer> m_writer;

@@ -1,5 +1,6 @@
 #include "settings/LibraryTexts.h"
 
+#include "settings/Fill.h"
 #include "settings/L.h"
 
 #include <cmath>
@@ -32,6 +33,12 @@ QString AbbreviatedPath(const QString &path, const QString &home)
         return path;
     const QString below = path.sliced(home.size());
     return below.isEmpty() || below.startsWith(u'/') ? u'~' + below : path;
+}
+
+QString SettingsSetAsideDetail(const QString &path, const QString &home)
+{
+    return Fill(L(u"Tuppi starts with the usual ones and an empty waiting list. The old file is kept as “%@”."_s),
+                {AbbreviatedPath(path, home)});
 }
 
 qint64 KilobytesInReport(const QByteArray &report)

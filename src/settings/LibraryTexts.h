@@ -9,6 +9,9 @@ namespace tuppi {
 /// A path with the home folder as "~".
 QString AbbreviatedPath(const QString &path, const QString &home);
 
+/// What became of a settings file that could not be read and was set aside under that path.
+QString SettingsSetAsideDetail(const QString &path, const QString &home);
+
 /// The kilobytes (of 1,024) that a report of `du -sk` begins with; 0 when it begins with no number.
 qint64 KilobytesInReport(const QByteArray &report);
 

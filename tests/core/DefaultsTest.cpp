@@ -183,6 +183,8 @@ TEST_P(GarbledDefaults, IsSetAsideWithItsBytesAndTheStoreStartsWithDefaults)
     EXPECT_EQ(defaults.text(u"engine"_s), u"auto"_s);
     EXPECT_FALSE(defaults.contains(u"engine"_s));
     ASSERT_EQ(asides().size(), 1);
+    EXPECT_EQ(defaults.setAside(), m_folder.filePath(u"config/"_s + asides().first()));
+    EXPECT_EQ(Defaults(store()).setAside(), QString()) << "told once";
     EXPECT_EQ(aside(asides().first()), GetParam());
     ASSERT_TRUE(defaults.setValue(u"engine"_s, u"whisper"_s));
     EXPECT_EQ(stored(), test::object(R"({"engine":"whisper"})"));

@@ -136,6 +136,13 @@ TEST(LibraryTexts, TheHomeFolderIsATilde)
     EXPECT_EQ(AbbreviatedPath(u"/srv/calls"_s, {}), u"/srv/calls"_s);
 }
 
+TEST(LibraryTexts, TheSettingsSetAsideAreNamed)
+{
+    EXPECT_EQ(SettingsSetAsideDetail(u"/home/ada/.config/t/settings.json.garbled-1"_s, u"/home/ada"_s),
+              u"Tuppi starts with the usual ones and an empty waiting list. The old file is kept as "
+              "“~/.config/t/settings.json.garbled-1”."_s);
+}
+
 TEST(LibraryTexts, ReportsBeginWithKilobytes)
 {
     EXPECT_EQ(KilobytesInReport("2048\t/calls\n"), 2048);

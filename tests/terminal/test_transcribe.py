@@ -216,7 +216,9 @@ class Outcomes(TranscribeTest):
     def test_garbled_settings_are_set_aside(self):
         self.engine.keep_book("ready")
         self.engine.write_settings("{ garbled")
-        self.assertEqual(self.run_to_end(self.one).status, 0)
+        run = self.run_to_end(self.one)
+        self.assertEqual(run.status, 0)
+        self.assertIn("Your settings could not be read: Tuppi starts with the usual ones", run.err)
         folder = os.path.dirname(self.engine.settings_path)
         asides = [name for name in os.listdir(folder) if ".garbled-" in name]
         self.assertEqual(len(asides), 1)

@@ -2,6 +2,7 @@
 
 #include "window/WindowTest.h"
 
+#include "ui/Sheet.h"
 #include "ui/Stage.h"
 
 #include <QApplication>
@@ -45,6 +46,24 @@ TEST_F(WindowState, SizesOfAFirstStart)
     EXPECT_EQ(placeOf(u"drop"_s).bottom() + 1 + 8, footer.y());
     EXPECT_EQ(placeOf(u"drop"_s).width(), window()->width());
     EXPECT_EQ(placeOf(u"folderButton"_s).right() + 1 + 8, footer.right() + 1);
+}
+
+TEST_F(WindowState, SettingsThatCouldNotBeReadAreToldOnce)
+{
+    QDir().mkpath(QFileInfo(settingsPath()).path());
+    test::writeFile(settingsPath(), "{ garbled");
+    openWindow();
+    ASSERT_TRUE(waitFor([this] { return sheet() != nullptr; }));
+    EXPECT_EQ(sheet()->text().message, u"Your settings could not be read"_s);
+    EXPECT_TRUE(sheet()->text().detail.contains(u"“~/.config/tuppi-transcriber/settings.json.garbled-"_s))
+        << sheet()->text().detail.toStdString();
+    sheet()->answer(0);
+    ASSERT_TRUE(sheetCloses());
+    window()->close();
+    destroy();
+    openWindow();
+    settle();
+    EXPECT_EQ(sheet(), nullptr);
 }
 
 TEST_F(WindowState, FrameIsRememberedBetweenTwoWindows)
