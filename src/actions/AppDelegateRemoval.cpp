@@ -123,16 +123,12 @@ void AppDelegate::trashEnded(const QList<DoomedFolder> &folders, const QList<Tra
         text.detail = lines.join(u'\n');
         Sheet::open(m_ui.window.get(), text);
     }
-    m_jobs.polling = false;
-    poll();
+    pollAnew();
 }
 
 void AppDelegate::showHidden()
 {
-    RunCallTimeout(command::unhideAll(), this, [this](const EngineReply &) {
-        m_jobs.polling = false;
-        poll();
-    }, 0);
+    RunCallTimeout(command::unhideAll(), this, [this](const EngineReply &) { pollAnew(); }, 0);
 }
 
 } // namespace tuppi

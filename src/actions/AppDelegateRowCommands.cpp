@@ -28,9 +28,7 @@ void AppDelegate::runOnJob(const QStringList &arguments, const QString &title, s
                        if (reply.status == 0 && succeeded)
                            succeeded();
                        reportFailure(reply.status, reply.err, title);
-                       // A poll already on its way may have read the state before the change.
-                       m_jobs.polling = false;
-                       poll();
+                       pollAnew();
                    },
                    0);
 }

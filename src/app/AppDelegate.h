@@ -57,6 +57,8 @@ public:
     void askEngine();
     void tick();
     void poll();
+    /// The same after a command of ours: a poll already on its way may have read the state before the change.
+    void pollAnew();
     void watchEngineState();
 
     // Waiting queue and scheduler
@@ -187,19 +189,11 @@ private:
         bool interruptedStartEnded = false;
     };
 
-    /// What is stored of a start that is in flight.
-    struct StartInFlight
-    {
-        StartRecord record;
-        bool knownFromHistory = false;  ///< the known jobs are those of the history at hand
-    };
-
     void tellSettingsSetAside();
     void historyArrived(const HistoryReply &reply, PollContext context);
     void statusArrived(const std::optional<QJsonObject> &status, const HistoryPointer &history, PollContext context);
     void settleInterruptedStart(bool commandEnded);
     void startAnswered(const EngineReply &reply);
-    std::optional<StartInFlight> startInFlight() const;
     void runOnJob(const QStringList &arguments, const QString &title, std::function<void()> succeeded = {});
     void confirmTrash(const JobList &rows);
     void saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window);

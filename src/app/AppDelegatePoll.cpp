@@ -30,6 +30,12 @@ void AppDelegate::poll()
         [this, context](const HistoryReply &reply) { historyArrived(reply, context); });
 }
 
+void AppDelegate::pollAnew()
+{
+    m_jobs.polling = false;
+    poll();
+}
+
 void AppDelegate::historyArrived(const HistoryReply &reply, PollContext context)
 {
     // A command has asked anew meanwhile: what the engine said before it must not undo what it says now.

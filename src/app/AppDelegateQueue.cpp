@@ -64,13 +64,16 @@ void AppDelegate::saveWaiting()
 {
     if (!m_queue.owned)
         return;
-    const auto values = [waiting = m_jobs.waiting, start = startInFlight(), history = m_jobs.history]() -> QVariantMap {
-        QVariant stored;
-        if (start) {
-            const bool known = start->knownFromHistory;
-            stored = StoredStart({start->record.entry, known ? std::optional(JobIds(*history)) : start->record.knownJobs});
-        }
-        return {{u"waitingQueue"_s, StoredQueue(waiting)}, {u"startInFlight"_s, stored}};
+    std::function<QVariant()> start = [] { return QVariant(); };
+    if (m_jobs.interruptedStart) {
+        start = [record = *m_jobs.interruptedStart] { return StoredStart(record); };
+    } else if (m_jobs.starting) {
+        start = [entry = m_jobs.startingEntry, before = m_jobs.beforeStart] {
+            return StoredStart({entry, before ? std::optional(JobIds(*before)) : std::nullopt});
+        };
+    }
+    const auto values = [waiting = m_jobs.waiting, start]() -> QVariantMap {
+        return {{u"waitingQueue"_s, StoredQueue(waiting)}, {u"startInFlight"_s, start()}};
     };
     m_queue.stored = m_queue.defaults.write(values, this, [this](bool stored) {
         if (stored)
@@ -78,15 +81,6 @@ void AppDelegate::saveWaiting()
         DebugLog(u"the waiting queue could not be written to %@"_s, {m_queue.defaults.path()});
         flash(L(u"The waiting list could not be saved. It is kept until the app quits."_s));
     });
-}
-
-std::optional<AppDelegate::StartInFlight> AppDelegate::startInFlight() const
-{
-    if (m_jobs.interruptedStart)
-        return StartInFlight{*m_jobs.interruptedStart, false};
-    if (!m_jobs.starting)
-        return std::nullopt;
-    return StartInFlight{{m_jobs.startingEntry, std::nullopt}, m_jobs.loaded};
 }
 
 void AppDelegate::settleInterruptedStart(bool commandEnded)
@@ -118,6 +112,7 @@ void AppDelegate::startNextIfIdle()
         return;
     m_jobs.startingEntry = m_jobs.waiting.takeFirst();
     m_jobs.starting = true;
+    m_jobs.beforeStart = m_jobs.loaded ? m_jobs.history : nullptr;
     if (m_queue.owned)
         m_queue.startLock.tryLock(); // a command of an earlier run may have held it until now
     saveWaiting();
@@ -136,13 +131,13 @@ void AppDelegate::startAnswered(const EngineReply &reply)
 {
     const QString path = WaitingPath(m_jobs.startingEntry);
     m_jobs.starting = false;
+    m_jobs.beforeStart.reset();
     ++m_jobs.startGeneration;
     saveWaiting();
     Q_EMIT startFinished(path, reply.status == 0);
     refresh();
     reportFailure(reply.status, reply.err, Fill(L(u"Could not start “%@”"_s), {QFileInfo(path).fileName()}));
-    m_jobs.polling = false;
-    poll();
+    pollAnew();
 }
 
 bool AppDelegate::somethingActive() const

@@ -1,12 +1,29 @@
 #include "app/StartRecord.h"
 
-#include <QSet>
+#include "engine/Stages.h"
 
-#include <algorithm>
+#include <QSet>
 
 namespace tuppi {
 
+namespace {
+
 using namespace Qt::StringLiterals;
+
+/// A job that is not known and may be that file's: one under way still has the file's title, so that another title tells
+/// the job of somebody else's start.
+bool hasJobBeyond(const QStringList &knownJobs, const QString &title, const JobList &jobs)
+{
+    const QSet<QString> known(knownJobs.begin(), knownJobs.end());
+    for (qsizetype index = 0; index < jobs.size(); ++index) {
+        const bool isOurs = !IsActiveStage(jobs.statusAt(index)) || jobs.titleAt(index) == title;
+        if (isOurs && !known.contains(jobs.idAt(index)))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
 
 QVariantMap StoredStart(const StartRecord &record)
 {
@@ -39,12 +56,8 @@ QStringList JobIds(const History &history)
 StartFate FateOfStart(const StartRecord &record, const History &history, bool commandEnded)
 {
     // Without a list to compare with, a file transcribed twice is the smaller harm.
-    if (record.knownJobs) {
-        const QSet<QString> known(record.knownJobs->begin(), record.knownJobs->end());
-        const QStringList ids = JobIds(history);
-        if (std::any_of(ids.begin(), ids.end(), [&](const QString &id) { return !known.contains(id); }))
-            return StartFate::Taken;
-    }
+    if (record.knownJobs && hasJobBeyond(*record.knownJobs, TitleOfFile(WaitingPath(record.entry)), history.entries))
+        return StartFate::Taken;
     return commandEnded ? StartFate::NotTaken : StartFate::Unknown;
 }
 

@@ -22,6 +22,9 @@ struct StartChoices
 
 /// Full path of an entry's file, empty when it has none.
 QString WaitingPath(const WaitingEntry &entry);
+/// Its name without the extension; a name that is an extension alone stands whole. The engine gives it to the file's job
+/// until the end of the work.
+QString TitleOfFile(const QString &path);
 
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);

@@ -69,7 +69,7 @@ void AppDelegate::useLibrary(const QString &folder)
             Sheet::open(settingsSheetWindow(), text);
         }
         refreshLibrary();
-        poll();
+        pollAnew();
     }, 0);
 }
 

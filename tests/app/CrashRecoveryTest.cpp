@@ -39,7 +39,7 @@ protected:
     }
     void listJob(int number, const QString &status = u"ready"_s)
     {
-        m_engine.setJob(number, {{u"id"_s, u"job-%1"_s.arg(number)}, {u"status"_s, status}});
+        m_engine.setJob(number, {{u"id"_s, u"job-%1"_s.arg(number)}, {u"title"_s, u"a"_s}, {u"status"_s, status}});
     }
 
     QString startLockPath() const { return settingsPath() + u".start.lock"_s; }
@@ -102,6 +102,17 @@ TEST_F(CrashRecovery, FileWithAJobIsNotStartedAgain)
     EXPECT_FALSE(jobs().interruptedStart);
     EXPECT_FALSE(settings().contains(u"startInFlight"_s));
     EXPECT_TRUE(storedPaths().isEmpty());
+}
+
+TEST_F(CrashRecovery, AJobUnderWayOfAnotherFileIsNotTheInterruptedOnes)
+{
+    leaveCrash();
+    listJob(1);
+    m_engine.setJob(2, {{u"id"_s, u"job-2"_s}, {u"title"_s, u"another"_s}, {u"status"_s, u"transcribing"_s}});
+    prepare();
+    poll();
+    EXPECT_EQ(waitingPaths(), (QStringList{m_a, m_b}));
+    EXPECT_FALSE(jobs().interruptedStart);
 }
 
 TEST_F(CrashRecovery, RecordStaysInTheStoreUntilItsFateIsKnown)

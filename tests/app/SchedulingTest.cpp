@@ -109,6 +109,40 @@ TEST_F(Scheduling, ShortenedQueueAndTheFileInFlightAreStoredWhenTheCommandRuns)
                                                                          {u"knownJobs"_s, QJsonArray{u"old"_s, u"hidden"_s}}}));
 }
 
+TEST_F(Scheduling, TheStartsOwnJobIsNeverAmongTheKnownOnes)
+{
+    const QByteArray old = R"({"id":"old","status":"ready"})";
+    m_engine.answerHistory('[' + old + ']');
+    m_engine.answer(u"process"_s, Answer().heldAt("process"));
+    prepare();
+    poll();
+    m_app->enqueue({m_a}, m_choices);
+    ASSERT_TRUE(processCalls(1));
+    m_engine.answerHistory(R"([{"id":"new","status":"queued"},)" + old + ']');
+    poll();
+    ASSERT_EQ(jobs().history->entries.size(), 2);
+    m_app->enqueue({m_b}, m_choices);
+    EXPECT_EQ(settings().value(u"startInFlight"_s)[u"knownJobs"_s].toArray(), QJsonArray{u"old"_s});
+    m_engine.openGate("process");
+}
+
+TEST_F(Scheduling, AHistoryThatArrivesDuringAStartTellsNothingOfBefore)
+{
+    m_engine.answerHistory("garbage");
+    m_engine.answer(u"process"_s, Answer().heldAt("process"));
+    prepare();
+    poll();
+    m_app->enqueue({m_a}, m_choices);
+    ASSERT_TRUE(processCalls(1));
+    m_engine.answerHistory(R"([{"id":"new","status":"queued"}])");
+    poll();
+    ASSERT_TRUE(jobs().loaded);
+    m_app->enqueue({m_b}, m_choices);
+    EXPECT_EQ(storedStart(), m_a);
+    EXPECT_FALSE(settings().value(u"startInFlight"_s).toObject().contains(u"knownJobs"_s));
+    m_engine.openGate("process");
+}
+
 TEST_F(Scheduling, FileInFlightIsForgottenOnceTheEngineHasAnswered)
 {
     m_engine.keepBook("queued");

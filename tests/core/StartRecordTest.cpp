@@ -107,4 +107,33 @@ const FateCase fateCases[]{
 
 INSTANTIATE_TEST_SUITE_P(StartRecord, FateTable, testing::ValuesIn(fateCases), test::caseName);
 
+struct OwnerCase
+{
+    const char *name;
+    const char *jobs;
+    StartFate expected;
+};
+
+class OwnerTable : public testing::TestWithParam<OwnerCase>
+{
+};
+
+TEST_P(OwnerTable, Fate)
+{
+    const StartRecord record{entryOf(u"/talks/x.m4a"_s), QStringList{u"a"_s}};
+    const History history = ArrangeHistory(test::array(GetParam().jobs));
+    EXPECT_EQ(FateOfStart(record, history, true), GetParam().expected);
+}
+
+const OwnerCase ownerCases[]{
+    {"UnderWayWithTheFilesTitle", R"([{"id":"b","title":"x","status":"queued"}])", StartFate::Taken},
+    {"UnderWayWithAnotherTitle", R"([{"id":"b","title":"y","status":"transcribing"}])", StartFate::NotTaken},
+    {"BothUnderWay",
+     R"([{"id":"c","title":"y","status":"transcribing"},{"id":"b","title":"x","status":"queued"}])", StartFate::Taken},
+    {"EndedWithATitleOfItsOwn", R"([{"id":"b","title":"The budget","status":"ready"}])", StartFate::Taken},
+    {"KnownWithTheFilesTitle", R"([{"id":"a","title":"x","status":"queued"}])", StartFate::NotTaken},
+};
+
+INSTANTIATE_TEST_SUITE_P(StartRecord, OwnerTable, testing::ValuesIn(ownerCases), test::caseName);
+
 } // namespace

@@ -353,6 +353,31 @@ TEST_F(Panes, AnotherFolderIsHandedToTheEngine)
     EXPECT_EQ(settingsSheet(), nullptr);
 }
 
+TEST_F(Panes, AnOlderPollDoesNotBringTheOldFolderBack)
+{
+    m_engine.answerStatus(R"({"library":"/old"})");
+    openTab(test::Storage);
+    ASSERT_TRUE(pollEnds());
+    click(button(u"changeLibrary"_s));
+    auto *dialog = settingsWindow()->findChild<QFileDialog *>(u"chooseFolder"_s);
+    ASSERT_NE(dialog, nullptr);
+    const int asked = m_engine.count(u"status"_s);
+    m_engine.answerCall(u"status"_s, asked + 1, Answer{R"({"library":"/old"})"}.heldAt("older"));
+    m_app->poll();
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"status"_s) == asked + 1; }));
+    m_engine.answer(u"settings"_s, {R"({"library":"/new"})"});
+    m_engine.answerStatus(R"({"library":"/new"})");
+    dialog->selectFile(m_engine.home());
+    QMetaObject::invokeMethod(dialog, "accept");
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"status"_s) == asked + 2; }));
+    ASSERT_TRUE(waitFor([&] { return jobs().library == u"/new"_s; }));
+    m_engine.openGate("older");
+    settle();
+    ASSERT_TRUE(pollEnds());
+    settle();
+    EXPECT_EQ(jobs().library, u"/new"_s);
+}
+
 TEST_F(Panes, ARefusedFolderIsReportedAsItStands)
 {
     openTab(test::Storage);

@@ -109,6 +109,7 @@ TEST_F(BadInput, FiveThousandFilesAtOnce)
     EXPECT_TRUE(drag.enter(dropArea()));
     EXPECT_TRUE(drag.drop(dropArea()));
     ASSERT_NE(panel(), nullptr);
+    ASSERT_TRUE(waitFor([&] { return !panelFiles().isEmpty(); }));
     EXPECT_EQ(panelFiles(), (QStringList{u"part 0.m4a"_s, u"part 1.m4a"_s, u"part 2.m4a"_s, u"part 3.m4a"_s,
                                          u"part 4.m4a"_s, u"and 4995 more"_s}));
     EXPECT_EQ(startButton()->title(), u"Start Transcription (5000 files)"_s);
