@@ -2,6 +2,8 @@
 
 #include <QProcess>
 
+#include <utility>
+
 #include <sys/resource.h>
 
 namespace tuppi {
@@ -16,31 +18,37 @@ FolderSize::FolderSize(const QString &program, QObject *parent)
 
 FolderSize::~FolderSize()
 {
-    if (!m_process)
-        return;
-    // A process that is stuck in a dead file system does not end when it is killed, and QProcess would wait for it.
-    m_process->disconnect(this);
-    connect(m_process, &QProcess::finished, m_process, &QObject::deleteLater);
-    m_process->kill();
+    if (m_process)
+        drop();
 }
 
 void FolderSize::measure(const QString &path)
 {
+    if (m_process && path == m_path)
+        return;
+    if (m_process)
+        drop();
     m_path = path;
-    if (!m_process) {
-        start();
-    } else if (m_running != path) {
-        m_process->kill();
-        m_running.clear(); // whatever it says now is about no folder
-    }
+    start();
+}
+
+void FolderSize::drop()
+{
+    QProcess *dropped = std::exchange(m_process, nullptr);
+    dropped->disconnect(this);
+    connect(dropped, &QProcess::finished, dropped, &QObject::deleteLater);
+    connect(dropped, &QProcess::errorOccurred, dropped, [dropped](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            dropped->deleteLater();
+    });
+    dropped->kill();
 }
 
 void FolderSize::start()
 {
-    m_running = m_path;
     m_process = new QProcess;
     m_process->setProgram(m_program);
-    m_process->setArguments({u"-sk"_s, m_running});
+    m_process->setArguments({u"-sk"_s, m_path});
     m_process->setStandardInputFile(QProcess::nullDevice());
     m_process->setStandardErrorFile(QProcess::nullDevice());
     connect(m_process, &QProcess::started, this, [this] {
@@ -59,12 +67,8 @@ void FolderSize::start()
 void FolderSize::ended()
 {
     const QByteArray report = m_process->readAllStandardOutput();
-    m_process->deleteLater();
-    m_process = nullptr;
-    if (m_running != m_path)
-        start();
-    else
-        Q_EMIT measured(m_running, report);
+    std::exchange(m_process, nullptr)->deleteLater();
+    Q_EMIT measured(m_path, report);
 }
 
 } // namespace tuppi

@@ -9,9 +9,9 @@ QT_END_NAMESPACE
 
 namespace tuppi {
 
-/// Finds out how much room a folder takes, with `du`, which may take minutes and may never end. One runs at a
-/// time: asked for another folder it drops the first, asked for the same one again it goes on. None outlives
-/// the object, and the object never waits for one.
+/// Finds out how much room a folder takes, with `du`, which may take minutes and may never end. The last one asked for
+/// counts: asked for another folder it drops the first, asked for the same one again it goes on. None is left running,
+/// and none is waited for: one that is stuck in a dead file system does not end when it is killed.
 class FolderSize : public QObject
 {
     Q_OBJECT
@@ -27,12 +27,12 @@ Q_SIGNALS:
 
 private:
     void start();
+    void drop();
     void ended();
 
     QString m_program;
-    QString m_path;     ///< asked for last
-    QString m_running;  ///< being measured; empty once that one is to stop
-    QProcess *m_process = nullptr;
+    QString m_path; ///< asked for last
+    QProcess *m_process = nullptr; ///< measures it; null once it has ended
 };
 
 } // namespace tuppi

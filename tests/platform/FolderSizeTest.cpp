@@ -1,11 +1,14 @@
 #include "platform/FolderSize.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace Qt::StringLiterals;
@@ -70,8 +73,23 @@ private Q_SLOTS:
         QCOMPARE(measured.size(), 1);
         QCOMPARE(measured.first().at(0).toString(), u"/quick"_s);
         QCOMPARE(measured.first().at(1).toByteArray(), QByteArray("5\n"));
-        QCOMPARE(started().size(), 2); // neither the same path again nor one that was overtaken
-        QTRY_VERIFY_WITH_TIMEOUT(!isRunning(started().first()), limit);
+        const QList<pid_t> pids = started(); // one that is overtaken at once may not have come to note its id
+        QTRY_VERIFY_WITH_TIMEOUT(std::none_of(pids.begin(), pids.end(), isRunning), limit);
+        QVERIFY(pids.size() == 2 || pids.size() == 3);
+    }
+
+    void theNextOneDoesNotWaitForTheEndOfOneThatIsStuck()
+    {
+        FolderSize size(program("exec tail -f /dev/null"));
+        size.measure(u"/dead"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(started().size(), 1, limit);
+        size.measure(u"/alive"_s);
+        // Nobody has been told yet that the first has ended: for the object it is stuck.
+        QElapsedTimer since;
+        since.start();
+        while (started().size() < 2 && since.elapsed() < limit)
+            QThread::yieldCurrentThread();
+        QCOMPARE(started().size(), 2);
     }
 
     void whatAStoppedOneSaysIsNotTakenForItsFolder()
