@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QStorageInfo>
 #include <QTemporaryFile>
@@ -78,17 +79,20 @@ bool mayBeMoved(const QFileInfo &item)
 void encodeOrigin(const QString &pathInTrash, const QString &origin)
 {
     const QFileInfo item(pathInTrash);
-    QFile info(QFileInfo(item.path()).path() + u"/info/"_s + item.fileName() + u".trashinfo"_s);
-    if (!info.open(QIODevice::ReadWrite))
+    const QString note = QFileInfo(item.path()).path() + u"/info/"_s + item.fileName() + u".trashinfo"_s;
+    QFile noted(note);
+    if (!noted.open(QIODevice::ReadOnly))
         return;
-    const QString text = QString::fromUtf8(info.readAll());
+    const QString text = QString::fromUtf8(noted.readAll());
     const QString path = text.section(u"\nPath="_s, 1).section(u'\n', 0, 0);
     const QByteArray encoded = QUrl::toPercentEncoding(path, "/");
     if (path.isEmpty() || !origin.endsWith(path) || encoded == path.toUtf8())
         return;
-    info.seek(0);
-    info.resize(0);
+    QSaveFile info(note); // the old note stays whole where no new one can be written
+    if (!info.open(QIODevice::WriteOnly))
+        return;
     info.write(QString(text).replace(u"\nPath="_s + path, u"\nPath="_s + QString::fromLatin1(encoded)).toUtf8());
+    info.commit();
 }
 
 } // namespace
