@@ -212,7 +212,8 @@ private:
     void modelsError(const QString &title, const QString &err);
     void downloadModel(const QString &name, const QString &kind, const QString &repo);
     void forgetModel(const QJsonObject &record);
-    void openUrl(const QUrl &url);
+    /// Shows a page of the web in the person's browser.
+    void openPage(const QUrl &page);
     void followDesktop();
     MediaLengths &mediaLengths();
     SoundPlayer &soundPlayer();

@@ -1,13 +1,17 @@
 #include "platform/OpenPath.h"
 
 #include <QDesktopServices>
-#include <QUrl>
 
 namespace tuppi {
 
 bool OpenPath(const QString &path)
 {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    return OpenUrl(QUrl::fromLocalFile(path));
+}
+
+bool OpenUrl(const QUrl &url)
+{
+    return QDesktopServices::openUrl(url);
 }
 
 } // namespace tuppi

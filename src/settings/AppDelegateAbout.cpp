@@ -1,13 +1,16 @@
 #include "app/AppDelegate.h"
 
+#include "platform/OpenPath.h"
 #include "settings/AboutWindow.h"
 #include "settings/Acknowledgements.h"
 #include "settings/AcknowledgementsWindow.h"
+#include "settings/L.h"
 
-#include <QApplication>
-#include <QDesktopServices>
+#include <QCoreApplication>
 
 namespace tuppi {
+
+using namespace Qt::StringLiterals;
 
 void AppDelegate::showAbout()
 {
@@ -22,17 +25,16 @@ void AppDelegate::showAcknowledgements()
 {
     if (!m_settings.acknowledgements) {
         m_settings.acknowledgements = std::make_unique<AcknowledgementsWindow>(Acknowledgements());
-        connect(m_settings.acknowledgements.get(), &AcknowledgementsWindow::linkChosen, this, &AppDelegate::openUrl);
+        connect(m_settings.acknowledgements.get(), &AcknowledgementsWindow::linkChosen, this, &AppDelegate::openPage);
         connect(m_settings.acknowledgements.get(), &AcknowledgementsWindow::command, this, &AppDelegate::perform);
     }
     m_settings.acknowledgements->bringForward();
 }
 
-/// Shows a page, a file or a folder in the program that the person has for it.
-void AppDelegate::openUrl(const QUrl &url)
+void AppDelegate::openPage(const QUrl &page)
 {
-    if (!QDesktopServices::openUrl(url))
-        QApplication::beep();
+    if (!OpenUrl(page))
+        flash(L(u"There is no program to open it with."_s));
 }
 
 } // namespace tuppi
