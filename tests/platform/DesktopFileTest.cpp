@@ -1,5 +1,6 @@
 #include "intake/AcceptedFiles.h"
 #include "platform/ApplicationId.h"
+#include "settings/L.h"
 
 #include <QDir>
 #include <QFile>
@@ -66,6 +67,18 @@ private Q_SLOTS:
         // Without it a launcher gives no token, and the window does not come forward.
         QCOMPARE(m_entries.value(u"StartupNotify"_s), u"true"_s);
         QCOMPARE(m_entries.value(u"Terminal"_s), u"false"_s);
+    }
+
+    void isFoundInEveryLanguageOfTheInterface()
+    {
+        for (const QString &code : InterfaceLanguageCodes()) {
+            const QString language = code == u"zh-Hans"_s ? u"zh_CN"_s : code;
+            for (const QString &key : {u"GenericName"_s, u"Comment"_s, u"Keywords"_s}) {
+                const QString text = m_entries.value(code == u"en"_s ? key : u"%1[%2]"_s.arg(key, language));
+                QVERIFY2(!text.isEmpty(), qPrintable(key + u' ' + code));
+                QCOMPARE(text.endsWith(u';'), key == u"Keywords"_s);
+            }
+        }
     }
 
     void opensEveryAcceptedKind_data()
