@@ -1,6 +1,7 @@
 #include "ui/Appearance.h"
 
 #include "ui/Colours.h"
+#include "ui/LightPalette.h"
 #include "ui/Pictures.h"
 
 #include <QApplication>
@@ -77,20 +78,8 @@ public:
 void applyAppearance(QApplication &application)
 {
     application.setStyle(new LookStyle);
-    QPalette palette(Colours::white, Colours::window);
-    palette.setColor(QPalette::WindowText, Colours::navy);
-    palette.setColor(QPalette::Text, Colours::navy);
-    palette.setColor(QPalette::ButtonText, Colours::navy);
-    palette.setColor(QPalette::Base, Colours::white);
-    palette.setColor(QPalette::AlternateBase, Colours::paleCard);
-    palette.setColor(QPalette::Button, Colours::white);
-    palette.setColor(QPalette::Highlight, Colours::accentBlue);
-    palette.setColor(QPalette::HighlightedText, Colours::white);
-    palette.setColor(QPalette::ToolTipBase, Colours::white);
-    palette.setColor(QPalette::ToolTipText, Colours::navy);
-    palette.setColor(QPalette::PlaceholderText, Colours::slate);
-    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, Colours::pillBorder);
+    QPalette palette = LightPalette();
+    palette.setColor(QPalette::Window, Colours::window);
     application.setPalette(palette);
 }
 

@@ -4,8 +4,7 @@
 
 namespace tuppi {
 
-/// The palette of a window with a white ground: what the desktop's style draws itself stays readable on it, also
-/// where the desktop is dark.
+/// The one palette of the program, light whatever the desktop's is, for a window with a white ground.
 QPalette LightPalette();
 
 } // namespace tuppi
