@@ -44,50 +44,30 @@ void DropView::setShowsCard(bool shows)
     update();
 }
 
-void DropView::enterDrag(QDropEvent *event)
+void DropView::dragEnterEvent(QDragEnterEvent *event)
 {
     setHighlighted(!offered(*event).isEmpty());
     answer(event, m_highlighted);
 }
 
-void DropView::moveDrag(QDropEvent *event)
+void DropView::dragMoveEvent(QDragMoveEvent *event)
 {
     // What a drag carries does not change on its way.
     answer(event, m_highlighted);
 }
 
-void DropView::leaveDrag()
+void DropView::dragLeaveEvent(QDragLeaveEvent *)
 {
     setHighlighted(false);
 }
 
-void DropView::performDrop(QDropEvent *event)
+void DropView::dropEvent(QDropEvent *event)
 {
     setHighlighted(false);
     const QList<QUrl> files = offered(*event);
     answer(event, !files.isEmpty());
     if (!files.isEmpty())
         Q_EMIT filesDropped(files);
-}
-
-void DropView::dragEnterEvent(QDragEnterEvent *event)
-{
-    enterDrag(event);
-}
-
-void DropView::dragMoveEvent(QDragMoveEvent *event)
-{
-    moveDrag(event);
-}
-
-void DropView::dragLeaveEvent(QDragLeaveEvent *)
-{
-    leaveDrag();
-}
-
-void DropView::dropEvent(QDropEvent *event)
-{
-    performDrop(event);
 }
 
 void DropView::setHighlighted(bool highlighted)

@@ -4,10 +4,6 @@
 #include <QUrl>
 #include <QWidget>
 
-QT_BEGIN_NAMESPACE
-class QDropEvent;
-QT_END_NAMESPACE
-
 namespace tuppi {
 
 /// An area that takes recordings dropped on it. It lights up while a drag that carries at least one is over
@@ -21,13 +17,6 @@ public:
     bool isHighlighted() const { return m_highlighted; }
     bool showsCard() const { return m_showsCard; }
     void setShowsCard(bool shows);
-
-    /// The three steps of a drag, for a widget on top that hands its own on. Each answers through the event:
-    /// accepted as a copy, or refused.
-    void enterDrag(QDropEvent *event);
-    void moveDrag(QDropEvent *event);
-    void leaveDrag();
-    void performDrop(QDropEvent *event);
 
 Q_SIGNALS:
     void filesDropped(const QList<QUrl> &files);

@@ -31,14 +31,6 @@ MascotView::MascotView(Mascots &mascots, const QString &pose, int width, bool an
     });
 }
 
-void MascotView::setPose(const QString &pose)
-{
-    if (m_pose == pose)
-        return;
-    m_pose = pose;
-    update();
-}
-
 void MascotView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);

@@ -154,9 +154,8 @@ void Mascots::step(const QString &name)
     Pose &pose = poseFor(name);
     bool seen = false;
     for (QWidget *widget : pose.views.look()) {
-        // A view that has changed its pose since belongs to another movie.
         auto *view = static_cast<MascotView *>(widget);
-        if (view->isAnimated() && view->pose() == name) {
+        if (view->isAnimated()) {
             seen = true;
             view->update();
         }

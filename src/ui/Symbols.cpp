@@ -1,10 +1,7 @@
 #include "ui/Symbols.h"
 
-#include "ui/Colours.h"
-#include "ui/Metrics.h"
 #include "ui/Pictures.h"
 
-#include <QIconEngine>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QPixmapCache>
@@ -53,51 +50,6 @@ QPixmap cached(const QString &name, const QColor &colour, int pixels)
     return pixmap;
 }
 
-class SymbolEngine : public QIconEngine
-{
-public:
-    SymbolEngine(const QString &name, const QColor &colour, QSize size)
-        : m_name(name)
-        , m_colour(colour)
-        , m_size(size)
-    {
-    }
-
-    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
-    {
-        const double ratio = painter->device()->devicePixelRatioF();
-        const QPixmap picture = scaledPixmap(rect.size() * ratio, mode, state, ratio);
-        if (!picture.isNull())
-            painter->drawPixmap(rect, picture);
-    }
-
-    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
-    {
-        return scaledPixmap(size, mode, state, 1);
-    }
-
-    /// The size is in device pixels here.
-    QPixmap scaledPixmap(const QSize &size, QIcon::Mode mode, QIcon::State, qreal) override
-    {
-        const double opacity = mode == QIcon::Disabled ? Metrics::disabledOpacity : 1;
-        return cached(m_name, Colours::withOpacity(m_colour, opacity), qMin(size.width(), size.height()));
-    }
-
-    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override { return {m_size}; }
-    QSize actualSize(const QSize &size, QIcon::Mode, QIcon::State) override
-    {
-        const int side = qMin(size.width(), size.height());
-        return {side, side};
-    }
-    QString key() const override { return u"tuppi-symbol"_s; }
-    QIconEngine *clone() const override { return new SymbolEngine(*this); }
-
-private:
-    QString m_name;
-    QColor m_colour;
-    QSize m_size;
-};
-
 } // namespace
 
 QPixmap SymbolPixmap(const QString &name, const QColor &colour, double size, double devicePixelRatio)
@@ -106,15 +58,6 @@ QPixmap SymbolPixmap(const QString &name, const QColor &colour, double size, dou
     if (!pixmap.isNull())
         pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;
-}
-
-QIcon SymbolIcon(const QString &name, const QColor &colour, double size)
-{
-    if (drawingOf(name).isNull()) {
-        qCWarning(logSymbols) << "no symbol named" << name;
-        return {};
-    }
-    return QIcon(new SymbolEngine(name, colour, QSize(qRound(size), qRound(size))));
 }
 
 } // namespace tuppi

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QColor>
-#include <QIcon>
 #include <QPixmap>
 #include <QString>
 
@@ -11,9 +10,5 @@ namespace tuppi {
 /// scaled. The size is the height of the square in logical pixels. Without such a symbol: a warning and an
 /// empty pixmap.
 QPixmap SymbolPixmap(const QString &name, const QColor &colour, double size, double devicePixelRatio);
-
-/// The same as an icon that draws itself anew at whatever size and ratio it is asked for; dimmed when
-/// disabled. Without such a symbol: a warning and an empty icon.
-QIcon SymbolIcon(const QString &name, const QColor &colour, double size);
 
 } // namespace tuppi

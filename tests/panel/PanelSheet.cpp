@@ -91,7 +91,7 @@ void lightUp(SetupPanel &panel)
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(u"/a.mp3"_s)});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    panel.findChild<DropView *>()->enterDrag(&enter);
+    QCoreApplication::sendEvent(panel.findChild<DropView *>(), &enter);
 }
 
 void settle()

@@ -213,7 +213,7 @@ QWidget *dropArea(Sheet &sheet, bool lit, QWidget *parent)
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(u"/a.mp3"_qs)});
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        drop->enterDrag(&enter);
+        QCoreApplication::sendEvent(drop, &enter);
     }
     auto *stack = new QVBoxLayout(drop);
     stack->setSpacing(10);

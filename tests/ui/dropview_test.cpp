@@ -49,10 +49,11 @@ struct DropViewTest : testing::Test
     }
     bool drop()
     {
+        enter(); // a drop that nothing led to is delivered to nobody
         QDropEvent event(QPointF(60, 50), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
                          Qt::NoModifier);
         event.ignore();
-        view.performDrop(&event);
+        QCoreApplication::sendEvent(&view, &event);
         return event.isAccepted();
     }
 };
@@ -142,21 +143,6 @@ TEST_F(DropViewTest, takesFiveThousandFiles)
     EXPECT_TRUE(drop());
     ASSERT_EQ(dropped.size(), 1);
     EXPECT_EQ(dropped.at(0).at(0).value<QList<QUrl>>().size(), 5000);
-}
-
-TEST_F(DropViewTest, aWidgetOnTopHandsItsDragsOn)
-{
-    data.setUrls(files({u"/a.mp3"_qs}));
-    QDropEvent event(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    view.enterDrag(&event);
-    EXPECT_TRUE(event.isAccepted());
-    EXPECT_TRUE(view.isHighlighted());
-    view.leaveDrag();
-    EXPECT_FALSE(view.isHighlighted());
-    view.enterDrag(&event);
-    view.performDrop(&event);
-    EXPECT_FALSE(view.isHighlighted());
-    EXPECT_EQ(dropped.size(), 1);
 }
 
 TEST_F(DropViewTest, theLightIsOutBeforeTheFilesArrive)

@@ -217,16 +217,6 @@ TEST_F(MascotTest, reducedMotionStopsEverythingAtOnceAndLetsItGoOnLater)
     EXPECT_TRUE(runs());
 }
 
-TEST_F(MascotTest, aViewThatChangesItsPoseLeavesTheOldMovie)
-{
-    const std::unique_ptr<MascotView> view(TuppiAnim(mascots, u"waiting"_qs, 64));
-    showAndWait(*view);
-    EXPECT_TRUE(runs());
-    view->setPose(u"writing"_qs);
-    EXPECT_TRUE(runs(u"writing"_qs));
-    EXPECT_TRUE(rests(u"waiting"_qs));
-}
-
 TEST_F(MascotTest, isNotThereForAssistiveToolsOrTheMouse)
 {
     const std::unique_ptr<MascotView> view(TuppiAnim(mascots, u"waiting"_qs, 64));

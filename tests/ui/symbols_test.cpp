@@ -39,29 +39,6 @@ TEST(SymbolPixmap, warnsOfAMissingSymbol)
 {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"no symbol named.*no.such"_qs));
     EXPECT_TRUE(SymbolPixmap(u"no.such"_qs, Qt::red, 16, 1).isNull());
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"no symbol named.*no.such"_qs));
-    EXPECT_TRUE(SymbolIcon(u"no.such"_qs, Qt::red, 16).isNull());
-}
-
-TEST(SymbolIcon, drawsItselfAtTheRatioAskedFor)
-{
-    const QIcon icon = SymbolIcon(half, Qt::red, 16);
-    ASSERT_FALSE(icon.isNull());
-    EXPECT_EQ(icon.availableSizes(), QList<QSize>({QSize(16, 16)}));
-    for (const auto &[ratio, pixels] : {std::pair(1.0, 16), {1.25, 20}, {2.0, 32}}) {
-        const QPixmap pixmap = icon.pixmap(QSize(16, 16), ratio);
-        EXPECT_EQ(pixmap.size(), QSize(pixels, pixels));
-        const QImage image = pixmap.toImage();
-        EXPECT_EQ(image.pixelColor(pixels / 2 - 1, pixels / 2), QColor(Qt::red));
-        EXPECT_EQ(image.pixelColor(pixels / 2, pixels / 2).alpha(), 0);
-    }
-}
-
-TEST(SymbolIcon, isDimmedWhenDisabled)
-{
-    const QIcon icon = SymbolIcon(half, Qt::red, 16);
-    const QImage image = icon.pixmap(QSize(16, 16), 1.0, QIcon::Disabled).toImage();
-    EXPECT_NEAR(image.pixelColor(4, 8).alpha(), 128, 2);
 }
 
 TEST(DrawSymbol, copiesPixelsWhereverItIsDrawn)
