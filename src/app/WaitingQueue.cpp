@@ -1,8 +1,8 @@
 #include "app/WaitingQueue.h"
 
+#include "app/GoneFiles.h"
 #include "settings/Val.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 #include <QUrl>
@@ -76,7 +76,7 @@ void TakeBack(WaitingQueue &queue, const WaitingEntry &entry)
     const QString path = WaitingPath(entry);
     const bool waits = std::any_of(queue.cbegin(), queue.cend(),
                                    [&](const WaitingEntry &other) { return WaitingPath(other) == path; });
-    if (!waits && QFile::exists(path))
+    if (!waits && GoneFiles({path}).isEmpty())
         queue.prepend(entry);
 }
 
@@ -109,15 +109,19 @@ WaitingEntry EntryFromStored(const QVariantMap &stored)
 
 WaitingQueue RestoredQueue(const QVariant &stored)
 {
-    WaitingQueue queue;
     if (stored.typeId() != QMetaType::QVariantList)
-        return queue;
+        return {};
+    WaitingQueue queue;
+    QStringList paths;
     for (const QVariant &element : stored.toList()) {
         const QVariantMap record = element.toMap();
-        const QVariant path = record.value(u"path"_s);
-        if (path.typeId() == QMetaType::QString && QFile::exists(path.toString()))
-            queue.append(EntryFromStored(record));
+        if (record.value(u"path"_s).typeId() != QMetaType::QString)
+            continue;
+        queue.append(EntryFromStored(record));
+        paths.append(WaitingPath(queue.last()));
     }
+    const QSet<QString> gone = GoneFiles(paths);
+    queue.removeIf([&](const WaitingEntry &entry) { return gone.contains(WaitingPath(entry)); });
     return queue;
 }
 

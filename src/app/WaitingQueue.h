@@ -44,7 +44,7 @@ QVariantMap StoredEntry(const WaitingEntry &entry);
 QVariantList StoredQueue(const WaitingQueue &queue);
 WaitingEntry EntryFromStored(const QVariantMap &stored);
 
-/// Reads the stored queue: what is no entry, and what names a file that is gone, is left out.
+/// Reads the stored queue: what is no entry, and what names a file that is known to be gone, is left out.
 WaitingQueue RestoredQueue(const QVariant &stored);
 
 } // namespace tuppi
