@@ -41,7 +41,7 @@ class Outside:
     def __init__(self, environment):
         self.environment = environment
         self.process = subprocess.Popen([PROGRAM], env=environment, stdin=subprocess.DEVNULL)
-        self.tree = accessibility_walk.find_application("tuppi-transcriber", self.process.pid, 60)
+        self.tree = accessibility_walk.wait_for_application("tuppi-transcriber", self.process.pid, 60)
 
     def end(self):
         self.process.kill()
