@@ -1,8 +1,6 @@
 """What ./bench does with the lines that benchmarks print: no benchmark is run here."""
 
 import contextlib
-import importlib.machinery
-import importlib.util
 import io
 import os
 import re
@@ -13,9 +11,10 @@ from unittest import mock
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.dont_write_bytecode = True
-loader = importlib.machinery.SourceFileLoader("bench_run", os.path.join(SOURCE, "bench"))
-bench = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
-loader.exec_module(bench)
+sys.path.insert(0, os.path.join(SOURCE, "scripts"))
+from as_module import as_module  # noqa: E402
+
+bench = as_module(os.path.join(SOURCE, "bench"))
 
 
 class ThePage(unittest.TestCase):
