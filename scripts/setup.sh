@@ -1,5 +1,5 @@
-# Shared by ./run and ./test: installs what is missing and builds. Sourced, with the repository as the
-# working directory.
+# Installs what is missing and builds, for ./run, ./test, ./torture, ./bench and scripts/coverage. Sourced, with the
+# repository as the working directory.
 
 # Prints the packages of the given uses.
 packages_for() {

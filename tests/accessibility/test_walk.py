@@ -3,8 +3,6 @@
 the transcript page. Nothing may lack a name, a role, a state or an action (see scripts/accessibility-walk). One start
 per language; the engine is scripted, so that every state of a row stands still to be looked at."""
 
-import importlib.machinery
-import importlib.util
 import json
 import os
 import pathlib
@@ -19,12 +17,11 @@ PROGRAM = os.path.join(BUILD, "tuppi-transcriber")
 sys.path[:0] = [str(SOURCE / "tests/support"), str(SOURCE / "runtime/page/tests"), str(SOURCE / "scripts")]
 
 import page  # noqa: E402
+from as_module import as_module  # noqa: E402
 from scripted_engine import ScriptedEngine  # noqa: E402
 from xwindow import until  # noqa: E402
 
-loader = importlib.machinery.SourceFileLoader("accessibility_walk", str(SOURCE / "scripts/accessibility-walk"))
-accessibility_walk = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
-loader.exec_module(accessibility_walk)
+accessibility_walk = as_module(SOURCE / "scripts/accessibility-walk")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 MODELS = {"custom": [{"id": "ada", "name": "Ada", "kind": "parakeet", "repo": "ada/p"}], "text_model": "qwen3:8b",
@@ -41,7 +38,7 @@ class Outside:
     def __init__(self, environment):
         self.environment = environment
         self.process = subprocess.Popen([PROGRAM], env=environment, stdin=subprocess.DEVNULL)
-        self.tree = accessibility_walk.find_application("tuppi-transcriber", self.process.pid, 60)
+        self.tree = accessibility_walk.wait_for_application("tuppi-transcriber", self.process.pid, 60)
 
     def end(self):
         self.process.kill()

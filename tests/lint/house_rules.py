@@ -3,8 +3,10 @@ the list of what breaks it, as "file:line: what"."""
 
 import os
 import re
+import subprocess
 
 SOURCE = (".cpp", ".h")
+SUFFIX_OF_INTERPRETER = {"python": ".py", "bash": ".bash", "sh": ".sh"}
 LONGEST_FUNCTION = 60
 LONGEST_CONTROLLER_HEADER = 260
 
@@ -30,28 +32,33 @@ MAY_INCLUDE = {
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
-def read_tree(root, folders):
+def read_tree(root):
+    """Every text that git keeps or would keep."""
+    command = ["git", "-C", root, "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
+    names = subprocess.run(command, stdout=subprocess.PIPE, check=True, encoding="utf-8").stdout
     tree = {}
-    for folder in folders:
-        for place, names, files in os.walk(os.path.join(root, folder)):
-            names[:] = [name for name in names if not name.startswith((".", "build", "__pycache__"))]
-            for name in files:
-                path = os.path.join(place, name)
-                try:
-                    with open(path, encoding="utf-8") as file:
-                        tree[os.path.relpath(path, root)] = file.read()
-                except UnicodeDecodeError:
-                    continue
+    for path in filter(None, names.split("\0")):
+        try:
+            with open(os.path.join(root, path), encoding="utf-8") as file:
+                tree[path] = file.read()
+        except (UnicodeDecodeError, FileNotFoundError):  # no text; taken away and not committed yet
+            continue
     return tree
+
+
+def kind(path, text):
+    """The suffix of a file; that of its language, where a script has none."""
+    interpreter = re.match(r"#!.*\b(python|bash|sh)[\d.]*\b", text)
+    return os.path.splitext(path)[1] or (SUFFIX_OF_INTERPRETER[interpreter[1]] if interpreter else "")
 
 
 def _line(text, position):
     return text.count("\n", 0, position) + 1
 
 
-def _found(tree, suffixes, pattern, what, exempt=lambda path: False):
+def _found(tree, kinds, pattern, what, exempt=lambda path: False):
     return [f"{path}:{_line(text, match.start())}: {what(match)}"
-            for path, text in sorted(tree.items()) if path.endswith(suffixes) and not exempt(path)
+            for path, text in sorted(tree.items()) if kind(path, text) in kinds and not exempt(path)
             for match in re.finditer(pattern, text)]
 
 
@@ -158,7 +165,7 @@ def bare_waits(tree):
 
     found = _found(code, SOURCE, r"\bqWait\s*\(|\b(?:u|m|nano)?sleep(?:_for|_until)?\s*\(|waitForFinished\s*\(\s*-1\s*\)",
                    lambda match: "waits for a time: " + match[0], engine)
-    found += [line for path, text in sorted(code.items()) if path.endswith(".py") for line in _python_sleeps(path, text)]
+    found += [line for path, text in sorted(code.items()) if kind(path, text) == ".py" for line in _python_sleeps(path, text)]
     found += _found(code, SOURCE, r"(?:\.|->)exec\s*\(\s*\)", lambda match: "runs an event loop of its own",
                     lambda path: "int main(" in tree[path] or engine(path))
     return found

@@ -1,10 +1,9 @@
 """What ./bench does with the lines that benchmarks print: no benchmark is run here."""
 
 import contextlib
-import importlib.machinery
-import importlib.util
 import io
 import os
+import re
 import sys
 import tempfile
 import unittest
@@ -12,9 +11,10 @@ from unittest import mock
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.dont_write_bytecode = True
-loader = importlib.machinery.SourceFileLoader("bench_run", os.path.join(SOURCE, "bench"))
-bench = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
-loader.exec_module(bench)
+sys.path.insert(0, os.path.join(SOURCE, "scripts"))
+from as_module import as_module  # noqa: E402
+
+bench = as_module(os.path.join(SOURCE, "bench"))
 
 
 class ThePage(unittest.TestCase):
@@ -63,6 +63,15 @@ class ThePage(unittest.TestCase):
         self.run_benches("--patience", "1", "one")
         self.assertIn("- one: not done after 1 s\n", self.text)
 
+    def test_one_that_was_never_run_is_named_below_the_table(self):
+        self.programs["three"] = self.program("echo 'RESULT size | 3'")
+        self.run_benches("two")
+        self.assertIn("\nNothing is written down yet from: one, three.\n", self.text)
+        self.run_benches("three")
+        self.assertIn("\nNothing is written down yet from: one.\n", self.text)
+        self.run_benches("one")
+        self.assertNotIn("Nothing is written down", self.text)
+
     def test_one_that_is_gone_loses_its_rows(self):
         self.run_benches()
         del self.programs["one"]
@@ -79,6 +88,21 @@ class TheFolder(unittest.TestCase):
         self.assertEqual(found["start-up"][1:], ["--build", "/build"])
         self.assertEqual(found["spine"], ["/build/benchmarks/spine/bench_spine"])
         self.assertNotIn("run", found)
+
+    def test_every_script_prints_results(self):
+        for name, (path, *_) in bench.benchmarks("/build").items():
+            if name not in bench.PROGRAMS:
+                with open(path, encoding="utf-8") as file:
+                    self.assertIn("RESULT ", file.read(), name)
+
+    def test_the_page_is_as_it_would_be_written(self):
+        """Its rows are from runs; all around them follows from what there is."""
+        with open(bench.PAGE, encoding="utf-8") as file:
+            page = file.read()
+        where, notes = re.search(r"^The last run was on (.*)\.$", page, re.M)[1], re.findall(r"^- (.*)$", page, re.M)
+        with tempfile.NamedTemporaryFile("r", encoding="utf-8") as file:
+            bench.write(file.name, bench.kept(bench.PAGE), bench.benchmarks("/build"), notes, where)
+            self.assertEqual(page, file.read())
 
 
 if __name__ == "__main__":

@@ -14,14 +14,15 @@ QT_CORE = os.environ["TUPPI_QTCORE_HEADERS"]
 class TheTree(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.tree = rules.read_tree(ROOT, ("src", "runtime", "tests", "benchmarks", "cmake", "scripts"))
+        cls.tree = rules.read_tree(ROOT)
         cls.qt_core = set(os.listdir(QT_CORE))
 
     def assert_none(self, found):
         self.assertEqual(found, [], "\n" + "\n".join(found))
 
     def test_is_read(self):
-        self.assertIn("src/app/AppDelegate.h", self.tree)
+        for path in ("src/app/AppDelegate.h", "bench", "fuzz/Fuzz.h", "packaging/check-deb", "docs/screenshots"):
+            self.assertIn(path, self.tree)
         self.assertIn("QString", self.qt_core)
         self.assertNotIn("QWidget", self.qt_core)
         self.assertGreater(len(list(rules.functions(rules.without_comments_and_texts(self.tree["src/list/Describe.cpp"])))), 10)
@@ -138,6 +139,14 @@ class TheRules(unittest.TestCase):
         self.assert_found(rules.bare_waits({"tests/a.py": "from time" + " import sleep\n"}), "tests/a.py:1:")
 
         self.assert_found(rules.bare_waits({"tests/a.py": "def until(x):\n    pass\n\ndef test():\n    time" + ".sleep(1)\n"}), "tests/a.py:5:")
+
+    def test_scripts_without_a_suffix(self):
+        for path, text, kind in (("run", "#!/usr/bin/env bash\n", ".bash"), ("a/walk", "#!/usr/bin/python3\n", ".py"),
+                                 ("bench", "#!/usr/bin/env python3\n", ".py"), ("call", "#!/bin/sh -e\n", ".sh"), ("chart", "#!/usr/bin/gnuplot\n", ""),
+                                 ("a.py", "#!/bin/sh\n", ".py"), ("README", "text\n", ""), ("a", "", "")):
+            self.assertEqual(rules.kind(path, text), kind, path)
+        self.assert_found(rules.bare_waits({"scripts/walk": "#!/usr/bin/env python3\ntime" + ".sleep(1)\n"}), "scripts/walk:2:")
+        self.assert_found(rules.unfinished({"run": "#!/bin/bash\n# TO" + "DO\n"}), "run:2:")
 
     def test_waits_that_are_none(self):
         self.assertEqual(rules.bare_waits({"tests/a.py": "def until(condition):\n    while not condition():\n        time" + ".sleep(1)\n"}), [])

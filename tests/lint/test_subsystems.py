@@ -70,6 +70,14 @@ class TheSubsystems(unittest.TestCase):
             for name in re.findall(r"`([^`]+)`", row[2]):
                 self.assertTrue(name in sources or os.path.isdir(os.path.join(ROOT, name)), name)
 
+    def test_every_folder_of_tests_is_told_of(self):
+        rows = re.findall(r"^\| (`.*?) \|", read(os.path.join(ROOT, "CONTRIBUTING.md")), re.M)
+        told = set(re.findall(r"`([^`]+)`", " ".join(rows)))
+        there = {name for name in os.listdir(os.path.join(ROOT, "tests"))
+                 if os.path.exists(os.path.join(ROOT, "tests", name, "CMakeLists.txt"))}
+        self.assertIn("keyboard", there)
+        self.assertEqual(sorted(there - told), [])
+
     def test_a_name_that_is_none(self):
         self.assertEqual(named("| a | `b` | `No.Such`, `Test.AtAll` |"), ["No.Such", "Test.AtAll"])
         self.assertFalse({"No.Such", "Test.AtAll"} & there())

@@ -1,4 +1,4 @@
-"""What stands beside the package: its versions agree, its pages have no faults of form, the Flatpak manifest says what
+"""What stands beside the package: its versions agree, the pages of the manual are whole and have no faults of form, the Flatpak manifest says what
 flatpak-builder reads and names things that exist."""
 
 import os
@@ -15,6 +15,12 @@ PACKAGING = SOURCE / "packaging"
 APPLICATION = "org.tuppi.Transcriber"
 
 
+def manual(page, width):
+    """How a page is read on lines of so many columns, with what is wrong with it."""
+    return subprocess.run(["man", "--warnings", "--local-file", page], capture_output=True, text=True,
+                          env=dict(os.environ, LC_ALL="C.UTF-8", MANPAGER="cat", MANWIDTH=str(width)))
+
+
 class Papers(unittest.TestCase):
     def test_one_version_everywhere(self):
         version = re.search(r"project\(TuppiTranscriber VERSION (\S+)", (SOURCE / "CMakeLists.txt").read_text())[1]
@@ -25,10 +31,22 @@ class Papers(unittest.TestCase):
 
     def test_no_page_of_the_manual_has_a_fault(self):
         for page in sorted((PACKAGING / "man").iterdir()):
-            done = subprocess.run(["man", "--warnings", "--local-file", page], capture_output=True, text=True,
-                                  env=dict(os.environ, LC_ALL="C.UTF-8", MANPAGER="cat"))
+            done = manual(page, width=80)
             self.assertEqual((done.returncode, done.stderr), (0, ""), page.name)
             self.assertIn("NAME", done.stdout)
+
+
+    def test_the_manual_has_every_command_and_variable_of_the_engine(self):
+        page = " ".join(manual(PACKAGING / "man/tuppi-engine.1", width=1000).stdout.split())
+        engine = pathlib.Path(os.environ["TUPPI_BUILD"]) / "runtime/tuppi-engine"
+        told = subprocess.run([engine, "--help"], stdout=subprocess.PIPE, text=True, check=True).stdout
+        usages = [usage for line in re.findall(r"^  (\S.*)$", told, re.M) for usage in line.split(" | ")]
+        self.assertIn("split ID LINE --join [--json]", usages)
+        self.assertEqual([usage for usage in usages if usage not in page], [])
+        code = "".join(path.read_text() for path in (SOURCE / "runtime/src").rglob("*.cpp"))
+        variables = set(re.findall(r'"(TUPPI_[A-Z_]+|OLLAMA_HOST)"', code))
+        self.assertIn("TUPPI_NICE", variables)
+        self.assertEqual([name for name in sorted(variables) if name not in page], [])
 
 
 class Flatpak(unittest.TestCase):

@@ -1,8 +1,6 @@
 """Listens to the two sounds by measure, and holds the files against the script that makes them."""
 
 import filecmp
-import importlib.machinery
-import importlib.util
 import os
 import shutil
 import subprocess
@@ -12,9 +10,10 @@ import unittest
 
 sys.dont_write_bytecode = True
 FOLDER = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "resources", "sounds"))
-_loader = importlib.machinery.SourceFileLoader("draw", os.path.join(FOLDER, "draw"))
-draw = importlib.util.module_from_spec(importlib.util.spec_from_loader(_loader.name, _loader))
-_loader.exec_module(draw)
+sys.path.insert(0, os.path.join(FOLDER, "..", "..", "scripts"))
+from as_module import as_module  # noqa: E402
+
+draw = as_module(os.path.join(FOLDER, "draw"))
 dsp = draw.dsp
 
 NAMES = ("cat-purr", "cat-meow")

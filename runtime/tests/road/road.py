@@ -6,8 +6,6 @@ read from the files it keeps (the store, read only) and from /proc.
 
 import contextlib
 import glob
-import importlib.machinery
-import importlib.util
 import json
 import os
 import re
@@ -25,6 +23,9 @@ sys.dont_write_bytecode = True
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.abspath(os.path.join(HERE, "..", "..", ".."))
+sys.path.insert(0, os.path.join(SOURCE, "scripts"))
+from as_module import as_module  # noqa: E402
+
 SAMPLE = os.path.join(SOURCE, "samples", "interview.m4a")
 SAMPLE_TEXT = os.path.join(SOURCE, "samples", "interview.txt")
 HUMAN = "/usr/share/pocketsphinx/test/data/librivox"
@@ -52,10 +53,7 @@ Cost = namedtuple("Cost", "seconds megabytes status")
 
 def script(name):
     """One of the commands in scripts/, as a module."""
-    loader = importlib.machinery.SourceFileLoader(name.replace("-", "_"), os.path.join(SOURCE, "scripts", name))
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
-    loader.exec_module(module)
-    return module
+    return as_module(os.path.join(SOURCE, "scripts", name))
 
 
 wer = script("word-error-rate")
