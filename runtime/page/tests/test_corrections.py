@@ -119,6 +119,44 @@ class Edit(ViewerCase):
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "Second."})
         self.assertEqual(self.texts()[:2], [TEXTS[0], "Second."])
 
+    def fail(self, number, text, why):
+        self.rewrite(number, text)
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", number, False, why, text)
+        self.await_notice(why, failed=True)
+
+    def test_a_later_success_leaves_what_can_be_tried_again(self):
+        self.fail(0, "First.", "Not saved: disk full")
+        self.rewrite(1, "Second.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 1, True, "Saved", "Second.")
+        self.browser.wait("document.getElementById('said').textContent === 'Saved'")
+        self.assertEqual(self.browser.get("document.getElementById('notice-text').textContent"), "Not saved: disk full")
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "First.")
+        self.assertEqual(self.browser.get("lineOf(document.activeElement) === state.lines[0]"), True)
+        self.assertTrue(self.browser.get("document.getElementById('notice').hidden"))
+
+    def test_each_failure_can_be_tried_again(self):
+        self.fail(0, "First.", "Not saved: disk full")
+        self.fail(1, "Second.", "Not saved: busy")
+        self.fail(2, "Third.", "Not saved: too long")
+        self.edit(0, 0)
+        self.browser.keys("Enter")
+        self.await_notice("Put the caret between two words to split the line.", failed=True)
+        self.browser.click("#notice-close")
+        self.await_notice("Not saved: too long", failed=True)
+        self.browser.click("#notice-close")
+        self.await_notice("Not saved: busy", failed=True)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "Second.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "First.")
+        self.assertTrue(self.browser.get("document.getElementById('notice').hidden"))
+
     def test_hostile_texts_pass_unchanged(self):
         self.rewrite(2, HOSTILE)
         self.browser.keys("Control+Enter")
