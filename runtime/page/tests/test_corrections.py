@@ -96,6 +96,23 @@ class Edit(ViewerCase):
         self.await_settled()
         self.assertEqual(self.texts()[1], "New.")
 
+    def test_one_taken_back_before_the_first_failed_hides_nothing_later(self):
+        for text in ("New.", TEXTS[0]):
+            self.rewrite(0, text)
+            self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 0, False, "Not saved: disk full", "New.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.await_settled()
+        self.no_more_messages()
+        self.edit(1, 0)
+        self.browser.keys("Backspace")
+        self.message()
+        self.answer("tuppiJoined", 1, True, "Joined", line(0, 10, ANNA, "One two three. Four five."))
+        self.browser.wait("document.activeElement.value === 'One two three. Four five.'")
+        self.browser.keys("Escape")
+        self.assertEqual(self.texts(), ["One two three. Four five.", *TEXTS[2:]])
+
     def test_an_answer_about_another_line_settles_nothing(self):
         self.rewrite(1, "New.")
         self.browser.keys("Control+Enter")
