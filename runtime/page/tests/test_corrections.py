@@ -365,6 +365,23 @@ class Join(ViewerCase):
         self.answer("tuppiSaved", 1, True, "Saved", "Changed.")
         self.assertEqual(self.message(), {"kind": "join", "index": 1})
 
+    def test_neither_line_can_be_edited_meanwhile(self):
+        self.rewrite(1, "Changed.")
+        self.browser.keys("Home", "Backspace")
+        self.message()
+        self.assertEqual(self.pending(), [0, 1])
+        self.browser.click(self.line(0) + " .text", times=2)
+        self.browser.keys("F2")
+        self.assertEqual(self.browser.get("document.querySelectorAll('textarea').length"), 0)
+        self.answer("tuppiSaved", 1, True, "Saved", "Changed.")
+        self.message()
+        self.answer("tuppiJoined", 1, True, "Joined with the line above", line(0, 10, ANNA, "One two three. Changed."))
+        self.await_settled()
+        self.assertEqual(self.texts(), ["One two three. Changed.", *TEXTS[2:]])
+        self.edit(0)
+        self.browser.keys("Escape")
+        self.no_more_messages()
+
     def test_joined(self):
         self.join(1)
         self.answer("tuppiJoined", 1, True, "Joined with the line above", line(0, 10, ANNA, "One two three. Four five."))
@@ -773,6 +790,46 @@ class Undo(ViewerCase):
         self.assertEqual(self.message(), {"kind": "edit", "index": 3, "text": TEXTS[3]})
         self.answer("tuppiSaved", 3, True, "Saved", TEXTS[3])
         self.await_undone("Edit")
+
+    def split_and_undo_behind_another(self):
+        self.split()
+        self.rewrite(4, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 4, True, "Saved", "New.")
+        self.await_settled()
+        self.undo()
+        self.undo()
+        self.assertEqual(self.message(), {"kind": "edit", "index": 4, "text": TEXTS[3]})
+
+    def await_what_no_longer_fits(self, offered):
+        self.answer("tuppiSaved", 4, True, "Saved", TEXTS[3])
+        self.assertEqual(self.message(), {"kind": "join", "index": 1})
+        self.answer("tuppiJoined", 1, True, "Joined with the line above", line(0, 5, ANNA, TEXTS[0]))
+        self.await_notice("Could not save this change", failed=True)
+        self.await_settled()
+        self.assertEqual(self.texts(), TEXTS)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("[document.activeElement.value, state.lines.indexOf(state.editor.line)]"),
+                         [offered, 0])
+        self.no_more_messages()
+
+    def test_an_edit_of_a_line_that_was_joined_before_its_turn_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(1, "Three!")
+        self.browser.keys("Control+Enter")
+        self.await_what_no_longer_fits("One two three. Three!")
+
+    def test_an_edit_of_a_line_that_took_another_in_before_its_turn_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(0, "One two!")
+        self.browser.keys("Control+Enter")
+        self.await_what_no_longer_fits("One two three. One two!")
+
+    def test_an_open_edit_of_a_line_that_is_joined_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(1, "Three!")
+        self.await_what_no_longer_fits("One two three. Three!")
 
     def test_a_line_that_was_edited_and_then_joined(self):
         self.rewrite(1, "New.")
