@@ -115,6 +115,7 @@ void AppDelegate::showResultAsText(const ResultPlan &plan)
 
 void AppDelegate::addResultWindow(ResultWindow *window)
 {
+    m_viewer.callQuitOff();
     m_viewer.resultWindows.insert(window->plan().key(), window);
     connect(window, &ResultWindow::closing, this, [this, window] { forgetResultWindow(window); });
     connect(window, &ResultWindow::command, this, &AppDelegate::perform);
@@ -137,7 +138,7 @@ void AppDelegate::forgetResultWindow(ResultWindow *window)
 /// Where the page that could have told it is gone. A quit is off: what was written stands nowhere else.
 void AppDelegate::tellLost(const QString &title, const QString &reason, const QStringList &written)
 {
-    m_viewer.quitsThen = false;
+    m_viewer.callQuitOff();
     SheetText text;
     text.message = Fill(L(u"A correction to “%@” was not saved"_s), {title});
     text.detail = reason;

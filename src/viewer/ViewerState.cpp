@@ -30,8 +30,10 @@ ResultWindow *ViewerState::window(const QString &key)
     for (ResultWindow *window : std::as_const(closing)) {
         if (window->plan().key() != key || !window->stay())
             continue;
+        window->disconnect(this);
         closing.removeOne(window);
         resultWindows.insert(key, window);
+        callQuitOff();
         return window;
     }
     return nullptr;
@@ -58,6 +60,11 @@ void ViewerState::forget(ResultWindow *window)
         if (quitsThen && closing.isEmpty())
             QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     });
+}
+
+void ViewerState::callQuitOff()
+{
+    quitsThen = false;
 }
 
 bool ViewerState::eventFilter(QObject *watched, QEvent *event)

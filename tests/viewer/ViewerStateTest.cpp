@@ -45,6 +45,19 @@ private:
     bool m_stays = false;
 };
 
+/// Counts the calls that are made of the application later: a quit is one, and does nothing where no loop runs.
+class LaterCalls : public QObject
+{
+public:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::MetaCall;
+        return false;
+    }
+
+    int count = 0;
+};
+
 class ViewerStates : public testing::Test
 {
 protected:
@@ -63,6 +76,16 @@ protected:
         QEvent event(QEvent::Quit);
         m_state.eventFilter(qApp, &event);
         return event.isAccepted();
+    }
+
+    static int quitsAfterTheEndOf(ResultWindow *window)
+    {
+        QCoreApplication::sendPostedEvents();
+        delete window;
+        LaterCalls calls;
+        qApp->installEventFilter(&calls);
+        QCoreApplication::sendPostedEvents(qApp);
+        return calls.count;
     }
 
     ViewerState m_state;
@@ -119,6 +142,41 @@ TEST_F(ViewerStates, AQuitClosesTheWindowsAndWaitsForTheLastOne)
     EXPECT_FALSE(quit());
     delete b;
     EXPECT_TRUE(quit());
+}
+
+TEST_F(ViewerStates, AQuitComesWhenTheLastWindowIsGone)
+{
+    HeldWindow *a = open(u"/a"_s);
+    EXPECT_FALSE(quit());
+    EXPECT_EQ(quitsAfterTheEndOf(a), 1);
+}
+
+TEST_F(ViewerStates, AQuitCalledOffDoesNotCome)
+{
+    HeldWindow *a = open(u"/a"_s);
+    EXPECT_FALSE(quit());
+    m_state.callQuitOff();
+    EXPECT_EQ(quitsAfterTheEndOf(a), 0);
+}
+
+TEST_F(ViewerStates, AWindowTakenBackCallsTheQuitOff)
+{
+    HeldWindow *a = open(u"/a"_s);
+    EXPECT_FALSE(quit());
+    EXPECT_EQ(m_state.window(a->plan().key()), a);
+    a->show();
+    a->close();
+    EXPECT_EQ(quitsAfterTheEndOf(a), 0);
+}
+
+TEST_F(ViewerStates, AWindowTakenBackIsWaitedForOnce)
+{
+    HeldWindow *a = open(u"/a"_s);
+    a->close();
+    EXPECT_EQ(m_state.window(a->plan().key()), a);
+    a->show();
+    EXPECT_FALSE(quit());
+    EXPECT_EQ(quitsAfterTheEndOf(a), 1);
 }
 
 TEST_F(ViewerStates, TheWindowsGoWithIt)
