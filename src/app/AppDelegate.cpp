@@ -86,6 +86,7 @@ void AppDelegate::askEngine()
 
 void AppDelegate::applicationShouldHandleReopen(const QString &token)
 {
+    m_viewer.callQuitOff();
     m_ui.window->bringForward();
     ActivateWindow(m_ui.window->windowHandle(), token);
 }

@@ -37,6 +37,7 @@ void AppDelegate::openRequested(const QList<QUrl> &urls, const QString &token)
 
 void AppDelegate::addFiles(const QList<QUrl> &files)
 {
+    m_viewer.callQuitOff();
     m_ui.window->bringForward();
     if (!m_setup.panel)
         openSetup();

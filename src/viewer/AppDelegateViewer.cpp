@@ -25,70 +25,6 @@ namespace tuppi {
 
 using namespace Qt::StringLiterals;
 
-ViewerState::ViewerState() = default;
-
-ViewerState::~ViewerState()
-{
-    // Also those that are closed and still letting their page end: a page must not outlive what made it.
-    const QWidgetList topLevel = QApplication::topLevelWidgets();
-    QList<ResultWindow *> windows; // picked before the first goes: dialogs over it go with it
-    for (QWidget *widget : topLevel) {
-        if (auto *window = qobject_cast<ResultWindow *>(widget))
-            windows.append(window);
-    }
-    qDeleteAll(windows);
-}
-
-ResultWindow *ViewerState::window(const QString &key)
-{
-    if (ResultWindow *window = resultWindows.value(key))
-        return window;
-    for (ResultWindow *window : std::as_const(closing)) {
-        if (window->plan().key() != key || !window->stay())
-            continue;
-        closing.removeOne(window);
-        resultWindows.insert(key, window);
-        return window;
-    }
-    return nullptr;
-}
-
-void ViewerState::whenSaved(const QString &callDir, std::function<void()> then)
-{
-    const QList<ResultWindow *> windows = resultWindows.values() + closing;
-    for (ResultWindow *window : windows) {
-        if (window->callDir() != callDir || !window->plan().isViewer())
-            continue;
-        window->whenSaved(std::move(then));
-        return;
-    }
-    then();
-}
-
-void ViewerState::forget(ResultWindow *window)
-{
-    resultWindows.removeIf([window](const auto &open) { return open.value() == window; });
-    closing.append(window);
-    QObject::connect(window, &QObject::destroyed, this, [this, window] {
-        closing.removeOne(window);
-        if (quitsThen && closing.isEmpty())
-            QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-    });
-}
-
-bool ViewerState::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() != QEvent::Quit || watched != qApp)
-        return false;
-    const QList<ResultWindow *> open = resultWindows.values();
-    for (ResultWindow *window : open)
-        window->close();
-    quitsThen = !closing.isEmpty();
-    if (quitsThen)
-        event->ignore();
-    return quitsThen;
-}
-
 void AppDelegate::showResult(const QJsonObject &row, bool text)
 {
     const std::optional<ResultPlan> plan = PlanResult(row, text);
@@ -179,6 +115,7 @@ void AppDelegate::showResultAsText(const ResultPlan &plan)
 
 void AppDelegate::addResultWindow(ResultWindow *window)
 {
+    m_viewer.callQuitOff();
     m_viewer.resultWindows.insert(window->plan().key(), window);
     connect(window, &ResultWindow::closing, this, [this, window] { forgetResultWindow(window); });
     connect(window, &ResultWindow::command, this, &AppDelegate::perform);
@@ -201,7 +138,7 @@ void AppDelegate::forgetResultWindow(ResultWindow *window)
 /// Where the page that could have told it is gone. A quit is off: what was written stands nowhere else.
 void AppDelegate::tellLost(const QString &title, const QString &reason, const QStringList &written)
 {
-    m_viewer.quitsThen = false;
+    m_viewer.callQuitOff();
     SheetText text;
     text.message = Fill(L(u"A correction to “%@” was not saved"_s), {title});
     text.detail = reason;

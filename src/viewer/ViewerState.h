@@ -26,6 +26,8 @@ struct ViewerState : QObject
     void whenSaved(const QString &callDir, std::function<void()> then);
     /// The window is closed and about to go.
     void forget(ResultWindow *window);
+    /// A quit that waits does not come any more: the person goes on.
+    void callQuitOff();
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     std::unique_ptr<WebViews> views;              ///< null until the first page is shown

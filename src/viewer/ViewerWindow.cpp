@@ -65,6 +65,7 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
 void ViewerWindow::load()
 {
     ++m_page;
+    m_pageGone = false;
     m_view->load();
 }
 
@@ -76,9 +77,12 @@ void ViewerWindow::showTab(bool summary)
 void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &written)
 {
     --m_unanswered;
-    if (m_life != Life::Open && !reply.failure.isEmpty())
+    const bool pageIsThere = page == m_page && !m_pageGone && m_life != Life::Unloaded;
+    if (!reply.failure.isEmpty() && (m_life != Life::Open || !pageIsThere))
         lose(reply.failure, {written});
-    if (page == m_page && m_life != Life::Unloaded)
+    if (m_life == Life::Open)
+        tellLost();
+    if (pageIsThere)
         m_view->run(AnswerScript(reply.answer));
     if (!m_whenSaved.isEmpty())
         askForUnsaved();
@@ -94,14 +98,21 @@ void ViewerWindow::whenSaved(std::function<void()> then)
 /// The page posts a correction after the answer to the one before, and so is asked again after every answer.
 void ViewerWindow::askForUnsaved()
 {
+    if (m_pageGone) {
+        hearUnsaved({});
+        return;
+    }
     m_patience.start(pagePatienceMilliseconds);
-    m_view->ask(UnsavedScript(), [this](const QVariant &unsaved) {
-        m_unsaved = unsaved.toStringList();
-        if (m_unsaved.isEmpty() && m_unanswered == 0)
-            goOn();
-        else if (!m_whenSaved.isEmpty())
-            m_patience.start(enginePatienceMilliseconds);
-    });
+    m_view->ask(UnsavedScript(), [this](const QVariant &unsaved) { hearUnsaved(unsaved.toStringList()); });
+}
+
+void ViewerWindow::hearUnsaved(const QStringList &unsaved)
+{
+    m_unsaved = unsaved;
+    if (m_unsaved.isEmpty() && m_unanswered == 0)
+        goOn();
+    else if (!m_whenSaved.isEmpty())
+        m_patience.start(enginePatienceMilliseconds);
 }
 
 void ViewerWindow::goOn()
@@ -110,6 +121,7 @@ void ViewerWindow::goOn()
     const QList<std::function<void()>> all = std::exchange(m_whenSaved, {});
     for (const std::function<void()> &then : all)
         then();
+    m_unsaved.clear(); // what the page says next may be long after
 }
 
 void ViewerWindow::setZoom(double factor)
@@ -169,16 +181,24 @@ void ViewerWindow::tellLost()
 
 void ViewerWindow::reportCrash()
 {
+    m_pageGone = true;
     // What is with the engine will be answered all the same.
     const QStringList unposted = std::exchange(m_unsaved, {}).mid(m_unanswered);
-    if (m_life != Life::Open) {
-        if (!unposted.isEmpty())
-            lose(L(u"Could not save this change"_s), unposted);
+    if (!unposted.isEmpty())
+        lose(L(u"Could not save this change"_s), unposted);
+    if (m_life != Life::Open)
         m_life = Life::Unloaded;
+    if (!m_whenSaved.isEmpty())
+        askForUnsaved();
+    if (m_life == Life::Unloaded)
         leaveWhenAnswered();
-        return;
-    }
-    goOn();
+    else
+        offerToLoadAgain();
+}
+
+void ViewerWindow::offerToLoadAgain()
+{
+    tellLost();
     SheetText text;
     text.message = L(u"The transcript page has stopped"_s);
     text.detail = L(u"Nothing that was saved is lost. Load the page again to go on."_s);

@@ -39,7 +39,9 @@ private:
 
     void load();
     void reportCrash();
+    void offerToLoadAgain();
     void askForUnsaved();
+    void hearUnsaved(const QStringList &unsaved);
     void goOn();
     void end();
     void leaveWhenAnswered();
@@ -49,6 +51,7 @@ private:
 
     WebView *m_view;
     int m_page = 0;
+    bool m_pageGone = false;                    ///< crashed, and not loaded again
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages
     QStringList m_unsaved;                      ///< as the page said last

@@ -96,6 +96,23 @@ class Edit(ViewerCase):
         self.await_settled()
         self.assertEqual(self.texts()[1], "New.")
 
+    def test_one_taken_back_before_the_first_failed_hides_nothing_later(self):
+        for text in ("New.", TEXTS[0]):
+            self.rewrite(0, text)
+            self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 0, False, "Not saved: disk full", "New.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.await_settled()
+        self.no_more_messages()
+        self.edit(1, 0)
+        self.browser.keys("Backspace")
+        self.message()
+        self.answer("tuppiJoined", 1, True, "Joined", line(0, 10, ANNA, "One two three. Four five."))
+        self.browser.wait("document.activeElement.value === 'One two three. Four five.'")
+        self.browser.keys("Escape")
+        self.assertEqual(self.texts(), ["One two three. Four five.", *TEXTS[2:]])
+
     def test_an_answer_about_another_line_settles_nothing(self):
         self.rewrite(1, "New.")
         self.browser.keys("Control+Enter")
@@ -118,6 +135,44 @@ class Edit(ViewerCase):
         self.answer("tuppiSaved", 0, False, "Not saved", "First.")
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "Second."})
         self.assertEqual(self.texts()[:2], [TEXTS[0], "Second."])
+
+    def fail(self, number, text, why):
+        self.rewrite(number, text)
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", number, False, why, text)
+        self.await_notice(why, failed=True)
+
+    def test_a_later_success_leaves_what_can_be_tried_again(self):
+        self.fail(0, "First.", "Not saved: disk full")
+        self.rewrite(1, "Second.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 1, True, "Saved", "Second.")
+        self.browser.wait("document.getElementById('said').textContent === 'Saved'")
+        self.assertEqual(self.browser.get("document.getElementById('notice-text').textContent"), "Not saved: disk full")
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "First.")
+        self.assertEqual(self.browser.get("lineOf(document.activeElement) === state.lines[0]"), True)
+        self.assertTrue(self.browser.get("document.getElementById('notice').hidden"))
+
+    def test_each_failure_can_be_tried_again(self):
+        self.fail(0, "First.", "Not saved: disk full")
+        self.fail(1, "Second.", "Not saved: busy")
+        self.fail(2, "Third.", "Not saved: too long")
+        self.edit(0, 0)
+        self.browser.keys("Enter")
+        self.await_notice("Put the caret between two words to split the line.", failed=True)
+        self.browser.click("#notice-close")
+        self.await_notice("Not saved: too long", failed=True)
+        self.browser.click("#notice-close")
+        self.await_notice("Not saved: busy", failed=True)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "Second.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "First.")
+        self.assertTrue(self.browser.get("document.getElementById('notice').hidden"))
 
     def test_hostile_texts_pass_unchanged(self):
         self.rewrite(2, HOSTILE)
@@ -309,6 +364,23 @@ class Join(ViewerCase):
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "Changed."})
         self.answer("tuppiSaved", 1, True, "Saved", "Changed.")
         self.assertEqual(self.message(), {"kind": "join", "index": 1})
+
+    def test_neither_line_can_be_edited_meanwhile(self):
+        self.rewrite(1, "Changed.")
+        self.browser.keys("Home", "Backspace")
+        self.message()
+        self.assertEqual(self.pending(), [0, 1])
+        self.browser.click(self.line(0) + " .text", times=2)
+        self.browser.keys("F2")
+        self.assertEqual(self.browser.get("document.querySelectorAll('textarea').length"), 0)
+        self.answer("tuppiSaved", 1, True, "Saved", "Changed.")
+        self.message()
+        self.answer("tuppiJoined", 1, True, "Joined with the line above", line(0, 10, ANNA, "One two three. Changed."))
+        self.await_settled()
+        self.assertEqual(self.texts(), ["One two three. Changed.", *TEXTS[2:]])
+        self.edit(0)
+        self.browser.keys("Escape")
+        self.no_more_messages()
 
     def test_joined(self):
         self.join(1)
@@ -718,6 +790,46 @@ class Undo(ViewerCase):
         self.assertEqual(self.message(), {"kind": "edit", "index": 3, "text": TEXTS[3]})
         self.answer("tuppiSaved", 3, True, "Saved", TEXTS[3])
         self.await_undone("Edit")
+
+    def split_and_undo_behind_another(self):
+        self.split()
+        self.rewrite(4, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 4, True, "Saved", "New.")
+        self.await_settled()
+        self.undo()
+        self.undo()
+        self.assertEqual(self.message(), {"kind": "edit", "index": 4, "text": TEXTS[3]})
+
+    def await_what_no_longer_fits(self, offered):
+        self.answer("tuppiSaved", 4, True, "Saved", TEXTS[3])
+        self.assertEqual(self.message(), {"kind": "join", "index": 1})
+        self.answer("tuppiJoined", 1, True, "Joined with the line above", line(0, 5, ANNA, TEXTS[0]))
+        self.await_notice("Could not save this change", failed=True)
+        self.await_settled()
+        self.assertEqual(self.texts(), TEXTS)
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("[document.activeElement.value, state.lines.indexOf(state.editor.line)]"),
+                         [offered, 0])
+        self.no_more_messages()
+
+    def test_an_edit_of_a_line_that_was_joined_before_its_turn_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(1, "Three!")
+        self.browser.keys("Control+Enter")
+        self.await_what_no_longer_fits("One two three. Three!")
+
+    def test_an_edit_of_a_line_that_took_another_in_before_its_turn_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(0, "One two!")
+        self.browser.keys("Control+Enter")
+        self.await_what_no_longer_fits("One two three. One two!")
+
+    def test_an_open_edit_of_a_line_that_is_joined_is_kept(self):
+        self.split_and_undo_behind_another()
+        self.rewrite(1, "Three!")
+        self.await_what_no_longer_fits("One two three. Three!")
 
     def test_a_line_that_was_edited_and_then_joined(self):
         self.rewrite(1, "New.")

@@ -69,6 +69,9 @@ class Head(ViewerCase):
         self.assertEqual(self.browser.get("[document.title, document.querySelector('h1').textContent]"),
                          ["<b>Ärger</b> & \"co\""] * 2)
         self.assertEqual(self.browser.get("[document.documentElement.lang, document.documentElement.dir]"), ["de", "ltr"])
+        for unknown in ("auto", "", None):
+            self.load(page.sample(language=unknown))
+            self.assertEqual(self.browser.get("document.documentElement.lang"), "")
         self.assertIn("2025", self.browser.get("document.getElementById('about').textContent"))
 
     def test_summary(self):

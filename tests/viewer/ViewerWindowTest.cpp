@@ -1,0 +1,166 @@
+// A viewer's window between its page and the engine, with a page that says what the test wants.
+
+#include "viewer/ViewerWindow.h"
+
+#include "ui/Sheet.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace tuppi;
+
+namespace {
+
+class ScriptedPage : public WebView
+{
+public:
+    using WebView::WebView;
+
+    void load() override { ++loads; }
+    void run(const QString &script) override { scripts.append(script); }
+    void ask(const QString &, std::function<void(const QVariant &)> answered) override { questions.append(std::move(answered)); }
+    void unload() override { unloads = true; }
+    void perform(Command) override { }
+    void setZoom(double) override { }
+
+    void post(const QString &text) { onMessage({{u"text"_s, text}}); }
+    void sayUnsaved(const QStringList &texts)
+    {
+        const QList<std::function<void(const QVariant &)>> all = std::exchange(questions, {});
+        for (const std::function<void(const QVariant &)> &answered : all)
+            answered(texts);
+    }
+
+    int loads = 0;
+    QStringList scripts;
+    QList<std::function<void(const QVariant &)>> questions;
+    bool unloads = false;
+};
+
+struct ScriptedPages : WebViews
+{
+    WebView *make(const WebViewSetup &, QWidget *parent) override { return page = new ScriptedPage(parent); }
+
+    ScriptedPage *page = nullptr;
+};
+
+class ViewerWindows : public testing::Test
+{
+protected:
+    ViewerWindows()
+    {
+        QObject::connect(m_window, &ViewerWindow::messagePosted, m_window,
+                         [this](const QJsonObject &, int page) { m_asked.append(page); });
+        QObject::connect(m_window, &ViewerWindow::correctionsLost, m_window,
+                         [this](const QString &reason, const QStringList &written) {
+                             m_told.append(reason + u'|' + written.join(u'|'));
+                         });
+        m_window->show();
+    }
+
+    ~ViewerWindows() override { delete m_window.data(); }
+
+    ScriptedPage *page() { return m_pages.page; }
+
+    /// What the engine says to the first message that has no answer yet.
+    void answer(const QString &written, const QString &failure = {})
+    {
+        m_window->answer(m_asked.takeFirst(), {.answer = {u"tuppiSaved"_s, {}}, .failure = failure}, written);
+    }
+
+    Sheet *sheet() const { return m_window->findChild<Sheet *>(); }
+
+    void letGo() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+    /// What is waited for does not come.
+    void losePatience()
+    {
+        auto *patience = m_window->findChild<QTimer *>(u"patience"_s);
+        ASSERT_TRUE(patience->isActive());
+        patience->setInterval(0);
+        QCoreApplication::processEvents();
+    }
+
+    ScriptedPages m_pages;
+    QPointer<ViewerWindow> m_window =
+        new ViewerWindow({.callDir = u"/a"_s, .page = u"/a/viewer.html"_s, .title = u"Talk"_s}, m_pages, {});
+    QList<int> m_asked;
+    QStringList m_told;
+    const QString m_answerScript = u"window.tuppiSaved.apply(null, [])"_s;
+};
+
+TEST_F(ViewerWindows, APageTellsOfAFailureItself)
+{
+    page()->post(u"one"_s);
+    answer(u"one"_s, u"disk full"_s);
+    EXPECT_EQ(page()->scripts, QStringList{m_answerScript});
+    EXPECT_EQ(m_told, QStringList());
+}
+
+TEST_F(ViewerWindows, AFailureAfterACrashIsTold)
+{
+    page()->post(u"one"_s);
+    page()->post(u"two"_s);
+    page()->onCrash();
+    ASSERT_NE(sheet(), nullptr);
+    answer(u"one"_s, u"disk full"_s);
+    EXPECT_EQ(m_told, QStringList{u"disk full|one"_s});
+    sheet()->answer(0);
+    EXPECT_EQ(page()->loads, 2);
+    answer(u"two"_s, u"busy"_s);
+    EXPECT_EQ(m_told, (QStringList{u"disk full|one"_s, u"busy|two"_s}));
+    page()->post(u"three"_s);
+    answer(u"three"_s, u"busy"_s);
+    EXPECT_EQ(m_told.size(), 2);
+    EXPECT_EQ(page()->scripts, QStringList{m_answerScript});
+}
+
+TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
+{
+    for (const bool closed : {false, true}) {
+        SCOPED_TRACE(closed);
+        m_told.clear();
+        bool done = false;
+        m_window->whenSaved([&] { done = true; });
+        if (closed)
+            m_window->close();
+        page()->post(u"one"_s);
+        page()->sayUnsaved({u"one"_s, u"two"_s});
+        page()->onCrash();
+        EXPECT_FALSE(done) << "the first is with the engine";
+        answer(u"one"_s);
+        EXPECT_TRUE(done);
+        EXPECT_EQ(m_told, QStringList{u"Could not save this change|two"_s});
+        if (!closed)
+            sheet()->answer(0);
+    }
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatTheEngineWasLateToSaveIsNotTakenForLost)
+{
+    m_window->whenSaved([] { });
+    page()->post(u"one"_s);
+    page()->sayUnsaved({u"one"_s});
+    losePatience();
+    answer(u"one"_s);
+    page()->onCrash();
+    EXPECT_EQ(m_told, QStringList());
+}
+
+TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
+{
+    page()->onCrash();
+    bool done = false;
+    m_window->whenSaved([&] { done = true; });
+    EXPECT_TRUE(done);
+}
+
+} // namespace
