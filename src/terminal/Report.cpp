@@ -45,17 +45,16 @@ bool Report::isFollowed(const QString &jobId) const
     return std::any_of(m_files.begin(), m_files.end(), [&](const FollowedFile &file) { return file.jobId == jobId; });
 }
 
-bool Report::claim(const QJsonObject &job, bool anyTitle)
+bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
 {
-    const QString title = job.value("title"_L1).toString();
-    const auto open = [](const FollowedFile &file) { return file.handedOver && file.jobId.isEmpty() && !file.refused; };
-    auto file = std::find_if(m_files.begin(), m_files.end(),
-                             [&](const FollowedFile &candidate) { return open(candidate) && candidate.title == title; });
-    if (file == m_files.end() && anyTitle)
-        file = std::find_if(m_files.begin(), m_files.end(), open);
+    const QString title = jobs.titleAt(index);
+    const auto file = std::find_if(m_files.begin(), m_files.end(), [&](const FollowedFile &candidate) {
+        return candidate.handedOver && candidate.jobId.isEmpty() && !candidate.refused
+            && (anyTitle || candidate.title == title);
+    });
     if (file == m_files.end())
         return false;
-    file->jobId = idOf(job);
+    file->jobId = jobs.idAt(index);
     return true;
 }
 
@@ -63,27 +62,35 @@ bool Report::claim(const QJsonObject &job, bool anyTitle)
 /// before the first history has brought about, only their titles can tell.
 void Report::claimFirstJobs(const History &history)
 {
-    for (const QJsonObject &job : history.listed) {
-        if (claim(job, false) || !IsActiveStage(job.value("status"_L1).toString()))
+    for (qsizetype index = 0; index < history.listed.size(); ++index) {
+        if (claim(history.listed, index, false) || !IsActiveStage(history.listed.statusAt(index)))
             continue;
         FollowedFile file;
-        file.jobId = idOf(job);
-        file.title = job.value("title"_L1).toString();
+        file.jobId = history.listed.idAt(index);
+        file.title = history.listed.titleAt(index);
         m_files.append(file);
     }
 }
 
+/// Another process's job may stand before ours: no file takes a job without its title while others are unasked.
+void Report::claimNewJobs(const History &history)
+{
+    const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
+    QList<qsizetype> unclaimed;
+    for (qsizetype index = 0; index < history.entries.size(); ++index) {
+        if (!known.contains(history.entries.idAt(index)) && !claim(history.entries, index, false))
+            unclaimed.append(index);
+    }
+    for (const qsizetype index : unclaimed)
+        claim(history.entries, index, true);
+}
+
 void Report::claimJobs(const History &history, bool starting)
 {
-    if (!m_loaded) {
+    if (m_loaded)
+        claimNewJobs(history);
+    else
         claimFirstJobs(history);
-    } else {
-        const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
-        for (qsizetype index = 0; index < history.entries.size(); ++index) {
-            if (!known.contains(history.entries.idAt(index)))
-                claim(history.entries.at(index), true);
-        }
-    }
     // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
     if (!m_loaded || !starting)
         m_knownJobs = JobIds(history);

@@ -59,7 +59,8 @@ private:
     bool isFollowed(const QString &jobId) const;
     void claimJobs(const History &history, bool starting);
     void claimFirstJobs(const History &history);
-    bool claim(const QJsonObject &job, bool anyTitle);
+    void claimNewJobs(const History &history);
+    bool claim(const JobList &jobs, qsizetype index, bool anyTitle);
     bool report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
                 QList<ReportLine> &lines);
 

@@ -141,6 +141,18 @@ TEST_F(ReportTest, JobWithAnotherTitleIsTakenForTheFileThatWaitsForOne)
     EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
 }
 
+TEST_F(ReportTest, JobWithTheTitleComesBeforeOneWithoutIt)
+{
+    load("[]");
+    update();
+    handOver(u"/x/two.wav"_s);
+    load(R"([{"id":"j2","title":"three","status":"failed"},{"id":"j1","title":"two","status":"ready"}])");
+    update();
+    ASSERT_EQ(m_report.files().size(), 1);
+    EXPECT_EQ(m_report.files().first().jobId, u"j1"_s);
+    EXPECT_TRUE(m_report.allReady());
+}
+
 TEST_F(ReportTest, FileTakenBeforeTheFirstHistoryGetsTheJobOfItsTitle)
 {
     handOver(u"/x/talk.m4a"_s);
