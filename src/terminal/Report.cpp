@@ -3,6 +3,7 @@
 #include "engine/Stages.h"
 #include "list/Describe.h"
 #include "list/Rows.h"
+#include "settings/L.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -13,11 +14,6 @@ namespace tuppi {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-QString idOf(const QJsonObject &job)
-{
-    return job.value("id"_L1).toString();
-}
 
 bool hasEnded(const FollowedFile &file)
 {
@@ -38,11 +34,6 @@ FollowedFile &Report::fileFor(const QString &path)
     file.title = QFileInfo(path).completeBaseName();
     m_files.append(file);
     return m_files.last();
-}
-
-bool Report::isFollowed(const QString &jobId) const
-{
-    return std::any_of(m_files.begin(), m_files.end(), [&](const FollowedFile &file) { return file.jobId == jobId; });
 }
 
 bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
@@ -119,25 +110,17 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
     if (jobs.loaded)
         claimJobs(*jobs.history, jobs.starting);
     const Rows rows = BuildRows(jobs).rows;
-    for (qsizetype index = 0; index < rows.size(); ++index) {
-        const QString key = rows.keyAt(index);
-        if (index >= rows.locals() && !isFollowed(key))
-            continue;
+    for (qsizetype index = 0; index < rows.locals(); ++index) {
         const QJsonObject row = rows.at(index);
-        const QString status = row.value("status"_L1).toString();
-        const QString id = idOf(row);
-        if (status == "waiting"_L1) {
+        if (row.value("status"_L1) == "waiting"_L1)
             report(fileFor(row.value("waitPath"_L1).toString()), row, jobs, customModels, lines);
-        } else if (status == "starting"_L1) {
-            if (!jobs.starting) // an interrupted one: it is followed when it waits again
-                continue;
+        else if (jobs.starting) // an interrupted one is followed when it waits again
             report(fileFor(WaitingPath(jobs.startingEntry)), row, jobs, customModels, lines);
-        } else if (!id.isEmpty()) {
-            const auto file = std::find_if(m_files.begin(), m_files.end(),
-                                           [&](const FollowedFile &candidate) { return candidate.jobId == id; });
-            if (file != m_files.end())
-                report(*file, row, jobs, customModels, lines);
-        }
+    }
+    for (FollowedFile &file : m_files) {
+        const qsizetype index = file.jobId.isEmpty() ? -1 : jobs.history->entries.indexOfId(file.jobId);
+        if (index >= 0) // also where it is hidden from the list
+            report(file, jobs.history->entries.at(index), jobs, customModels, lines);
     }
     return lines;
 }
@@ -149,16 +132,18 @@ void Report::startFinished(const QString &path, bool taken)
     file.refused = !taken;
 }
 
-QStringList Report::giveUpUnlisted()
+QList<ReportLine> Report::giveUpUnlisted(const History &history)
 {
-    QStringList titles;
+    QList<ReportLine> lines;
     for (FollowedFile &file : m_files) {
-        if (file.handedOver && file.jobId.isEmpty() && !file.refused) {
-            file.refused = true;
-            titles.append(file.title);
-        }
+        const bool isLost = file.jobId.isEmpty() ? file.handedOver : history.entries.indexOfId(file.jobId) < 0;
+        if (hasEnded(file) || !isLost)
+            continue;
+        file.refused = true;
+        lines.append({file.title, file.jobId.isEmpty() ? L(u"The engine took the file but lists no job for it."_s)
+                                                       : L(u"The engine no longer lists its job."_s)});
     }
-    return titles;
+    return lines;
 }
 
 bool Report::isFinished(const JobsState &jobs) const

@@ -59,9 +59,9 @@ void TerminalView::showPolled(const JobsState &jobs)
 {
     if (m_isOver)
         return;
-    const QStringList unlisted = m_report.giveUpUnlisted();
-    for (const QString &title : unlisted)
-        showFailure(title, L(u"The engine took the file but lists no job for it."_s));
+    const QList<ReportLine> unlisted = m_report.giveUpUnlisted(*jobs.history);
+    for (const ReportLine &line : unlisted)
+        showFailure(line.title, line.text);
     if (!m_report.isFinished(jobs))
         return;
     m_isOver = true;

@@ -165,6 +165,15 @@ class Outcomes(TranscribeTest):
         self.assertEqual(run.status, 1)
         self.assertEqual(run.err, "one: The engine took the file but lists no job for it.\n")
 
+    def test_job_that_the_engine_no_longer_lists_is_1(self):
+        self.engine.keep_book("queued")
+        run = self.start(self.one)
+        run.wait_for("one: Starting…")
+        self.engine.answer("history", "[]")
+        self.engine.touch_state()
+        self.assertEqual(run.end(), 1)
+        self.assertEqual(run.err, "one: The engine no longer lists its job.\n")
+
     def test_missing_engine_is_1_and_the_files_keep_waiting(self):
         self.engine.uninstall()
         run = self.run_to_end(self.one, self.two)
