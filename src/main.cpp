@@ -99,17 +99,16 @@ int transcribe(Defaults &defaults, const Options &options)
     QObject::connect(&delegate, &AppDelegate::polled, &view, [&] { view.showPolled(delegate.jobs()); });
     QObject::connect(&delegate, &AppDelegate::startFinished, &view, &TerminalView::showStartFinished);
     QObject::connect(&delegate, &AppDelegate::failureReported, &view, &TerminalView::showFailure);
+    QObject::connect(&delegate, &AppDelegate::flashed, &view, &TerminalView::showPassing);
     QObject::connect(&view, &TerminalView::finished, qApp, [](int status) { QCoreApplication::exit(status); },
                      Qt::QueuedConnection);
     QObject::connect(&interrupts, &Interrupts::interrupted, &view, [&] {
-        view.showInterrupted(delegate.jobs(), delegate.ownsStoredQueue());
+        view.showInterrupted(delegate.jobs(), delegate.keepsQueue());
         QCoreApplication::exit(1);
     });
 
     delegate.setEngineInstaller(EngineInstallerFor(QCoreApplication::applicationDirPath()));
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Terminal);
-    if (!delegate.ownsStoredQueue())
-        view.showNotice(L(u"Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only."_s));
     delegate.enqueue(options.files, choicesFor(options, defaults));
     return QCoreApplication::exec();
 }

@@ -145,11 +145,6 @@ void AppDelegate::startAnswered(const EngineReply &reply)
     poll();
 }
 
-bool AppDelegate::somethingActive() const
-{
-    return SomethingActive(m_jobs);
-}
-
 bool AppDelegate::busyExcept(const QString &id) const
 {
     return BusyExcept(m_jobs, id);

@@ -86,6 +86,14 @@ void TerminalView::showNotice(const QString &text)
     m_err << text << Qt::endl;
 }
 
+void TerminalView::showPassing(const QString &text)
+{
+    if (m_said.contains(text))
+        return;
+    m_said.append(text);
+    showNotice(text);
+}
+
 void TerminalView::printResults()
 {
     endProgressLine();
@@ -99,7 +107,7 @@ void TerminalView::printResults()
     }
 }
 
-void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsStored)
+void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsKept)
 {
     m_isOver = true;
     QStringList working, waiting;
@@ -112,8 +120,8 @@ void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsStored)
     if (!working.isEmpty())
         showNotice(Fill(L(u"The engine goes on with “%@”."_s), {working.join(u"”, “"_s)}));
     if (!waiting.isEmpty())
-        showNotice(Fill(L(queueIsStored ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
-                                        : u"Not transcribed, and not kept: %@"_s),
+        showNotice(Fill(L(queueIsKept ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
+                                      : u"Not transcribed, and not kept: %@"_s),
                         {waiting.join(u", "_s)}));
 }
 

@@ -13,6 +13,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 from scripted_engine import DEADLINE, ScriptedEngine, wait_until  # noqa: E402
 
 PROGRAM = os.environ["TUPPI_PROGRAM"]
+NOT_SAVED = "The waiting list could not be saved. It is kept until the app quits.\n"
 ENGINE_MISSING = "Tuppi's engine could not be found — please run the installer again."
 
 
@@ -348,6 +349,16 @@ class Interruption(TranscribeTest):
         self.assertEqual(run.err, "Still waiting for the next start of Tuppi Transcriber: one.m4a, two.wav\n")
         self.assertEqual(self.engine.waiting(), ["one.m4a", "two.wav"])
 
+    def test_list_that_cannot_be_saved_is_told_and_not_called_kept(self):
+        self.engine.recording(".config")  # a file where the folder should be
+        self.engine.keep_book("queued")
+        run = self.start(self.one, self.two)
+        run.wait_for("one: Starting…")
+        run.wait_for(NOT_SAVED)
+        os.killpg(run.process.pid, signal.SIGINT)
+        self.assertEqual(run.end(), 1)
+        self.assertEqual(run.err, NOT_SAVED + "The engine goes on with “one”.\nNot transcribed, and not kept: two.wav\n")
+
     def test_killed_while_a_start_is_in_flight_every_file_is_started_once(self):
         self.engine.keep_book("ready")
         self.engine.answer("process", before='wait_for process\nlocked book_add "$2"', nth=1)
@@ -373,7 +384,7 @@ class Interruption(TranscribeTest):
 
 
 class TwoProcesses(TranscribeTest):
-    NOTICE = "Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only.\n"
+    NOTICE = "Another Tuppi is running. The list here is kept only until the app quits.\n"
 
     def start_first(self):
         self.engine.keep_book("queued")
