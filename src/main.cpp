@@ -94,8 +94,11 @@ int transcribe(Defaults &defaults, const Options &options)
     Interrupts interrupts;
     AppDelegate delegate(defaults);
     TerminalView view;
-    QObject::connect(&delegate, &AppDelegate::refreshed, &view,
-                     [&] { view.showState(delegate.jobs(), delegate.models().custom); });
+    QObject::connect(&delegate, &AppDelegate::refreshed, &view, [&] {
+        view.showState(delegate.jobs(), delegate.models().custom);
+        if (delegate.jobs().engineBroken)
+            view.showEngineMissing(delegate.jobs(), delegate.keepsQueue());
+    });
     QObject::connect(&delegate, &AppDelegate::polled, &view, [&] { view.showPolled(delegate.jobs()); });
     QObject::connect(&delegate, &AppDelegate::startFinished, &view, &TerminalView::showStartFinished);
     QObject::connect(&delegate, &AppDelegate::failureReported, &view, &TerminalView::showFailure);

@@ -48,11 +48,16 @@ void TerminalView::showState(const JobsState &jobs, const QJsonArray &customMode
     const QList<ReportLine> lines = m_report.update(jobs, customModels);
     for (const ReportLine &line : lines)
         printLine(line);
-    if (jobs.engineBroken) {
-        showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
-        m_isOver = true;
-        Q_EMIT finished(1);
-    }
+}
+
+void TerminalView::showEngineMissing(const JobsState &jobs, bool queueIsKept)
+{
+    if (m_isOver)
+        return;
+    m_isOver = true;
+    showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
+    showWaiting(jobs.waiting, queueIsKept);
+    Q_EMIT finished(1);
 }
 
 void TerminalView::showPolled(const JobsState &jobs)
@@ -110,19 +115,25 @@ void TerminalView::printResults()
 void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsKept)
 {
     m_isOver = true;
-    QStringList working, waiting;
+    QStringList working;
     if (jobs.starting)
         working.append(QFileInfo(WaitingPath(jobs.startingEntry)).completeBaseName());
     for (const QJsonObject &job : jobs.history->active)
         working.append(job.value("title"_L1).toString());
-    for (const WaitingEntry &entry : jobs.waiting)
-        waiting.append(QFileInfo(WaitingPath(entry)).fileName());
     if (!working.isEmpty())
         showNotice(Fill(L(u"The engine goes on with “%@”."_s), {working.join(u"”, “"_s)}));
-    if (!waiting.isEmpty())
+    showWaiting(jobs.waiting, queueIsKept);
+}
+
+void TerminalView::showWaiting(const WaitingQueue &waiting, bool queueIsKept)
+{
+    QStringList names;
+    for (const WaitingEntry &entry : waiting)
+        names.append(QFileInfo(WaitingPath(entry)).fileName());
+    if (!names.isEmpty())
         showNotice(Fill(L(queueIsKept ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
                                       : u"Not transcribed, and not kept: %@"_s),
-                        {waiting.join(u", "_s)}));
+                        {names.join(u", "_s)}));
 }
 
 } // namespace tuppi

@@ -22,6 +22,8 @@ public:
     void showNotice(const QString &text);
     /// A message that passes in a window: said once.
     void showPassing(const QString &text);
+    /// Ends the run and says what waits for the next one.
+    void showEngineMissing(const JobsState &jobs, bool queueIsKept);
     /// Says what goes on without this process and what waits for the next one.
     void showInterrupted(const JobsState &jobs, bool queueIsKept);
 
@@ -33,6 +35,7 @@ private:
     void printLine(const ReportLine &line);
     void endProgressLine();
     void printResults();
+    void showWaiting(const WaitingQueue &waiting, bool queueIsKept);
 
     Report m_report;
     QTextStream m_out;

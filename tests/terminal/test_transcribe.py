@@ -14,7 +14,9 @@ from scripted_engine import DEADLINE, ScriptedEngine, wait_until  # noqa: E402
 
 PROGRAM = os.environ["TUPPI_PROGRAM"]
 NOT_SAVED = "The waiting list could not be saved. It is kept until the app quits.\n"
-ENGINE_MISSING = "Tuppi's engine could not be found — please run the installer again."
+ENGINE_MISSING = "Tuppi's engine could not be found — please run the installer again.\n"
+KEPT = "Still waiting for the next start of Tuppi Transcriber: "
+NOT_KEPT = "Not transcribed, and not kept: "
 
 
 class Running:
@@ -179,7 +181,7 @@ class Outcomes(TranscribeTest):
         self.engine.uninstall()
         run = self.run_to_end(self.one, self.two)
         self.assertEqual(run.status, 1)
-        self.assertEqual(run.err, ENGINE_MISSING + "\n")
+        self.assertEqual(run.err, ENGINE_MISSING + KEPT + "one.m4a, two.wav\n")
         self.assertEqual(self.engine.waiting(), ["one.m4a", "two.wav"])
         self.engine.install()
         self.engine.keep_book("ready")
@@ -193,7 +195,7 @@ class Outcomes(TranscribeTest):
         run.wait_for("one: Starting…")
         self.engine.uninstall()
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, ENGINE_MISSING + "\n")
+        self.assertEqual(run.err, ENGINE_MISSING + KEPT + "two.wav\n")
         self.assertEqual(self.engine.waiting(), ["two.wav"])
         self.engine.install()
         self.engine.keep_book("ready")
@@ -310,8 +312,7 @@ class Interruption(TranscribeTest):
         run.wait_for("one: Starting…")
         os.killpg(run.process.pid, number)
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, "The engine goes on with “one”.\n"
-                                  "Still waiting for the next start of Tuppi Transcriber: two.wav\n")
+        self.assertEqual(run.err, "The engine goes on with “one”.\n" + KEPT + "two.wav\n")
         self.assertEqual(self.engine.waiting(), ["two.wav"])
 
     def test_interrupted_it_says_what_goes_on_and_what_waits_and_the_next_run_goes_on(self):
@@ -346,7 +347,7 @@ class Interruption(TranscribeTest):
         run.wait_for("two: Waiting in line…")
         os.killpg(run.process.pid, signal.SIGINT)
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, "Still waiting for the next start of Tuppi Transcriber: one.m4a, two.wav\n")
+        self.assertEqual(run.err, KEPT + "one.m4a, two.wav\n")
         self.assertEqual(self.engine.waiting(), ["one.m4a", "two.wav"])
 
     def test_list_that_cannot_be_saved_is_told_and_not_called_kept(self):
@@ -357,7 +358,7 @@ class Interruption(TranscribeTest):
         run.wait_for(NOT_SAVED)
         os.killpg(run.process.pid, signal.SIGINT)
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, NOT_SAVED + "The engine goes on with “one”.\nNot transcribed, and not kept: two.wav\n")
+        self.assertEqual(run.err, NOT_SAVED + "The engine goes on with “one”.\n" + NOT_KEPT + "two.wav\n")
 
     def test_killed_while_a_start_is_in_flight_every_file_is_started_once(self):
         self.engine.keep_book("ready")
@@ -417,10 +418,21 @@ class TwoProcesses(TranscribeTest):
         second.wait_for("one: Starting…")
         second.process.send_signal(signal.SIGINT)
         self.assertEqual(second.end(), 1)
-        self.assertEqual(second.err, self.NOTICE + "The engine goes on with “one”.\n"
-                                                   "Not transcribed, and not kept: two.wav\n")
+        self.assertEqual(second.err, self.NOTICE + "The engine goes on with “one”.\n" + NOT_KEPT + "two.wav\n")
         self.finish_first(first)
         self.assertEqual(self.started_files(), ["one.m4a"])
+
+    def test_second_without_an_engine_says_that_its_files_are_not_kept(self):
+        first = self.start_first()
+        second = self.start(self.two)
+        second.wait_for("two: Waiting in line…")
+        second.wait_for("one: Starting…")
+        self.engine.uninstall()
+        self.assertEqual(second.end(), 1)
+        self.assertEqual(second.err, self.NOTICE + ENGINE_MISSING + NOT_KEPT + "two.wav\n")
+        self.assertEqual(first.end(), 1)
+        self.assertEqual(first.err, ENGINE_MISSING)
+        self.assertEqual(self.engine.waiting(), [])
 
 
 class OnATerminal(TranscribeTest):
