@@ -3,6 +3,7 @@
 #include "settings/Val.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 #include <QUrl>
 
@@ -34,6 +35,12 @@ void carryOptions(const QVariantMap &from, QVariantMap &to)
 QString WaitingPath(const WaitingEntry &entry)
 {
     return entry.value(u"url"_s).toUrl().toLocalFile();
+}
+
+QString TitleOfFile(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
 }
 
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)

@@ -23,6 +23,10 @@ struct StartChoices
 /// Full path of an entry's file, empty when it has none.
 QString WaitingPath(const WaitingEntry &entry);
 
+/// The title that a file has until the engine gives its job another: its name without the extension; a name that is an
+/// extension alone stands whole.
+QString TitleOfFile(const QString &path);
+
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);
 

@@ -3,7 +3,6 @@
 #include "settings/Fill.h"
 #include "settings/L.h"
 
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QUrl>
 
@@ -17,20 +16,13 @@ QJsonObject startingRow()
     return {{u"local"_s, true}, {u"title"_s, L(u"Preparing…"_s)}, {u"status"_s, u"starting"_s}};
 }
 
-/// Its name without the extension; a name that is an extension alone stands whole.
-QString titleOfFile(const QString &path)
-{
-    const QFileInfo file(path);
-    return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
-}
-
 QJsonObject waitingRow(const QString &path, qsizetype index)
 {
     return {{u"local"_s, true},
             {u"waitIndex"_s, qint64(index)},
             {u"waitPath"_s, path},
             {u"status"_s, u"waiting"_s},
-            {u"title"_s, titleOfFile(path)}};
+            {u"title"_s, TitleOfFile(path)}};
 }
 
 /// Of the files that wait, in their order.

@@ -5,7 +5,6 @@
 #include "list/Rows.h"
 #include "settings/L.h"
 
-#include <QFileInfo>
 #include <QSet>
 
 #include <algorithm>
@@ -31,7 +30,7 @@ FollowedFile &Report::fileFor(const QString &path)
         return *known;
     FollowedFile file;
     file.path = path;
-    file.title = QFileInfo(path).completeBaseName();
+    file.title = TitleOfFile(path);
     m_files.append(file);
     return m_files.last();
 }

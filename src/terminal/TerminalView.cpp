@@ -5,12 +5,29 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Title and text in one row of the terminal, the title cut where there is no room for it.
+QString fitted(const QString &title, const QString &text)
+{
+    constexpr qsizetype least = 8; // of the title, however narrow the terminal
+    const QString rest = u": "_s + text;
+    winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const qsizetype room = std::max(least, size.ws_col - rest.size());
+    return (isKnown && title.size() > room ? title.first(room - 1) + u'…' : title) + rest;
+}
+
+} // namespace
 
 TerminalView::TerminalView(QObject *parent)
     : QObject(parent)
@@ -22,16 +39,17 @@ TerminalView::TerminalView(QObject *parent)
 
 void TerminalView::printLine(const ReportLine &line)
 {
+    if (!m_rewritesProgress) {
+        m_out << OneLine(line.title + u": "_s + line.text) << Qt::endl;
+        return;
+    }
     if (line.sameStage && m_progressLineOpen)
         m_out << "\r\x1b[K";
     else
         endProgressLine();
-    m_out << line.title << ": " << line.text;
-    if (m_rewritesProgress)
-        m_progressLineOpen = true;
-    else
-        m_out << '\n';
-    m_out.flush();
+    // Of a line that goes on in the next row, that row alone could be rewritten: the terminal cuts what is too long.
+    m_out << "\x1b[?7l" << fitted(OneLine(line.title), OneLine(line.text)) << "\x1b[?7h" << Qt::flush;
+    m_progressLineOpen = true;
 }
 
 void TerminalView::endProgressLine()
@@ -88,7 +106,7 @@ void TerminalView::showFailure(const QString &title, const QString &detail)
 void TerminalView::showNotice(const QString &text)
 {
     endProgressLine();
-    m_err << text << Qt::endl;
+    m_err << OneLine(text) << Qt::endl;
 }
 
 void TerminalView::showPassing(const QString &text)
@@ -106,9 +124,9 @@ void TerminalView::printResults()
         m_out << L(u"Nothing is waiting."_s) << Qt::endl;
     for (const FollowedFile &file : m_report.files()) {
         if (file.stage == "ready"_L1)
-            m_out << file.title << ": " << file.callDir << Qt::endl;
+            m_out << OneLine(file.title) << ": " << file.callDir << Qt::endl;
         else if (!file.refused)
-            m_err << file.title << ": " << file.text << Qt::endl;
+            showNotice(file.title + u": "_s + file.text);
     }
 }
 
@@ -117,7 +135,7 @@ void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsKept)
     m_isOver = true;
     QStringList working;
     if (jobs.starting)
-        working.append(QFileInfo(WaitingPath(jobs.startingEntry)).completeBaseName());
+        working.append(TitleOfFile(WaitingPath(jobs.startingEntry)));
     for (const QJsonObject &job : jobs.history->active)
         working.append(job.value("title"_L1).toString());
     if (!working.isEmpty())

@@ -1,11 +1,14 @@
 """The built program without a window, against the scripted engine."""
 
+import fcntl
 import json
 import os
 import pty
 import signal
+import struct
 import subprocess
 import sys
+import termios
 import threading
 import unittest
 
@@ -436,14 +439,26 @@ class TwoProcesses(TranscribeTest):
 
 
 class OnATerminal(TranscribeTest):
-    def test_progress_is_rewritten_in_place(self):
+    TEXT = ": Listening and writing down… "
+
+    def start_on_terminal(self, file, columns=0):
         self.engine.keep_book("transcribing")
         self.engine.answer("status", '{"latest_job":{"id":"job-1","progress":"10%"}}')
         master, slave = pty.openpty()
         self.addCleanup(os.close, master)
-        run = self.start(self.one, stdout=slave)
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+        run = self.start(file, stdout=slave)
         os.close(slave)
         run.read_terminal(master)
+        return run
+
+    @staticmethod
+    def in_one_row(line):
+        """The line between the codes that keep it in one row."""
+        return f"\x1b[?7l{line}\x1b[?7h"
+
+    def test_progress_is_rewritten_in_place(self):
+        run = self.start_on_terminal(self.one)
         for percent in ("20%", "30%"):
             run.wait_for(f"{int(percent[:-1]) - 10}%")
             self.engine.answer("status", json.dumps({"latest_job": {"id": "job-1", "progress": percent}}))
@@ -452,10 +467,20 @@ class OnATerminal(TranscribeTest):
         self.engine.set_job(1, title="one", status="ready", call_dir="/calls/one")
         self.engine.touch_state()
         self.assertEqual(run.end(), 0)
-        text = "one: Listening and writing down… "
-        self.assertIn(f"\r\n{text}10%\r\x1b[K{text}20%\r\x1b[K{text}30%\r\n", run.out)
-        self.assertTrue(run.out.endswith("one: Done ·  · 1 min\r\none: /calls/one\r\n"), repr(run.out))
+        lines = [self.in_one_row("one" + self.TEXT + percent) for percent in ("10%", "20%", "30%")]
+        self.assertIn("\r\n" + "\r\x1b[K".join(lines) + "\r\n", run.out)
+        self.assertTrue(run.out.endswith(self.in_one_row("one: Done ·  · 1 min") + "\r\none: /calls/one\r\n"), repr(run.out))
         self.assertEqual(run.err, "")
+
+    def test_title_gives_way_to_the_progress(self):
+        run = self.start_on_terminal(self.engine.recording("a very long name of a talk.m4a"), columns=50)
+        line = "a very long name…" + self.TEXT + "10%"
+        run.wait_for(self.in_one_row(line))
+        self.assertEqual(len(line), 50)
+
+    def test_name_with_control_characters_is_one_line_of_text(self):
+        run = self.start_on_terminal(self.engine.recording("one\x1b[2J\rtwo\n.m4a"))
+        run.wait_for(self.in_one_row("one [2J two: Waiting in line…"))
 
 
 if __name__ == "__main__":
