@@ -96,15 +96,19 @@ int transcribe(Defaults &defaults, const Options &options)
     Interrupts interrupts;
     AppDelegate delegate(defaults);
     TerminalView view;
-    QObject::connect(&delegate, &AppDelegate::refreshed, &view,
-                     [&] { view.showState(delegate.jobs(), delegate.models().custom); });
+    QObject::connect(&delegate, &AppDelegate::refreshed, &view, [&] {
+        view.showState(delegate.jobs(), delegate.models().custom);
+        if (delegate.jobs().engineBroken)
+            view.showEngineMissing(delegate.jobs(), delegate.keepsQueue());
+    });
     QObject::connect(&delegate, &AppDelegate::polled, &view, [&] { view.showPolled(delegate.jobs()); });
     QObject::connect(&delegate, &AppDelegate::startFinished, &view, &TerminalView::showStartFinished);
     QObject::connect(&delegate, &AppDelegate::failureReported, &view, &TerminalView::showFailure);
+    QObject::connect(&delegate, &AppDelegate::flashed, &view, &TerminalView::showPassing);
     QObject::connect(&view, &TerminalView::finished, qApp, [](int status) { QCoreApplication::exit(status); },
                      Qt::QueuedConnection);
     QObject::connect(&interrupts, &Interrupts::interrupted, &view, [&] {
-        view.showInterrupted(delegate.jobs(), delegate.ownsStoredQueue());
+        view.showInterrupted(delegate.jobs(), delegate.keepsQueue());
         QCoreApplication::exit(1);
     });
 
@@ -114,8 +118,6 @@ int transcribe(Defaults &defaults, const Options &options)
         view.showNotice(L(u"Your settings could not be read"_s) + u": "_s
                         + SettingsSetAsideDetail(defaults.setAside(), QDir::homePath()));
     }
-    if (!delegate.ownsStoredQueue())
-        view.showNotice(L(u"Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only."_s));
     delegate.enqueue(options.files, choicesFor(options, defaults));
     return QCoreApplication::exec();
 }

@@ -1,6 +1,7 @@
 #include "actions/RenameSheet.h"
 
 #include "actions/RowRules.h"
+#include "settings/Fill.h"
 #include "settings/L.h"
 #include "ui/Metrics.h"
 #include "ui/Sheet.h"
@@ -28,7 +29,7 @@ void askForTitle(QWidget *window, const QString &title, std::function<void(const
     field->setFixedSize(Metrics::titleFieldWidth, Metrics::titleFieldHeight);
     // The sheet outlives its answer, and so does the field in it.
     Sheet *sheet = Sheet::open(window, text, [field, then = std::move(then)](int button) {
-        const QString typed = TypedTitle(field->text());
+        const QString typed = OneLine(field->text());
         if (button == rename && !typed.isEmpty())
             then(typed);
     });

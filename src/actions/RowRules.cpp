@@ -3,8 +3,6 @@
 #include "engine/Stages.h"
 #include "settings/Val.h"
 
-#include <QRegularExpression>
-
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
@@ -27,12 +25,6 @@ bool IsRowCommandAllowed(const QJsonObject &row, const QString &action)
     if (action == "removeRow"_L1 || action == "renameRow"_L1)
         return !working;
     return action == "showRowInFinder"_L1 || status == "ready"_L1;
-}
-
-QString TypedTitle(const QString &typed)
-{
-    static const QRegularExpression breaks(u"[\\p{Cc}\\x{2028}\\x{2029}]+"_s);
-    return QString(typed).replace(breaks, u" "_s).trimmed();
 }
 
 } // namespace tuppi

@@ -11,7 +11,4 @@ bool IsRowCommandAllowed(const QJsonObject &row, const QString &action);
 /// The most characters that the engine takes in a title.
 inline constexpr int longestTitle = 500;
 
-/// A title as it was typed or pasted, as one line: what breaks lines or is no text at all becomes a blank.
-QString TypedTitle(const QString &typed);
-
 } // namespace tuppi

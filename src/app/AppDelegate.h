@@ -49,8 +49,8 @@ public:
     const JobsState &jobs() const { return m_jobs; }
     const ListState &list() const { return m_list; }
     const ModelsState &models() const { return m_models; }
-    /// False while another process owns the stored queue and this one's files wait in memory only.
-    bool ownsStoredQueue() const { return m_queue.owned; }
+    /// False where the files wait in memory only, another process having the stored queue or the disk being at fault.
+    bool keepsQueue() const { return m_queue.isKept(); }
 
     // Main loop
     void startWork();
@@ -69,7 +69,6 @@ public:
     void takeOverWaiting();
     void removeWaiting(const QString &rowKey);
     void startNextIfIdle();
-    bool somethingActive() const;
     bool busyExcept(const QString &id) const;
 
     // Main window
@@ -172,6 +171,8 @@ Q_SIGNALS:
     /// The rows differ from those shown before.
     void rowsChanged();
     void summaryChanged(const QString &summary);
+    /// The summary is a message that goes by itself.
+    void flashed(const QString &text);
     /// A poll ended whose history is usable and no older than the last start.
     void polled();
     /// The engine has answered a start; the file is no longer in flight.

@@ -140,11 +140,6 @@ void AppDelegate::startAnswered(const EngineReply &reply)
     pollAnew();
 }
 
-bool AppDelegate::somethingActive() const
-{
-    return SomethingActive(m_jobs);
-}
-
 bool AppDelegate::busyExcept(const QString &id) const
 {
     return BusyExcept(m_jobs, id);

@@ -24,6 +24,9 @@ struct QueueStore
     }
     Q_DISABLE_COPY(QueueStore)
 
+    /// The queue outlives this process: it is on the disk as it was last saved. Waits for the disk.
+    bool isKept() const { return owned && (!stored.valid() || stored.get()); }
+
     Defaults &defaults;
     FileLock ownerLock;
     /// Handed to each "process" command: while somebody else holds it, a start of an earlier run is at work.

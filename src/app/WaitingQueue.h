@@ -26,6 +26,10 @@ QString WaitingPath(const WaitingEntry &entry);
 /// until the end of the work.
 QString TitleOfFile(const QString &path);
 
+/// The title that a file has until the engine gives its job another: its name without the extension; a name that is an
+/// extension alone stands whole.
+QString TitleOfFile(const QString &path);
+
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);
 

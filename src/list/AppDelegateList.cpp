@@ -49,6 +49,7 @@ void AppDelegate::flash(const QString &text)
     m_list.transientUntil = QDateTime::currentDateTime().addMSecs(flashMilliseconds);
     m_list.summary = text;
     Q_EMIT summaryChanged(text);
+    Q_EMIT flashed(text);
 }
 
 void AppDelegate::reportFailure(int status, const QString &err, const QString &title)

@@ -1,5 +1,7 @@
 #include "settings/Fill.h"
 
+#include <QRegularExpression>
+
 #include <optional>
 
 namespace tuppi {
@@ -92,6 +94,12 @@ QString Fill(const QString &format, const QVariantList &arguments)
     }
     text += whole.sliced(copied);
     return text;
+}
+
+QString OneLine(const QString &text)
+{
+    static const QRegularExpression breaks(u"[\\p{Cc}\\x{2028}\\x{2029}]+"_s);
+    return QString(text).replace(breaks, u" "_s).trimmed();
 }
 
 } // namespace tuppi

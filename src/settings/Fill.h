@@ -13,4 +13,8 @@ namespace tuppi {
 /// kind is shown as its text, and anything else after a percent sign stays as it stands.
 QString Fill(const QString &format, const QVariantList &arguments);
 
+/// A text that others gave, a name or what was pasted, as one line: what breaks lines or is no text at all becomes a
+/// blank.
+QString OneLine(const QString &text);
+
 } // namespace tuppi

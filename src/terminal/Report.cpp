@@ -3,8 +3,8 @@
 #include "engine/Stages.h"
 #include "list/Describe.h"
 #include "list/Rows.h"
+#include "settings/L.h"
 
-#include <QFileInfo>
 #include <QSet>
 
 #include <algorithm>
@@ -13,11 +13,6 @@ namespace tuppi {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-QString idOf(const QJsonObject &job)
-{
-    return job.value("id"_L1).toString();
-}
 
 bool hasEnded(const FollowedFile &file)
 {
@@ -35,27 +30,21 @@ FollowedFile &Report::fileFor(const QString &path)
         return *known;
     FollowedFile file;
     file.path = path;
-    file.title = QFileInfo(path).completeBaseName();
+    file.title = TitleOfFile(path);
     m_files.append(file);
     return m_files.last();
 }
 
-bool Report::isFollowed(const QString &jobId) const
+bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
 {
-    return std::any_of(m_files.begin(), m_files.end(), [&](const FollowedFile &file) { return file.jobId == jobId; });
-}
-
-bool Report::claim(const QJsonObject &job, bool anyTitle)
-{
-    const QString title = job.value("title"_L1).toString();
-    const auto open = [](const FollowedFile &file) { return file.handedOver && file.jobId.isEmpty() && !file.refused; };
-    auto file = std::find_if(m_files.begin(), m_files.end(),
-                             [&](const FollowedFile &candidate) { return open(candidate) && candidate.title == title; });
-    if (file == m_files.end() && anyTitle)
-        file = std::find_if(m_files.begin(), m_files.end(), open);
+    const QString title = jobs.titleAt(index);
+    const auto file = std::find_if(m_files.begin(), m_files.end(), [&](const FollowedFile &candidate) {
+        return candidate.handedOver && candidate.jobId.isEmpty() && !candidate.refused
+            && (anyTitle || candidate.title == title);
+    });
     if (file == m_files.end())
         return false;
-    file->jobId = idOf(job);
+    file->jobId = jobs.idAt(index);
     return true;
 }
 
@@ -63,27 +52,35 @@ bool Report::claim(const QJsonObject &job, bool anyTitle)
 /// before the first history has brought about, only their titles can tell.
 void Report::claimFirstJobs(const History &history)
 {
-    for (const QJsonObject &job : history.listed) {
-        if (claim(job, false) || !IsActiveStage(job.value("status"_L1).toString()))
+    for (qsizetype index = 0; index < history.listed.size(); ++index) {
+        if (claim(history.listed, index, false) || !IsActiveStage(history.listed.statusAt(index)))
             continue;
         FollowedFile file;
-        file.jobId = idOf(job);
-        file.title = job.value("title"_L1).toString();
+        file.jobId = history.listed.idAt(index);
+        file.title = history.listed.titleAt(index);
         m_files.append(file);
     }
 }
 
+/// Another process's job may stand before ours: no file takes a job without its title while others are unasked.
+void Report::claimNewJobs(const History &history)
+{
+    const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
+    QList<qsizetype> unclaimed;
+    for (qsizetype index = 0; index < history.entries.size(); ++index) {
+        if (!known.contains(history.entries.idAt(index)) && !claim(history.entries, index, false))
+            unclaimed.append(index);
+    }
+    for (const qsizetype index : unclaimed)
+        claim(history.entries, index, true);
+}
+
 void Report::claimJobs(const History &history, bool starting)
 {
-    if (!m_loaded) {
+    if (m_loaded)
+        claimNewJobs(history);
+    else
         claimFirstJobs(history);
-    } else {
-        const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
-        for (qsizetype index = 0; index < history.entries.size(); ++index) {
-            if (!known.contains(history.entries.idAt(index)))
-                claim(history.entries.at(index), true);
-        }
-    }
     // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
     if (!m_loaded || !starting)
         m_knownJobs = JobIds(history);
@@ -112,25 +109,17 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
     if (jobs.loaded)
         claimJobs(*jobs.history, jobs.starting);
     const Rows rows = BuildRows(jobs).rows;
-    for (qsizetype index = 0; index < rows.size(); ++index) {
-        const QString key = rows.keyAt(index);
-        if (index >= rows.locals() && !isFollowed(key))
-            continue;
+    for (qsizetype index = 0; index < rows.locals(); ++index) {
         const QJsonObject row = rows.at(index);
-        const QString status = row.value("status"_L1).toString();
-        const QString id = idOf(row);
-        if (status == "waiting"_L1) {
+        if (row.value("status"_L1) == "waiting"_L1)
             report(fileFor(row.value("waitPath"_L1).toString()), row, jobs, customModels, lines);
-        } else if (status == "starting"_L1) {
-            if (!jobs.starting) // an interrupted one: it is followed when it waits again
-                continue;
+        else if (jobs.starting) // an interrupted one is followed when it waits again
             report(fileFor(WaitingPath(jobs.startingEntry)), row, jobs, customModels, lines);
-        } else if (!id.isEmpty()) {
-            const auto file = std::find_if(m_files.begin(), m_files.end(),
-                                           [&](const FollowedFile &candidate) { return candidate.jobId == id; });
-            if (file != m_files.end())
-                report(*file, row, jobs, customModels, lines);
-        }
+    }
+    for (FollowedFile &file : m_files) {
+        const qsizetype index = file.jobId.isEmpty() ? -1 : jobs.history->entries.indexOfId(file.jobId);
+        if (index >= 0) // also where it is hidden from the list
+            report(file, jobs.history->entries.at(index), jobs, customModels, lines);
     }
     return lines;
 }
@@ -142,16 +131,18 @@ void Report::startFinished(const QString &path, bool taken)
     file.refused = !taken;
 }
 
-QStringList Report::giveUpUnlisted()
+QList<ReportLine> Report::giveUpUnlisted(const History &history)
 {
-    QStringList titles;
+    QList<ReportLine> lines;
     for (FollowedFile &file : m_files) {
-        if (file.handedOver && file.jobId.isEmpty() && !file.refused) {
-            file.refused = true;
-            titles.append(file.title);
-        }
+        const bool isLost = file.jobId.isEmpty() ? file.handedOver : history.entries.indexOfId(file.jobId) < 0;
+        if (hasEnded(file) || !isLost)
+            continue;
+        file.refused = true;
+        lines.append({file.title, file.jobId.isEmpty() ? L(u"The engine took the file but lists no job for it."_s)
+                                                       : L(u"The engine no longer lists its job."_s)});
     }
-    return titles;
+    return lines;
 }
 
 bool Report::isFinished(const JobsState &jobs) const

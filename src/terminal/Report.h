@@ -19,7 +19,7 @@ struct FollowedFile
     QString stage;     ///< the status it belongs to
     QString callDir;
     bool handedOver = false;  ///< the engine has taken the file
-    bool refused = false;     ///< the engine has not, or lists no job for it
+    bool refused = false;     ///< the engine has not, or lists no job for it, or no longer
 };
 
 /// A status text that changed.
@@ -43,8 +43,8 @@ public:
     void startFinished(const QString &path, bool taken);
 
     /// Called after a poll that is no older than the last start: a file taken by then has its job listed, or
-    /// never will. Gives the titles of those given up.
-    QStringList giveUpUnlisted();
+    /// never will; a job that is listed no more has no end to wait for. Gives those given up, with the reason.
+    QList<ReportLine> giveUpUnlisted(const History &history);
 
     /// Nothing waits, nothing is in flight and every followed file has come to its end.
     bool isFinished(const JobsState &jobs) const;
@@ -56,10 +56,10 @@ public:
 
 private:
     FollowedFile &fileFor(const QString &path);
-    bool isFollowed(const QString &jobId) const;
     void claimJobs(const History &history, bool starting);
     void claimFirstJobs(const History &history);
-    bool claim(const QJsonObject &job, bool anyTitle);
+    void claimNewJobs(const History &history);
+    bool claim(const JobList &jobs, qsizetype index, bool anyTitle);
     bool report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
                 QList<ReportLine> &lines);
 

@@ -5,12 +5,29 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tuppi {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Title and text in one row of the terminal, the title cut where there is no room for it.
+QString fitted(const QString &title, const QString &text)
+{
+    constexpr qsizetype least = 8; // of the title, however narrow the terminal
+    const QString rest = u": "_s + text;
+    winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const qsizetype room = std::max(least, size.ws_col - rest.size());
+    return (isKnown && title.size() > room ? title.first(room - 1) + u'…' : title) + rest;
+}
+
+} // namespace
 
 TerminalView::TerminalView(QObject *parent)
     : QObject(parent)
@@ -22,16 +39,17 @@ TerminalView::TerminalView(QObject *parent)
 
 void TerminalView::printLine(const ReportLine &line)
 {
+    if (!m_rewritesProgress) {
+        m_out << OneLine(line.title + u": "_s + line.text) << Qt::endl;
+        return;
+    }
     if (line.sameStage && m_progressLineOpen)
         m_out << "\r\x1b[K";
     else
         endProgressLine();
-    m_out << line.title << ": " << line.text;
-    if (m_rewritesProgress)
-        m_progressLineOpen = true;
-    else
-        m_out << '\n';
-    m_out.flush();
+    // Of a line that goes on in the next row, that row alone could be rewritten: the terminal cuts what is too long.
+    m_out << "\x1b[?7l" << fitted(OneLine(line.title), OneLine(line.text)) << "\x1b[?7h" << Qt::flush;
+    m_progressLineOpen = true;
 }
 
 void TerminalView::endProgressLine()
@@ -48,20 +66,25 @@ void TerminalView::showState(const JobsState &jobs, const QJsonArray &customMode
     const QList<ReportLine> lines = m_report.update(jobs, customModels);
     for (const ReportLine &line : lines)
         printLine(line);
-    if (jobs.engineBroken) {
-        showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
-        m_isOver = true;
-        Q_EMIT finished(1);
-    }
+}
+
+void TerminalView::showEngineMissing(const JobsState &jobs, bool queueIsKept)
+{
+    if (m_isOver)
+        return;
+    m_isOver = true;
+    showNotice(L(u"Tuppi's engine could not be found — please run the installer again."_s));
+    showWaiting(jobs.waiting, queueIsKept);
+    Q_EMIT finished(1);
 }
 
 void TerminalView::showPolled(const JobsState &jobs)
 {
     if (m_isOver)
         return;
-    const QStringList unlisted = m_report.giveUpUnlisted();
-    for (const QString &title : unlisted)
-        showFailure(title, L(u"The engine took the file but lists no job for it."_s));
+    const QList<ReportLine> unlisted = m_report.giveUpUnlisted(*jobs.history);
+    for (const ReportLine &line : unlisted)
+        showFailure(line.title, line.text);
     if (!m_report.isFinished(jobs))
         return;
     m_isOver = true;
@@ -83,7 +106,15 @@ void TerminalView::showFailure(const QString &title, const QString &detail)
 void TerminalView::showNotice(const QString &text)
 {
     endProgressLine();
-    m_err << text << Qt::endl;
+    m_err << OneLine(text) << Qt::endl;
+}
+
+void TerminalView::showPassing(const QString &text)
+{
+    if (m_said.contains(text))
+        return;
+    m_said.append(text);
+    showNotice(text);
 }
 
 void TerminalView::printResults()
@@ -93,28 +124,34 @@ void TerminalView::printResults()
         m_out << L(u"Nothing is waiting."_s) << Qt::endl;
     for (const FollowedFile &file : m_report.files()) {
         if (file.stage == "ready"_L1)
-            m_out << file.title << ": " << file.callDir << Qt::endl;
+            m_out << OneLine(file.title) << ": " << file.callDir << Qt::endl;
         else if (!file.refused)
-            m_err << file.title << ": " << file.text << Qt::endl;
+            showNotice(file.title + u": "_s + file.text);
     }
 }
 
-void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsStored)
+void TerminalView::showInterrupted(const JobsState &jobs, bool queueIsKept)
 {
     m_isOver = true;
-    QStringList working, waiting;
+    QStringList working;
     if (jobs.starting)
-        working.append(QFileInfo(WaitingPath(jobs.startingEntry)).completeBaseName());
+        working.append(TitleOfFile(WaitingPath(jobs.startingEntry)));
     for (const QJsonObject &job : jobs.history->active)
         working.append(job.value("title"_L1).toString());
-    for (const WaitingEntry &entry : jobs.waiting)
-        waiting.append(QFileInfo(WaitingPath(entry)).fileName());
     if (!working.isEmpty())
         showNotice(Fill(L(u"The engine goes on with “%@”."_s), {working.join(u"”, “"_s)}));
-    if (!waiting.isEmpty())
-        showNotice(Fill(L(queueIsStored ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
-                                        : u"Not transcribed, and not kept: %@"_s),
-                        {waiting.join(u", "_s)}));
+    showWaiting(jobs.waiting, queueIsKept);
+}
+
+void TerminalView::showWaiting(const WaitingQueue &waiting, bool queueIsKept)
+{
+    QStringList names;
+    for (const WaitingEntry &entry : waiting)
+        names.append(QFileInfo(WaitingPath(entry)).fileName());
+    if (!names.isEmpty())
+        showNotice(Fill(L(queueIsKept ? u"Still waiting for the next start of Tuppi Transcriber: %@"_s
+                                      : u"Not transcribed, and not kept: %@"_s),
+                        {names.join(u", "_s)}));
 }
 
 } // namespace tuppi

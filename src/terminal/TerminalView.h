@@ -20,8 +20,12 @@ public:
     void showStartFinished(const QString &path, bool taken);
     void showFailure(const QString &title, const QString &detail);
     void showNotice(const QString &text);
+    /// A message that passes in a window: said once.
+    void showPassing(const QString &text);
+    /// Ends the run and says what waits for the next one.
+    void showEngineMissing(const JobsState &jobs, bool queueIsKept);
     /// Says what goes on without this process and what waits for the next one.
-    void showInterrupted(const JobsState &jobs, bool queueIsStored);
+    void showInterrupted(const JobsState &jobs, bool queueIsKept);
 
 Q_SIGNALS:
     /// Everything has come to its end; the exit status of the process.
@@ -31,10 +35,12 @@ private:
     void printLine(const ReportLine &line);
     void endProgressLine();
     void printResults();
+    void showWaiting(const WaitingQueue &waiting, bool queueIsKept);
 
     Report m_report;
     QTextStream m_out;
     QTextStream m_err;
+    QStringList m_said;
     bool m_rewritesProgress = false;
     bool m_progressLineOpen = false;
     bool m_failed = false;

@@ -1,5 +1,7 @@
 #include "AppTest.h"
 
+#include "app/Scheduler.h"
+
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 using test::Answer;
@@ -325,7 +327,7 @@ TEST_F(MainLoop, EntryWithoutIdIsNeverPartOfTheHistory)
     poll();
     EXPECT_EQ(jobs().history->entries.size(), 1);
     EXPECT_EQ(rowKeys(), QStringList{u"a"_s});
-    EXPECT_FALSE(m_app->somethingActive());
+    EXPECT_FALSE(SomethingActive(jobs()));
 }
 
 TEST_F(MainLoop, FiftyMegabytesOfHistoryAreRead)

@@ -1,5 +1,6 @@
 #include "AppTest.h"
 
+#include "app/Scheduler.h"
 #include "engine/DebugLog.h"
 
 using namespace Qt::StringLiterals;
@@ -73,7 +74,7 @@ TEST_F(Scheduling, StartingRowStandsInForTheFileUntilTheEngineAnswers)
     poll();
     m_app->enqueue({m_a, m_b}, m_choices);
     EXPECT_TRUE(jobs().starting);
-    EXPECT_TRUE(m_app->somethingActive());
+    EXPECT_TRUE(SomethingActive(jobs()));
     EXPECT_TRUE(m_app->busyExcept(u"any"_s));
     EXPECT_EQ(rowKeys(), (QStringList{u"starting"_s, u"wait:"_s + m_b}));
     EXPECT_EQ(m_app->rowWithKey(u"starting"_s).value(u"title"_s), QJsonValue(u"Preparing…"_s));
@@ -232,7 +233,7 @@ TEST_F(Scheduling, PausedJobKeepsTheQueueFromAdvancingButNotTheUserFromResumingA
         poll();
     settle();
     EXPECT_EQ(m_engine.count(u"process"_s), 0);
-    EXPECT_TRUE(m_app->somethingActive());
+    EXPECT_TRUE(SomethingActive(jobs()));
     EXPECT_FALSE(m_app->busyExcept(u"other"_s));
     EXPECT_EQ(m_app->list().summary, u"Paused"_s);
     m_engine.answerHistory(R"([{"id":"j","status":"cancelled"}])");
@@ -305,6 +306,7 @@ TEST_F(Scheduling, QueueThatCannotBeSavedIsToldAndKept)
     EXPECT_TRUE(waitFor([&] {
         return m_app->list().summary == u"The waiting list could not be saved. It is kept until the app quits."_s;
     })) << m_app->list().summary.toStdString();
+    EXPECT_FALSE(m_app->keepsQueue());
     EXPECT_TRUE(QString::fromUtf8(test::readFile(DebugLogPath()))
                     .endsWith(u"the waiting queue could not be written to %1\n"_s.arg(settingsPath())));
 }

@@ -26,14 +26,14 @@ TEST_F(SecondProcess, KeepsAQueueOfItsOwnAndWritesNothing)
 {
     prepare();
     poll();
-    ASSERT_TRUE(m_app->ownsStoredQueue());
+    ASSERT_TRUE(m_app->keepsQueue());
     m_app->enqueue({m_a}, m_choices);
     const QByteArray before = settingsFile();
 
     Defaults secondDefaults(settingsPath());
     AppDelegate second(secondDefaults);
     second.restoreWaiting();
-    EXPECT_FALSE(second.ownsStoredQueue());
+    EXPECT_FALSE(second.keepsQueue());
     EXPECT_TRUE(second.jobs().waiting.isEmpty());
     second.poll();
     ASSERT_TRUE(waitFor([&] { return second.jobs().loaded && !second.jobs().polling; }));
@@ -78,7 +78,7 @@ TEST_F(SecondProcess, StoredQueueIsTakenOverOnceTheOwnerIsGone)
     m_app->enqueue({m_a}, m_choices);
     destroy();
     prepare();
-    EXPECT_TRUE(m_app->ownsStoredQueue());
+    EXPECT_TRUE(m_app->keepsQueue());
     EXPECT_EQ(waitingPaths(), QStringList{m_a});
 }
 

@@ -60,4 +60,14 @@ const FillCase fillCases[]{
 
 INSTANTIATE_TEST_SUITE_P(Fill, FillTable, testing::ValuesIn(fillCases), tuppi::test::caseName);
 
+TEST(OneLine, HasNoBreaks)
+{
+    EXPECT_EQ(OneLine(u"Minutes"_s), u"Minutes"_s);
+    EXPECT_EQ(OneLine(u"  Minutes  of May "_s), u"Minutes  of May"_s);
+    EXPECT_EQ(OneLine(u"Minutes\r\nof\u2028the\u2029May\tmeeting\u0085\u0007\n"_s), u"Minutes of the May meeting"_s);
+    EXPECT_EQ(OneLine(u"May\u001b[2Kday"_s), u"May [2Kday"_s);
+    EXPECT_EQ(OneLine(u" \n\t "_s), QString());
+    EXPECT_EQ(OneLine(u"Київ 😀 — «так»"_s), u"Київ 😀 — «так»"_s);
+}
+
 } // namespace

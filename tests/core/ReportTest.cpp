@@ -37,6 +37,14 @@ protected:
             lines.append((line.sameStage ? u"~"_s : u""_s) + line.title + u": "_s + line.text);
         return lines;
     }
+    /// "title: reason" of every file given up.
+    QStringList giveUp()
+    {
+        QStringList lines;
+        for (const ReportLine &line : m_report.giveUpUnlisted(*m_jobs.history))
+            lines.append(line.title + u": "_s + line.text);
+        return lines;
+    }
     /// The road of one file up to the engine's yes, against the given history.
     void handOver(const QString &path)
     {
@@ -141,13 +149,25 @@ TEST_F(ReportTest, JobWithAnotherTitleIsTakenForTheFileThatWaitsForOne)
     EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
 }
 
+TEST_F(ReportTest, JobWithTheTitleComesBeforeOneWithoutIt)
+{
+    load("[]");
+    update();
+    handOver(u"/x/two.wav"_s);
+    load(R"([{"id":"j2","title":"three","status":"failed"},{"id":"j1","title":"two","status":"ready"}])");
+    update();
+    ASSERT_EQ(m_report.files().size(), 1);
+    EXPECT_EQ(m_report.files().first().jobId, u"j1"_s);
+    EXPECT_TRUE(m_report.allReady());
+}
+
 TEST_F(ReportTest, FileTakenBeforeTheFirstHistoryGetsTheJobOfItsTitle)
 {
     handOver(u"/x/talk.m4a"_s);
     load(R"([{"id":"old","title":"talk","status":"ready","call_dir":"/old"},{"id":"other","title":"other","status":"ready"},)"
          R"({"id":"new","title":"talk","status":"queued"}])");
     EXPECT_EQ(update(), QStringList{u"talk: Starting…"_s});
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    EXPECT_EQ(giveUp(), QStringList());
     ASSERT_EQ(m_report.files().size(), 1);
     EXPECT_EQ(m_report.files().first().jobId, u"new"_s);
 }
@@ -157,7 +177,7 @@ TEST_F(ReportTest, FileTakenBeforeTheFirstHistoryGetsNoJobOfAnotherTitle)
     handOver(u"/x/talk.m4a"_s);
     load(R"([{"id":"old","title":"other","status":"ready"}])");
     EXPECT_EQ(update(), QStringList());
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList{u"talk"_s});
+    EXPECT_EQ(giveUp(), QStringList{u"talk: The engine took the file but lists no job for it."_s});
 }
 
 TEST_F(ReportTest, JobOfSomebodyElseIsNotFollowed)
@@ -181,7 +201,7 @@ TEST_F(ReportTest, JobListedBeforeItsStartIsAnsweredIsTheFiles)
     EXPECT_EQ(update(), QStringList());
     answerStart(true);
     update();
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    EXPECT_EQ(giveUp(), QStringList());
     EXPECT_EQ(m_report.files().first().jobId, u"7"_s);
     EXPECT_TRUE(m_report.allReady());
 }
@@ -216,8 +236,8 @@ TEST_F(ReportTest, FileTakenWithoutAJobIsGivenUpOnce)
     update();
     handOver(u"/x/talk.m4a"_s);
     EXPECT_FALSE(m_report.isFinished(m_jobs));
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList{u"talk"_s});
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    EXPECT_EQ(giveUp(), QStringList{u"talk: The engine took the file but lists no job for it."_s});
+    EXPECT_EQ(giveUp(), QStringList());
     EXPECT_TRUE(m_report.isFinished(m_jobs));
     EXPECT_FALSE(m_report.allReady());
 }
@@ -229,7 +249,62 @@ TEST_F(ReportTest, FileWithAJobIsNotGivenUp)
     handOver(u"/x/talk.m4a"_s);
     load(R"([{"id":"j","title":"talk","status":"queued"}])");
     update();
-    EXPECT_EQ(m_report.giveUpUnlisted(), QStringList());
+    EXPECT_EQ(giveUp(), QStringList());
+}
+
+TEST_F(ReportTest, JobThatLeavesTheHistoryIsGivenUpOnce)
+{
+    load("[]");
+    update();
+    handOver(u"/x/talk.m4a"_s);
+    load(R"([{"id":"j","title":"talk","status":"transcribing"}])");
+    update();
+    EXPECT_EQ(giveUp(), QStringList());
+    load("[]");
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_FALSE(m_report.isFinished(m_jobs));
+    EXPECT_EQ(giveUp(), QStringList{u"talk: The engine no longer lists its job."_s});
+    EXPECT_EQ(giveUp(), QStringList());
+    EXPECT_TRUE(m_report.isFinished(m_jobs));
+    EXPECT_FALSE(m_report.allReady());
+}
+
+TEST_F(ReportTest, JobOfAnEarlierRunThatLeavesTheHistoryIsGivenUp)
+{
+    load(R"([{"id":"old","title":"old","status":"transcribing"}])");
+    update();
+    load("[]");
+    update();
+    EXPECT_EQ(giveUp(), QStringList{u"old: The engine no longer lists its job."_s});
+    EXPECT_TRUE(m_report.isFinished(m_jobs));
+}
+
+TEST_F(ReportTest, TranscriptThatLeavesTheHistoryStaysReady)
+{
+    load("[]");
+    update();
+    handOver(u"/x/talk.m4a"_s);
+    load(R"([{"id":"j","title":"talk","status":"ready","call_dir":"/calls/talk"}])");
+    update();
+    load("[]");
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_EQ(giveUp(), QStringList());
+    EXPECT_TRUE(m_report.allReady());
+    EXPECT_EQ(m_report.files().first().callDir, u"/calls/talk"_s);
+}
+
+TEST_F(ReportTest, HiddenJobIsFollowedToItsEnd)
+{
+    load("[]");
+    update();
+    handOver(u"/x/talk.m4a"_s);
+    load(R"([{"id":"j","title":"talk","status":"transcribing"}])");
+    update();
+    load(R"([{"id":"j","title":"talk","status":"ready","call_dir":"/calls/talk","duration_seconds":60,"hidden":true}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Done ·  · 1 min"_s});
+    EXPECT_EQ(giveUp(), QStringList());
+    EXPECT_TRUE(m_report.isFinished(m_jobs));
+    EXPECT_TRUE(m_report.allReady());
 }
 
 TEST_F(ReportTest, NotFinishedBeforeTheFirstHistory)

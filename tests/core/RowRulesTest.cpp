@@ -23,13 +23,4 @@ TEST(IsRowCommandAllowed, TakesPausedAsATruthValue)
     }
 }
 
-TEST(TypedTitle, IsOneLine)
-{
-    EXPECT_EQ(TypedTitle(u"Minutes"_s), u"Minutes"_s);
-    EXPECT_EQ(TypedTitle(u"  Minutes  of May "_s), u"Minutes  of May"_s);
-    EXPECT_EQ(TypedTitle(u"Minutes\r\nof\u2028the\u2029May\tmeeting\u0085\u0007\n"_s), u"Minutes of the May meeting"_s);
-    EXPECT_EQ(TypedTitle(u" \n\t "_s), QString());
-    EXPECT_EQ(TypedTitle(u"Київ 😀 — «так»"_s), u"Київ 😀 — «так»"_s);
-}
-
 } // namespace

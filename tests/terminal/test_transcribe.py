@@ -1,11 +1,14 @@
 """The built program without a window, against the scripted engine."""
 
+import fcntl
 import json
 import os
 import pty
 import signal
+import struct
 import subprocess
 import sys
+import termios
 import threading
 import unittest
 
@@ -13,7 +16,10 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 from scripted_engine import DEADLINE, ScriptedEngine, wait_until  # noqa: E402
 
 PROGRAM = os.environ["TUPPI_PROGRAM"]
-ENGINE_MISSING = "Tuppi's engine could not be found — please run the installer again."
+NOT_SAVED = "The waiting list could not be saved. It is kept until the app quits.\n"
+ENGINE_MISSING = "Tuppi's engine could not be found — please run the installer again.\n"
+KEPT = "Still waiting for the next start of Tuppi Transcriber: "
+NOT_KEPT = "Not transcribed, and not kept: "
 
 
 class Running:
@@ -165,11 +171,20 @@ class Outcomes(TranscribeTest):
         self.assertEqual(run.status, 1)
         self.assertEqual(run.err, "one: The engine took the file but lists no job for it.\n")
 
+    def test_job_that_the_engine_no_longer_lists_is_1(self):
+        self.engine.keep_book("queued")
+        run = self.start(self.one)
+        run.wait_for("one: Starting…")
+        self.engine.answer("history", "[]")
+        self.engine.touch_state()
+        self.assertEqual(run.end(), 1)
+        self.assertEqual(run.err, "one: The engine no longer lists its job.\n")
+
     def test_missing_engine_is_1_and_the_files_keep_waiting(self):
         self.engine.uninstall()
         run = self.run_to_end(self.one, self.two)
         self.assertEqual(run.status, 1)
-        self.assertEqual(run.err, ENGINE_MISSING + "\n")
+        self.assertEqual(run.err, ENGINE_MISSING + KEPT + "one.m4a, two.wav\n")
         self.assertEqual(self.engine.waiting(), ["one.m4a", "two.wav"])
         self.engine.install()
         self.engine.keep_book("ready")
@@ -183,7 +198,7 @@ class Outcomes(TranscribeTest):
         run.wait_for("one: Starting…")
         self.engine.uninstall()
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, ENGINE_MISSING + "\n")
+        self.assertEqual(run.err, ENGINE_MISSING + KEPT + "two.wav\n")
         self.assertEqual(self.engine.waiting(), ["two.wav"])
         self.engine.install()
         self.engine.keep_book("ready")
@@ -302,8 +317,7 @@ class Interruption(TranscribeTest):
         run.wait_for("one: Starting…")
         os.killpg(run.process.pid, number)
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, "The engine goes on with “one”.\n"
-                                  "Still waiting for the next start of Tuppi Transcriber: two.wav\n")
+        self.assertEqual(run.err, "The engine goes on with “one”.\n" + KEPT + "two.wav\n")
         self.assertEqual(self.engine.waiting(), ["two.wav"])
 
     def test_interrupted_it_says_what_goes_on_and_what_waits_and_the_next_run_goes_on(self):
@@ -338,8 +352,18 @@ class Interruption(TranscribeTest):
         run.wait_for("two: Waiting in line…")
         os.killpg(run.process.pid, signal.SIGINT)
         self.assertEqual(run.end(), 1)
-        self.assertEqual(run.err, "Still waiting for the next start of Tuppi Transcriber: one.m4a, two.wav\n")
+        self.assertEqual(run.err, KEPT + "one.m4a, two.wav\n")
         self.assertEqual(self.engine.waiting(), ["one.m4a", "two.wav"])
+
+    def test_list_that_cannot_be_saved_is_told_and_not_called_kept(self):
+        self.engine.recording(".config")  # a file where the folder should be
+        self.engine.keep_book("queued")
+        run = self.start(self.one, self.two)
+        run.wait_for("one: Starting…")
+        run.wait_for(NOT_SAVED)
+        os.killpg(run.process.pid, signal.SIGINT)
+        self.assertEqual(run.end(), 1)
+        self.assertEqual(run.err, NOT_SAVED + "The engine goes on with “one”.\n" + NOT_KEPT + "two.wav\n")
 
     def test_killed_while_a_start_is_in_flight_every_file_is_started_once(self):
         self.engine.keep_book("ready")
@@ -366,7 +390,7 @@ class Interruption(TranscribeTest):
 
 
 class TwoProcesses(TranscribeTest):
-    NOTICE = "Another Tuppi Transcriber keeps the waiting list; the files of this one wait here only.\n"
+    NOTICE = "Another Tuppi is running. The list here is kept only until the app quits.\n"
 
     def start_first(self):
         self.engine.keep_book("queued")
@@ -399,21 +423,44 @@ class TwoProcesses(TranscribeTest):
         second.wait_for("one: Starting…")
         second.process.send_signal(signal.SIGINT)
         self.assertEqual(second.end(), 1)
-        self.assertEqual(second.err, self.NOTICE + "The engine goes on with “one”.\n"
-                                                   "Not transcribed, and not kept: two.wav\n")
+        self.assertEqual(second.err, self.NOTICE + "The engine goes on with “one”.\n" + NOT_KEPT + "two.wav\n")
         self.finish_first(first)
         self.assertEqual(self.started_files(), ["one.m4a"])
 
+    def test_second_without_an_engine_says_that_its_files_are_not_kept(self):
+        first = self.start_first()
+        second = self.start(self.two)
+        second.wait_for("two: Waiting in line…")
+        second.wait_for("one: Starting…")
+        self.engine.uninstall()
+        self.assertEqual(second.end(), 1)
+        self.assertEqual(second.err, self.NOTICE + ENGINE_MISSING + NOT_KEPT + "two.wav\n")
+        self.assertEqual(first.end(), 1)
+        self.assertEqual(first.err, ENGINE_MISSING)
+        self.assertEqual(self.engine.waiting(), [])
+
 
 class OnATerminal(TranscribeTest):
-    def test_progress_is_rewritten_in_place(self):
+    TEXT = ": Listening and writing down… "
+
+    def start_on_terminal(self, file, columns=0):
         self.engine.keep_book("transcribing")
         self.engine.answer("status", '{"latest_job":{"id":"job-1","progress":"10%"}}')
         master, slave = pty.openpty()
         self.addCleanup(os.close, master)
-        run = self.start(self.one, stdout=slave)
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+        run = self.start(file, stdout=slave)
         os.close(slave)
         run.read_terminal(master)
+        return run
+
+    @staticmethod
+    def in_one_row(line):
+        """The line between the codes that keep it in one row."""
+        return f"\x1b[?7l{line}\x1b[?7h"
+
+    def test_progress_is_rewritten_in_place(self):
+        run = self.start_on_terminal(self.one)
         for percent in ("20%", "30%"):
             run.wait_for(f"{int(percent[:-1]) - 10}%")
             self.engine.answer("status", json.dumps({"latest_job": {"id": "job-1", "progress": percent}}))
@@ -422,10 +469,20 @@ class OnATerminal(TranscribeTest):
         self.engine.set_job(1, title="one", status="ready", call_dir="/calls/one")
         self.engine.touch_state()
         self.assertEqual(run.end(), 0)
-        text = "one: Listening and writing down… "
-        self.assertIn(f"\r\n{text}10%\r\x1b[K{text}20%\r\x1b[K{text}30%\r\n", run.out)
-        self.assertTrue(run.out.endswith("one: Done ·  · 1 min\r\none: /calls/one\r\n"), repr(run.out))
+        lines = [self.in_one_row("one" + self.TEXT + percent) for percent in ("10%", "20%", "30%")]
+        self.assertIn("\r\n" + "\r\x1b[K".join(lines) + "\r\n", run.out)
+        self.assertTrue(run.out.endswith(self.in_one_row("one: Done ·  · 1 min") + "\r\none: /calls/one\r\n"), repr(run.out))
         self.assertEqual(run.err, "")
+
+    def test_title_gives_way_to_the_progress(self):
+        run = self.start_on_terminal(self.engine.recording("a very long name of a talk.m4a"), columns=50)
+        line = "a very long name…" + self.TEXT + "10%"
+        run.wait_for(self.in_one_row(line))
+        self.assertEqual(len(line), 50)
+
+    def test_name_with_control_characters_is_one_line_of_text(self):
+        run = self.start_on_terminal(self.engine.recording("one\x1b[2J\rtwo\n.m4a"))
+        run.wait_for(self.in_one_row("one [2J two: Waiting in line…"))
 
 
 if __name__ == "__main__":

@@ -51,7 +51,7 @@ TEST_F(TakeOver, TheOthersListIsTakenOverOnceItHasEnded)
 {
     otherStores({m_a, m_b});
     openWindow();
-    ASSERT_FALSE(m_app->ownsStoredQueue());
+    ASSERT_FALSE(m_app->keepsQueue());
     m_app->enqueue({m_b, m_c}, m_choices);
     otherStores({m_a, m_b, m_d});
     poll();
@@ -60,7 +60,7 @@ TEST_F(TakeOver, TheOthersListIsTakenOverOnceItHasEnded)
 
     otherEnds();
     poll();
-    EXPECT_TRUE(m_app->ownsStoredQueue());
+    EXPECT_TRUE(m_app->keepsQueue());
     const QStringList both{m_a, m_b, m_d, m_c};
     EXPECT_EQ(waitingPaths(), both);
     EXPECT_EQ(storedPaths(), both);
@@ -115,10 +115,10 @@ TEST_F(TakeOver, AStartOfOnesOwnEndsFirst)
     ASSERT_TRUE(processCalls(1));
     otherEnds();
     poll();
-    EXPECT_FALSE(m_app->ownsStoredQueue());
+    EXPECT_FALSE(m_app->keepsQueue());
     EXPECT_EQ(waitingPaths(), QStringList{m_c});
     m_engine.openGate("process");
-    ASSERT_TRUE(waitFor([this] { return m_app->ownsStoredQueue(); }));
+    ASSERT_TRUE(waitFor([this] { return m_app->keepsQueue(); }));
     ASSERT_TRUE(processCalls(3));
     EXPECT_EQ(processed(), (QStringList{m_b, m_a, m_c}));
 }
