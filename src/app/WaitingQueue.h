@@ -22,9 +22,6 @@ struct StartChoices
 
 /// Full path of an entry's file, empty when it has none.
 QString WaitingPath(const WaitingEntry &entry);
-/// Its name without the extension; a name that is an extension alone stands whole. The engine gives it to the file's job
-/// until the end of the work.
-QString TitleOfFile(const QString &path);
 
 /// The title that a file has until the engine gives its job another: its name without the extension; a name that is an
 /// extension alone stands whole.
