@@ -55,7 +55,7 @@ public:
 
     void show(qint64 there, qint64 size)
     {
-        const int percent = int(there * 100 / size);
+        const int percent = int(100.0 * double(there) / double(size));
         if (percent == m_shown || !::isatty(STDERR_FILENO))
             return;
         m_shown = percent;

@@ -18,12 +18,9 @@ namespace engine {
 
 namespace {
 
-constexpr int stallSecondsOfPull = 600; // it is silent while it checks what it has loaded
-constexpr qsizetype longestLine = 1 << 20;
-constexpr qsizetype longestReason = 200;
+constexpr int stallSecondsOfPull = 600;   // it is silent while it checks what it has loaded
 constexpr int stallSecondsOfAnswer = 300; // it may have to load the model first
 constexpr int answerLimitMs = 20 * 60 * 1000;
-constexpr qsizetype longestAnswer = 200'000;
 constexpr qsizetype fewestUnits = 4096;
 constexpr qsizetype spareUnits = 1024;
 constexpr int listLimitMs = 5000;
@@ -50,67 +47,8 @@ QString troubleOf(const HttpReply &reply)
         return absent();
     if (reply.end == HttpReply::End::TooSlow)
         return u"Ollama does not answer. Start it again and try again."_s;
-    return u"What answers in Ollama's place cannot be understood. Start Ollama again, or update it."_s;
+    return notUnderstood();
 }
-
-// What Ollama's own words for what went wrong come down to.
-Failure pullFailure(const QString &name, const QString &reason)
-{
-    const auto says = [&](QStringView words) { return reason.contains(words, Qt::CaseInsensitive); };
-    if (says(u"file does not exist") || says(u"not found") || says(u"invalid model name"))
-        return Failure(u"Ollama knows no model named “"_s + name + u"”. Check the name."_s);
-    if (says(u"no space left") || says(u"disk quota"))
-        return Failure(u"There is not enough room for “"_s + name + u"”. Make room and try again."_s);
-    if (says(u"no such host") || says(u"dial tcp") || says(u"i/o timeout") || says(u"network is unreachable"))
-        return Failure(u"Ollama could not load “"_s + name +
-                       u"”. Check the internet connection and try again."_s);
-    if (says(u"newer version of ollama"))
-        return Failure(u"“"_s + name + u"” needs a newer Ollama. Update it and try again."_s);
-    return Failure(u"Ollama could not load “"_s + name + u"”: "_s + reason.simplified().left(longestReason));
-}
-
-// The lines of a pull: each an object with a status, or with an error.
-class PullReader
-{
-public:
-    PullReader(const QString &name, const Ollama::Progress &progress)
-        : m_name(name)
-        , m_progress(progress)
-    {
-    }
-
-    void take(QByteArrayView piece)
-    {
-        m_rest.append(piece);
-        for (qsizetype end; (end = m_rest.indexOf('\n')) >= 0; m_rest.remove(0, end + 1))
-            readLine(m_rest.left(end));
-        if (m_rest.size() > longestLine)
-            throw Failure(troubleOf({HttpReply::End::BrokenOff, 0, {}, {}}));
-    }
-
-    // The end of it all; whether it was a good one.
-    bool finish()
-    {
-        readLine(m_rest);
-        return m_success;
-    }
-
-private:
-    void readLine(const QByteArray &line)
-    {
-        const QJsonObject object = QJsonDocument::fromJson(line).object();
-        if (const QString error = object[u"error"].toString(); !error.isEmpty())
-            throw pullFailure(m_name, error);
-        m_success = m_success || object[u"status"].toString() == u"success";
-        if (const qint64 size = object[u"total"].toInteger(); size > 0)
-            m_progress(object[u"completed"].toInteger(), size);
-    }
-
-    const QString &m_name;
-    const Ollama::Progress &m_progress;
-    QByteArray m_rest;
-    bool m_success = false;
-};
 
 // Room for the question and its answer. A word takes at most as many of the model's units as half its bytes;
 // more room than it was made for it does not take.
@@ -119,40 +57,6 @@ int contextFor(const Ollama::Question &question)
     const qsizetype bytes = question.system.toUtf8().size() + 2 * question.text.toUtf8().size();
     return int(std::max<qsizetype>(fewestUnits, bytes / 2 + spareUnits));
 }
-
-// The lines of an answer: each an object with a piece of it; the last one is done.
-class AnswerReader
-{
-public:
-    void take(QByteArrayView piece)
-    {
-        m_rest.append(piece);
-        for (qsizetype end; (end = m_rest.indexOf('\n')) >= 0; m_rest.remove(0, end + 1))
-            readLine(m_rest.left(end));
-        if (m_rest.size() > longestLine || m_text.size() > longestAnswer)
-            throw Failure(troubleOf({HttpReply::End::BrokenOff, 0, {}, {}}));
-    }
-
-    // The answer; nothing when it has no end of its own.
-    std::optional<QString> finish()
-    {
-        readLine(m_rest);
-        return m_done ? std::optional(m_text) : std::nullopt;
-    }
-
-private:
-    void readLine(const QByteArray &line)
-    {
-        const QJsonObject object = QJsonDocument::fromJson(line).object();
-        m_text += object[u"message"].toObject()[u"content"].toString();
-        if (object[u"done"].toBool())
-            m_done = object[u"done_reason"].toString() != u"length";
-    }
-
-    QByteArray m_rest;
-    QString m_text;
-    bool m_done = false;
-};
 
 } // namespace
 
@@ -239,22 +143,22 @@ Ollama::Models Ollama::models(int limitMs)
     return models;
 }
 
-void Ollama::pull(const QString &name, const Progress &progress)
+void Ollama::pull(const QString &name, const PullReply::Progress &progress)
 {
     HttpRequest asked = request("/api/pull");
     asked.body =
         QJsonDocument(QJsonObject{{u"model"_s, name}, {u"stream"_s, true}}).toJson(QJsonDocument::Compact);
     asked.stallSeconds = stallSeconds(stallSecondsOfPull);
-    PullReader reader(name, progress);
+    PullReply pulled(name, progress);
     const HttpReply reply =
-        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
-    const bool success = reader.finish();
+        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { pulled.take(piece); });
+    const bool success = pulled.finish();
     if (reply.whole(200) && success)
         return;
     if (reply.end == HttpReply::End::Unreachable || reply.end == HttpReply::End::TooSlow)
         throw Failure(troubleOf(reply));
     if (reply.status >= 300)
-        throw pullFailure(name, u"error %1"_s.arg(reply.status));
+        throw Failure(pullTrouble(name, u"error %1"_s.arg(reply.status)));
     throw Failure(u"Ollama broke off the download of “"_s + name +
                   u"”. Try again; it goes on where it stopped."_s);
 }
@@ -284,10 +188,10 @@ QString Ollama::answer(const Question &question)
     asked.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
     asked.stallSeconds = stallSeconds(stallSecondsOfAnswer);
     asked.limitMs = answerLimitMs;
-    AnswerReader reader;
+    AnswerReply answered;
     const HttpReply reply =
-        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { reader.take(piece); });
-    const std::optional<QString> answer = reader.finish();
+        m_http.send(asked, [&](const HttpReply &, QByteArrayView piece) { answered.take(piece); });
+    const std::optional<QString> answer = answered.finish();
     if (!reply.whole(200))
         throw Failure(troubleOf(reply));
     if (!answer)

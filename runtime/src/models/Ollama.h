@@ -1,11 +1,11 @@
 #pragma once
 
 #include "models/Http.h"
+#include "models/OllamaReplies.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 #include <optional>
 
 namespace engine {
@@ -38,8 +38,7 @@ public:
     Models models(int limitMs);
 
     // Has it download the model. Throws Failure.
-    using Progress = std::function<void(qint64 there, qint64 size)>;
-    void pull(const QString &name, const Progress &progress);
+    void pull(const QString &name, const PullReply::Progress &progress);
 
     // What the model answers. Throws Failure: also when the answer was cut off, or takes too long.
     struct Question
