@@ -105,6 +105,16 @@ void startWorker(const Paths &paths)
         launch(true);
 }
 
+void startWorkerNowOrWithResume(const Paths &paths)
+{
+    try {
+        startWorker(paths);
+    } catch (const Failure &) {
+        // What was asked for has happened, and the next "resume" starts a worker: an error here would only have the
+        // caller ask for the same again.
+    }
+}
+
 pid_t startWorkerAsChild(const Paths &paths)
 {
     return WorkerLock(paths).isHeld() ? -1 : launch(false);
