@@ -142,6 +142,17 @@ class Installed(unittest.TestCase):
         self.assertEqual(self.link().returncode, 0)
         self.assert_linked()
 
+    def test_an_engine_that_a_power_cut_left_empty_is_replaced(self):
+        (self.runtime / "bin").mkdir(parents=True)
+        for name in ("call", *(f"bin/{program}" for program in PROGRAMS)):
+            (self.runtime / name).touch()
+        done = self.run_program("/bin/bash", SOURCE / "runtime/install-engine", BUILD)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual(self.statuses(), [])
+        (self.runtime / "call").write_text("")
+        self.assertEqual(self.link().returncode, 0)
+        self.assert_linked()
+
     def test_another_engine_is_left_alone_and_used(self):
         self.runtime.mkdir(parents=True)
         other = "#!/bin/bash\necho 'Error: The other engine.' >&2\nexit 1\n"

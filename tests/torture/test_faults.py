@@ -48,6 +48,24 @@ class FaultsAreFelt(RoadTest):
         self.assertNotRegex(reply.err, r"\A(?!.*[Tt]ry again).*[Mm]ove that file")
         self.assertEqual(self.runtime.history(), before)
 
+    def test_a_text_on_a_failing_disk_is_not_taken_for_none(self):
+        self.runtime.environment["TUPPI_FAULTS_UNDER"] = self.runtime.library + os.sep
+        path = os.path.join(self.entry["call_dir"], "Transcript.txt")
+        notes = "A note of mine.\n" * 10_000
+        with open(path, "a", encoding="utf-8") as file:
+            file.write(notes)
+        refused = 0
+        for spared in range(8):
+            self.faults.break_disk("disk error on reading", spared, 1)
+            reply = self.runtime.call("speaker", self.entry["id"], "0", "--json", f"--name=Anna {spared}")
+            self.faults.mend_disk()
+            if reply.status != 0:
+                self.assert_one_line(reply, 1)
+                self.assertIn("could not be read: the disk reported an error", reply.err)
+                refused += 1
+            self.assertTrue(transcript(self.entry).endswith(notes), spared)
+        self.assertGreater(refused, 1)
+
     def test_a_recording_on_a_failing_disk_is_not_called_damaged(self):
         self.runtime.environment["TUPPI_FAULTS_UNDER"] = self.runtime.library + os.sep
         self.faults.break_disk("disk error on reading", 0, FOR_EVER)

@@ -54,12 +54,13 @@ int pause(const Arguments &arguments)
 
 int resumeOne(const Arguments &arguments)
 {
+    requireWorker();
     Database database(Paths::ofThisUser());
     changeJob(database, arguments.words.first(), [](Job &job) {
         requireUnfinished(job);
         job.paused = false;
     });
-    startWorker(database.paths());
+    startWorkerNowOrWithResume(database.paths());
     return 0;
 }
 
@@ -77,6 +78,7 @@ int cancel(const Arguments &arguments)
 
 int retry(const Arguments &arguments)
 {
+    requireWorker();
     Database database(Paths::ofThisUser());
     changeJob(database, arguments.words.first(), [](Job &job) {
         if (job.status == Status::ready)
@@ -89,7 +91,7 @@ int retry(const Arguments &arguments)
         job.attempts = 0;
         job.completedAt.clear();
     });
-    startWorker(database.paths());
+    startWorkerNowOrWithResume(database.paths());
     return 0;
 }
 

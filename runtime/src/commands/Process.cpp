@@ -146,12 +146,7 @@ int process(const Arguments &arguments)
     Database database(Paths::ofThisUser());
     record(database, recording, job);
     if (arguments.has(u"--background")) {
-        try {
-            startWorker(database.paths());
-        } catch (const Failure &) {
-            // The job stands, and the next "resume" starts a worker: an error here would only have the caller
-            // hand the same recording over again.
-        }
+        startWorkerNowOrWithResume(database.paths());
         printLine(job.callDir);
         return 0;
     }

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -64,6 +65,29 @@ void writeFile(const QString &path, const QByteArray &bytes)
     } catch (...) {
         ::unlink(beside.constData());
         throw;
+    }
+}
+
+std::optional<QByteArray> readFile(const QString &path, const QString &doing)
+{
+    const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+    if (!file.valid() && (errno == ENOENT || errno == ENOTDIR))
+        return std::nullopt;
+    if (!file.valid())
+        throw systemFailure(doing, errno);
+    constexpr qsizetype blockSize = 1 << 16;
+    QByteArray bytes;
+    for (;;) {
+        const qsizetype size = bytes.size();
+        bytes.resize(size + blockSize);
+        const ssize_t count = ::read(file.get(), bytes.data() + size, blockSize);
+        bytes.resize(size + std::max<ssize_t>(count, 0));
+        if (count == 0)
+            return bytes;
+        if (count < 0 && errno == EISDIR)
+            return std::nullopt;
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(doing, errno);
     }
 }
 

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace engine {
 
 // Makes the folder and what leads to it. Throws Failure with a sentence that starts with `doing`.
@@ -15,6 +17,10 @@ void writeAll(int fd, const QByteArray &bytes, const QString &doing);
 // Writes beside and renames: a reader sees the old text or the new one, also after a power cut.
 // Throws Failure.
 void writeFile(const QString &path, const QByteArray &bytes);
+
+// All that the file holds; nothing where there is no such file. Throws Failure, with a sentence that starts with
+// `doing`, for one that cannot be read to its end.
+std::optional<QByteArray> readFile(const QString &path, const QString &doing);
 
 // Makes entries of a folder (a new file, a rename) last over a power cut. Best effort.
 void syncFolder(const QString &path);

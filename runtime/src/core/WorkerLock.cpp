@@ -17,16 +17,30 @@ WorkerLock::WorkerLock(const Paths &paths)
 {
 }
 
-bool WorkerLock::tryTake()
+FileDescriptor WorkerLock::locked(int how) const
 {
     const QByteArray name = QFile::encodeName(m_paths.workerLock);
     FileDescriptor file(::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     if (!file.valid())
         throw systemFailure(u"The worker's lock could not be opened"_s, errno);
-    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0)
+    if (::flock(file.get(), how | LOCK_NB) != 0)
+        file.reset();
+    return file;
+}
+
+bool WorkerLock::tryTake()
+{
+    FileDescriptor file = locked(LOCK_EX);
+    if (!file.valid())
         return false;
     m_file = std::move(file);
     return true;
+}
+
+bool WorkerLock::isHeld() const
+{
+    // Shared: two who look at once must not take each other for a worker.
+    return !locked(LOCK_SH).valid();
 }
 
 bool WorkerLock::takeSoon()
@@ -49,12 +63,10 @@ void WorkerLock::signOwner()
         errno = 0; // a full disk is no reason not to work
 }
 
-std::optional<pid_t> WorkerLock::owner()
+std::optional<pid_t> WorkerLock::owner() const
 {
-    if (tryTake()) {
-        release();
+    if (!isHeld())
         return std::nullopt;
-    }
     QFile file(m_paths.workerLock);
     const int pid = file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
     return pid > 0 ? std::optional<pid_t>(pid) : std::nullopt;

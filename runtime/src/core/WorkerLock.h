@@ -22,16 +22,21 @@ public:
     bool takeSoon();
     void release();
 
+    // Whether a worker holds it. Throws Failure as above.
+    bool isHeld() const;
+
     // Writes the process id of the holder into the lock file, for whoever looks.
     void signOwner();
 
     // The process that has signed last, if the lock is held; else nothing.
-    std::optional<pid_t> owner();
+    std::optional<pid_t> owner() const;
 
     // For a forked child, which must not keep the lock alive beyond its parent.
     void abandonInChild() { m_file.reset(); }
 
 private:
+    FileDescriptor locked(int how) const; // not valid where it is locked otherwise
+
     Paths m_paths;
     FileDescriptor m_file;
 };

@@ -90,12 +90,6 @@ pid_t launch(bool detached)
     return child;
 }
 
-bool workerIsWorking(const Paths &paths)
-{
-    WorkerLock lock(paths);
-    return !lock.tryTake();
-}
-
 } // namespace
 
 void requireWorker()
@@ -107,13 +101,23 @@ void requireWorker()
 
 void startWorker(const Paths &paths)
 {
-    if (!workerIsWorking(paths))
+    if (!WorkerLock(paths).isHeld())
         launch(true);
+}
+
+void startWorkerNowOrWithResume(const Paths &paths)
+{
+    try {
+        startWorker(paths);
+    } catch (const Failure &) {
+        // What was asked for has happened, and the next "resume" starts a worker: an error here would only have the
+        // caller ask for the same again.
+    }
 }
 
 pid_t startWorkerAsChild(const Paths &paths)
 {
-    return workerIsWorking(paths) ? -1 : launch(false);
+    return WorkerLock(paths).isHeld() ? -1 : launch(false);
 }
 
 } // namespace engine

@@ -11,6 +11,9 @@ namespace engine {
 // Throws Failure when the worker cannot be started.
 void startWorker(const Paths &paths);
 
+// For a command whose work stands already: that no worker could be started is left to the next command that tries.
+void startWorkerNowOrWithResume(const Paths &paths);
+
 // Throws Failure, with what to do, when there is no worker to start.
 void requireWorker();
 

@@ -8,6 +8,7 @@
 #include "store/Transcripts.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -55,6 +56,9 @@ void publish(Database &database, const Job &job, int revision)
 
 void finishOne(Database &database, const Job &job)
 {
+    // Each look at the list comes here, for as long as the folder is away.
+    if (!QFileInfo(job.callDir).isDir())
+        return;
     const Transcript transcript = *keptTranscript(database, job.seq);
     if (!publishFiles(job.callDir, transcript.revision))
         stageFiles(job.callDir, transcript.revision,
@@ -68,7 +72,7 @@ void finishAll(Database &database)
         try {
             finishOne(database, *jobBySeq(database, seq));
         } catch (const Failure &) {
-            // Its folder is gone or cannot be written. It is tried again with the next command.
+            // Its folder cannot be written. It is tried again with the next command.
         }
     }
 }

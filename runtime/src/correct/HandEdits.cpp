@@ -1,10 +1,12 @@
 #include "correct/HandEdits.h"
 
+#include "core/Failure.h"
+#include "core/Files.h"
 #include "intake/CallDir.h"
 #include "output/Formats.h"
 
-#include <QFile>
 #include <QStringDecoder>
+#include <QStringEncoder>
 #include <QStringList>
 
 #include <algorithm>
@@ -17,17 +19,53 @@ namespace {
 
 const QString cleanName = CallDirNames::technical + u"/transcript.txt"_s;
 
-// Empty where there is no such file and where it is no text.
-QString textOf(const QString &path)
+// Empty where there is no such file. Throws Failure where there is one that cannot be taken whole: it would be
+// written over as if nobody had changed it.
+QString textOf(const QString &callDir, const QString &name)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> bytes =
+        readFile(callDir + u'/' + name, u"“"_s + name + u"” could not be read"_s);
+    if (!bytes)
         return {};
-    // A byte order mark, which some editors put in front, is kept too.
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    const QString text = decoder(file.readAll());
-    return decoder.hasError() ? QString() : text;
+    // A byte order mark, which some editors put in front, is kept. With one, UTF-16 is a text like any other.
+    const auto encoding = QStringDecoder::encodingForData(*bytes).value_or(QStringDecoder::Utf8);
+    QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = decoder(*bytes);
+    // Not every byte that is lost counts as an error of the decoder.
+    if (QByteArray(QStringEncoder(encoding)(text)) != *bytes)
+        throw Failure(u"“"_s + name + u"” is not written in UTF-8. Save it in UTF-8, or remove it."_s);
+    return text;
 }
+
+// What editors add to a text that is otherwise the same: a byte order mark in front, and "\r" before the end of
+// every row.
+class EditorsMarks
+{
+public:
+    explicit EditorsMarks(const QString &text)
+        : m_inFront(text.startsWith(QChar::ByteOrderMark))
+        , m_atEnds(text.contains(rowEnd))
+    {
+    }
+
+    QString without(QString text) const
+    {
+        text.replace(rowEnd, u"\n"_s);
+        return m_inFront ? text.sliced(1) : text;
+    }
+
+    QString with(QString text) const
+    {
+        if (m_atEnds)
+            text.replace(rowEnd, u"\n"_s).replace(u"\n"_s, rowEnd);
+        return m_inFront ? QChar(QChar::ByteOrderMark) + text : text;
+    }
+
+private:
+    static inline const QString rowEnd = u"\r\n"_s;
+    bool m_inFront;
+    bool m_atEnds;
+};
 
 // Where `ours` became `after`, the same rows of `theirs` become the same.
 QString withSameRows(const QString &theirs, const QString &ours, const QString &after)
@@ -69,7 +107,7 @@ HandEdits::HandEdits(const Job &job, const Transcript &transcript)
 
 QString HandEdits::cleanText() const
 {
-    const QString text = textOf(m_callDir + u'/' + cleanName);
+    const QString text = textOf(m_callDir, cleanName);
     return text.isEmpty() ? m_clean : text;
 }
 
@@ -77,13 +115,16 @@ void HandEdits::keepIn(CallDirFiles &files, const std::function<QString(const QS
 {
     for (const auto &[name, written] : m_written) {
         const auto file = std::ranges::find(files, name, &CallDirFiles::value_type::first);
-        const QString theirs = textOf(m_callDir + u'/' + name);
-        if (file == files.end() || theirs.isEmpty() || theirs.toUtf8() == written)
+        const QString text = textOf(m_callDir, name);
+        if (file == files.end() || text.isEmpty() || text.toUtf8() == written)
             continue;
+        const EditorsMarks marks(text);
+        const QString theirs = marks.without(text);
         const QString ours = QString::fromUtf8(written);
         const QString after = QString::fromUtf8(file->second);
-        file->second = (name == CallDirNames::summary ? changedSummary(theirs, ours, after, carriedOver)
-                                                      : withSameRows(theirs, ours, after))
+        file->second = marks.with(name == CallDirNames::summary
+                                      ? changedSummary(theirs, ours, after, carriedOver)
+                                      : withSameRows(theirs, ours, after))
                            .toUtf8();
     }
 }

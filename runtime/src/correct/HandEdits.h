@@ -18,7 +18,8 @@ public:
     // The transcript as the store has it, before a change.
     HandEdits(const Job &job, const Transcript &transcript);
 
-    // The clean text as it stands in its file, or as it was kept where there is no such file.
+    // The clean text as it stands in its file, or as it was kept where there is no such file. Throws Failure, as
+    // the next one does, where a file cannot be read, or not as a text.
     QString cleanText() const;
 
     // `files` are those of the transcript after the change. Where the user has a text of their own in the

@@ -110,6 +110,14 @@ void copyRecording(const Recording &recording, const QString &target)
     if (!copy.valid())
         throw systemFailure(doing, errno);
     copyBytes(recording.file.get(), copy.get(), doing);
+    struct stat info
+    {
+    };
+    if (::fstat(copy.get(), &info) != 0)
+        throw systemFailure(doing, errno);
+    // Longer is well: it was still being written.
+    if (info.st_size < recording.size)
+        throw Failure(u"The recording became shorter while it was copied. Try again."_s);
     // The copy keeps the time of the original: it may be the only sign of when it was recorded.
     const timespec time{recording.modified.toSecsSinceEpoch(), 0};
     const std::array<timespec, 2> times{time, time};

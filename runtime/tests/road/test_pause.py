@@ -3,7 +3,8 @@
 
 import os
 
-from road import QUICK, SENTENCES, RoadTest, main, results, several, steady, transcript, until
+from road import QUICK, SENTENCES, WORKER, RoadTest, main, results, several, steady, transcript, until
+from seeded import seed
 
 
 class Pause(RoadTest):
@@ -108,6 +109,35 @@ class Pause(RoadTest):
             steady(engine.ticks, "processor time of a paused job")
             engine.ask("continue", job)
         self.assertEqual(results(engine.wait(job, "ready")), expected)
+
+    def test_without_a_worker_nothing_changes(self):
+        engine = self.engine()
+        paused, cancelled = (seed(engine, title=status, status=status)["id"] for status in ("queued", "cancelled"))
+        engine.ask("pause", paused)
+        before = engine.history()
+        program = os.path.join(engine.folder, "runtime", "bin", WORKER)
+        os.rename(program, program + " aside")
+        for command in (("continue", paused), ("retry", cancelled)):
+            reply = engine.call(*command)
+            self.assert_one_line(reply, 1)
+            self.assertIn("The engine is not complete", reply.err)
+            self.assertEqual(engine.history(), before)
+
+    def test_a_worker_that_cannot_be_started_now_is_left_to_resume(self):
+        engine = self.engine()
+        paused, cancelled = (seed(engine, title=status, status=status)["id"] for status in ("queued", "cancelled"))
+        engine.ask("pause", paused)
+        program = os.path.join(engine.folder, "runtime", "bin", WORKER)
+        os.rename(program, program + " aside")
+        with open(program, "wb") as file:
+            file.write(b"no program")
+        os.chmod(program, 0o755)
+        engine.ask("continue", paused)
+        engine.ask("retry", cancelled)
+        self.assertEqual([(e["status"], e["paused"]) for e in engine.history()], [("queued", False)] * 2)
+        reply = engine.call("resume")
+        self.assert_one_line(reply, 1)
+        self.assertIn("could not be started", reply.err)
 
     def test_ended_jobs_stay_as_they_are(self):
         engine = self.engine()

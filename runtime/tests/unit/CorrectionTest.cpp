@@ -8,6 +8,7 @@
 #include "Support.h"
 
 #include <QDir>
+#include <QStringEncoder>
 
 using namespace Qt::StringLiterals;
 
@@ -198,6 +199,83 @@ TEST_F(CorrectionTest, aByteOrderMarkIsKept)
     test::write(path(u"Technical files/transcript.txt"_s), "\xef\xbb\xbfMy own text.\n");
     nameSpeaker(u"Boris"_s);
     EXPECT_EQ(file(u"Technical files/transcript.txt"_s), "\xef\xbb\xbfMy own text.\n");
+}
+
+TEST_F(CorrectionTest, aTextInAnotherEncodingIsNotWrittenOver)
+{
+    nameSpeaker(u"Anna"_s);
+    for (const QString &name : {u"Summary.md"_s, u"Transcript.txt"_s, u"Technical files/transcript.txt"_s}) {
+        const QByteArray before = file(name);
+        for (const QByteArray &theirs : {"Besprochen f\xfcr M\xe4rz.\n"_ba, "\xff\xfe{"_ba}) {
+            test::write(path(name), theirs);
+            EXPECT_EQ(test::sentenceOf([&] { nameSpeaker(u"Boris"_s); }),
+                      u"“"_s + name + u"” is not written in UTF-8. Save it in UTF-8, or remove it."_s);
+            EXPECT_EQ(file(name), theirs);
+        }
+        test::write(path(name), before);
+    }
+    EXPECT_EQ(kept().lines[0].speaker, u"Anna"_s);
+    EXPECT_EQ(kept().revision, 1);
+    EXPECT_EQ(entries(), m_expected);
+}
+
+TEST_F(CorrectionTest, aTextThatCannotBeReadIsNotWrittenOver)
+{
+    nameSpeaker(u"Anna"_s);
+    for (const QString &name : {u"Summary.md"_s, u"Transcript.txt"_s, u"Technical files/transcript.txt"_s}) {
+        const QString aside = path(name) + u" aside"_s;
+        QFile::rename(path(name), aside);
+        // Root may read everything, but a link that leads to itself.
+        ASSERT_TRUE(QFile::link(path(name), path(name)));
+        EXPECT_TRUE(test::sentenceOf([&] {
+                        nameSpeaker(u"Boris"_s);
+                    }).startsWith(u"“"_s + name + u"” could not be read: "_s));
+        ASSERT_TRUE(QFile::remove(path(name)));
+        QFile::rename(aside, path(name));
+    }
+    EXPECT_EQ(kept().lines[0].speaker, u"Anna"_s);
+    EXPECT_EQ(entries(), m_expected);
+}
+
+// A byte order mark, which tells the encoding, and the ends of rows on Windows.
+TEST_F(CorrectionTest, whatEditorsMakeOfATextStays)
+{
+    const auto edit = [&](const QString &name, QStringConverter::Encoding encoding, const QString &from,
+                          const QString &to) {
+        QString text = QString::fromUtf8(file(name)).replace(from, to).replace(u'\n', u"\r\n"_s);
+        EXPECT_TRUE(text.contains(to));
+        test::write(path(name), QStringEncoder(encoding, QStringConverter::Flag::WriteBom)(text));
+    };
+    for (const auto encoding : {QStringConverter::Utf8, QStringConverter::Utf16LE, QStringConverter::Utf16BE}) {
+        QFile::remove(path(u"Summary.md"_s));
+        QFile::remove(path(u"Transcript.txt"_s));
+        nameSpeaker(u"Anna"_s);
+        nameSpeaker(u"Boris"_s);
+        edit(u"Summary.md"_s, encoding, u"None were found."_s, u"- [x] Call the bank"_s);
+        edit(u"Transcript.txt"_s, encoding, u"four"_s, u"four (laughs)"_s);
+        correct(m_database, m_job.id, [](Correction &correction) {
+            correction.transcript.lines[0].text = u"one six"_s;
+            correction.carriedOver = [](QString text) { return text.replace(u"two"_s, u"six"_s); };
+        });
+        nameSpeaker(u"Clara"_s);
+        EXPECT_TRUE(file(u"Summary.md"_s).startsWith("\xef\xbb\xbf---\r\n"));
+        EXPECT_TRUE(file(u"Summary.md"_s).contains("\r\n- [x] Call the bank\r\n"));
+        EXPECT_TRUE(file(u"Summary.md"_s).contains("\r\nspeakers: [\"Clara\"]\r\n"));
+        EXPECT_TRUE(file(u"Summary.md"_s).endsWith("\r\nOne six.\r\n\r\nThree four.\r\n"));
+        EXPECT_EQ(file(u"Transcript.txt"_s),
+                  "\xef\xbb\xbf[00:00:00] Clara: one six\r\n[00:00:05] three four (laughs)\r\n");
+        correct(m_database, m_job.id, [](Correction &correction) {
+            const auto [first, second] = cut(correction.transcript.lines[0], 3);
+            correction.transcript.lines = {first, second, correction.transcript.lines[1]};
+        });
+        EXPECT_EQ(file(u"Transcript.txt"_s), "\xef\xbb\xbf[00:00:00] Clara: one\r\n[00:00:00] Clara: six\r\n"
+                                             "[00:00:05] three four (laughs)\r\n");
+        correct(m_database, m_job.id, [](Correction &correction) {
+            std::vector<Line> &lines = correction.transcript.lines;
+            lines = {withText(joined(lines[0], lines[1]), u"one two"_s), lines[2]};
+            correction.carriedOver = [](QString text) { return text.replace(u"six"_s, u"two"_s); };
+        });
+    }
 }
 
 TEST_F(CorrectionTest, whatTheUserWroteIntoTheFilesStays)

@@ -57,4 +57,22 @@ TEST(Recording, theCopyIsEqualAndKeepsItsTime)
     EXPECT_EQ(QFileInfo(home.file(u"b.wav"_s)).lastModified(), QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5)));
 }
 
+TEST(Recording, aShortCopyIsNoCopy)
+{
+    const test::Home home;
+    const auto copied = [&](const QByteArray &become) {
+        test::write(home.file(u"a.wav"_s), "0123456789");
+        const Recording recording = openRecording(home.file(u"a.wav"_s));
+        test::write(home.file(u"a.wav"_s), become);
+        QFile::remove(home.file(u"b.wav"_s));
+        return test::sentenceOf([&] { copyRecording(recording, home.file(u"b.wav"_s)); });
+    };
+    const QString refused = u"The recording became shorter while it was copied. Try again."_s;
+    EXPECT_EQ(copied("012345678"), refused);
+    EXPECT_EQ(copied(""), refused);
+    EXPECT_EQ(copied("0123456789"), u"no failure"_s);
+    EXPECT_EQ(copied("0123456789, and more"), u"no failure"_s);
+    EXPECT_EQ(test::contentOf(home.file(u"b.wav"_s)), "0123456789, and more");
+}
+
 } // namespace engine
