@@ -20,6 +20,7 @@ public:
     QString language() const override;
     bool usesOneCore() const override { return true; }
     void prepare() override;
+    bool staysLoaded() const override { return true; }
     void check() override;
     Heard recognise(const Sound &sound) override;
 

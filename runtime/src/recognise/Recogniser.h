@@ -73,6 +73,9 @@ public:
     // Loads the model, once; in the parent, so that every child shares it. Throws Failure.
     virtual void prepare() = 0;
 
+    // Whether what `prepare` has loaded is worth keeping for the next job.
+    virtual bool staysLoaded() const { return false; }
+
     // Looks whether it could work, for less than loading everything. Throws Failure.
     virtual void check() { prepare(); }
 

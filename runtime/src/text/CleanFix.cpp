@@ -1,5 +1,6 @@
 #include "text/CleanFix.h"
 
+#include "text/WordParts.h"
 #include "text/Words.h"
 
 #include <algorithm>
@@ -171,11 +172,6 @@ QString withCapital(QString word)
     if (!word.isEmpty())
         word[0] = word[0].toUpper();
     return word;
-}
-
-bool endsSentence(const QString &signs)
-{
-    return std::ranges::any_of(signs, [](QChar c) { return QStringView(u".?!…。？！؟").contains(c); });
 }
 
 // Carries the differences between the old words and the new ones over to their counterpart in the text: what

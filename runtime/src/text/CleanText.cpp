@@ -74,6 +74,15 @@ QString capitalised(QString text)
     return text;
 }
 
+// With a full stop, unless there is one ("at nine a.m.") or what may be a Greek question mark.
+QString stopped(QString text)
+{
+    const auto endsWith = [&](QStringView signs) { return !text.isEmpty() && signs.contains(text.back()); };
+    if (endsWith(u",،，、"))
+        text.chop(1);
+    return endsWith(u".;") ? text : text + u'.';
+}
+
 QString textOf(const std::vector<Word> &words, bool english)
 {
     const QStringList texts = textsOf(words);
@@ -82,8 +91,7 @@ QString textOf(const std::vector<Word> &words, bool english)
         return text;
     if (english && english::asks(texts))
         return text + u'?';
-    const bool comma = text.endsWith(u',');
-    return text.endsWith(u'.') ? text : (comma ? text.chopped(1) : text) + u'.'; // "at nine a.m."
+    return stopped(text);
 }
 
 class Paragraphs

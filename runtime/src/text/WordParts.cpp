@@ -33,8 +33,13 @@ WordParts::WordParts(const QString &word)
 
 bool WordParts::endsSentence() const
 {
-    constexpr QStringView marks = u".?!…。？！";
-    return std::ranges::any_of(trail, [&](QChar c) { return marks.contains(c); });
+    return engine::endsSentence(trail);
+}
+
+bool endsSentence(QStringView signs)
+{
+    constexpr QStringView marks = u".?!…。？！؟۔।॥";
+    return std::ranges::any_of(signs, [&](QChar c) { return marks.contains(c); });
 }
 
 } // namespace engine

@@ -16,4 +16,7 @@ struct WordParts
     bool endsSentence() const;
 };
 
+// Whether one of the signs ends a sentence, in any of the languages that recognisers write.
+bool endsSentence(QStringView signs);
+
 } // namespace engine

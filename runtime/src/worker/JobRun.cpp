@@ -78,9 +78,7 @@ void JobRun::plan()
         job.durationSeconds = reader.durationSeconds();
         if (const auto time = reader.recordedAt())
             job.recordedAt = contractTime(*time);
-        job.recogniser = m_recogniser->name();
-        job.engine = m_recogniser->contractName();
-        job.language = m_recogniser->language();
+        nameRecogniser(job, false);
     });
     Segmenter segmenter;
     std::vector<int16_t> block(blockSamples);
@@ -104,16 +102,15 @@ void JobRun::plan()
         [&] { planSegments(m_database, m_control.job().seq, segments); });
 }
 
-// A job that goes on may get another recogniser, when one was installed or removed meanwhile.
-void JobRun::nameRecogniser()
+// A job that goes on may get another recogniser, when one was installed or removed meanwhile. What the first one
+// has heard of the recording, if anything, stays.
+void JobRun::nameRecogniser(Job &job, bool anythingKept) const
 {
-    const auto name = [this](Job &job) {
-        job.recogniser = m_recogniser->name();
-        if (const QString contractName = m_recogniser->contractName(); !contractName.isEmpty())
-            job.engine = contractName;
-    };
-    if (m_control.job().recogniser != m_recogniser->name())
-        m_control.change(name);
+    job.recogniser = m_recogniser->name();
+    if (const QString contractName = m_recogniser->contractName(); !anythingKept || !contractName.isEmpty())
+        job.engine = contractName;
+    if (!anythingKept || job.language == u"auto")
+        job.language = m_recogniser->language();
 }
 
 void JobRun::recogniseMissing()
@@ -125,7 +122,10 @@ void JobRun::recogniseMissing()
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
     enter(Status::transcribing);
-    nameRecogniser();
+    if (m_control.job().recogniser != m_recogniser->name()) {
+        const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
+        m_control.change([&](Job &job) { nameRecogniser(job, anythingKept); });
+    }
     m_recogniser->prepare();
     Decoders decoders(
         *m_recogniser, m_recogniser->usesOneCore() ? decodersAllowed() : 1,

@@ -34,7 +34,7 @@ public:
 private:
     void plan();
     void recogniseMissing();
-    void nameRecogniser();
+    void nameRecogniser(Job &job, bool anythingKept) const;
     SoundTask taskOf(AudioReader &reader, std::vector<Piece> pieces);
     void takeSamples(std::vector<int16_t> &samples, AudioReader &reader, const Segment &segment,
                      qint64 tailMs = 0);

@@ -133,10 +133,9 @@ void Worker::fail(const Job &job, const QString &sentence)
 
 Recogniser &Worker::recogniserFor(const Job &job)
 {
-    // Choosing is cheap, and models come and go; one that is loaded is kept.
+    // Choosing is cheap, and models come and go: under a name that is known there may be another one.
     std::unique_ptr<Recogniser> chosen = chooseRecogniser(job.engineChoice, job.languageChoice);
-    if (!m_recogniser || chosen->name() != m_recogniser->name() ||
-        chosen->language() != m_recogniser->language())
+    if (!m_recogniser || !m_recogniser->staysLoaded() || chosen->name() != m_recogniser->name())
         m_recogniser = std::move(chosen);
     return *m_recogniser;
 }

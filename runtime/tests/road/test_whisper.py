@@ -18,15 +18,21 @@ class Whisper(RoadTest):
         self.knobs = os.path.join(engine.home, "stand-in")
         os.makedirs(self.knobs)
         engine.environment.update(TUPPI_WHISPER_CLI=STAND_IN, STAND_IN_WHISPER=self.knobs)
+        self.add_model(engine, MODEL)
+        return engine
+
+    def add_model(self, engine, content):
+        """As the only one, in the place of one that was there before."""
         models = os.path.join(engine.folder, "models")
         os.makedirs(models, exist_ok=True)
-        sha256 = hashlib.sha256(MODEL).hexdigest()
+        for name in os.listdir(models):
+            os.remove(os.path.join(models, name))
+        sha256 = hashlib.sha256(content).hexdigest()
         with open(os.path.join(models, sha256 + ".bin"), "wb") as file:
-            file.write(MODEL)
+            file.write(content)
         with open(os.path.join(models, "models.json"), "w", encoding="utf-8") as file:
             json.dump({"models": [{"id": "mine", "name": "Mine", "kind": "whisper", "repo": "owner/whisper-turbo",
-                                   "file": "ggml-turbo.bin", "sha256": sha256, "size": len(MODEL)}]}, file)
-        return engine
+                                   "file": "ggml-turbo.bin", "sha256": sha256, "size": len(content)}]}, file)
 
     def set(self, name, value=""):
         with open(os.path.join(self.knobs, name), "w", encoding="utf-8") as file:
@@ -99,6 +105,19 @@ class Whisper(RoadTest):
         self.assertIn("could not load the speech model “Mine”", self.refused(engine, path, engine_name="whisper"))
         os.remove(os.path.join(models, name))
         self.assertIn("missing or damaged", self.refused(engine, path, engine_name="whisper"))
+
+    def test_each_job_takes_the_model_that_is_there(self):
+        """Also where one follows another, and the models have the same name."""
+        engine = self.whisper()
+        path = self.recording(engine)
+        self.set("closed")
+        first = engine.process(path, engine="whisper", language="uk")
+        second = engine.process(path, engine="whisper", language="uk")
+        until(self.runs, "the first run")
+        self.add_model(engine, b"one that cannot be loaded")
+        self.unset("closed")
+        engine.wait(first, "ready")
+        self.assertIn("could not load the speech model", engine.wait(second, "failed")["error"])
 
     def test_pause_cancel_and_kill_at_any_moment(self):
         engine = self.whisper()

@@ -36,6 +36,8 @@ const std::vector<Case> cases{
      u"Good morning. How are you.\n\nI am fine thanks. See you on Friday.\n"_s},
     {"theFirstWordKeepsItsCapital", greeting, 0, u"fine mourning how are you"_s, greetingText,
      u"Fine mourning. How are you.\n\nI am fine thanks. See you on Friday.\n"_s},
+    {"aStopOfAnotherLanguageStaysBehindTheWordThatIsLastNow", {u"यह अच्छा है ना"_s, u"हाँ ठीक है"_s}, 0, u"यह अच्छा है"_s,
+     u"यह अच्छा है ना। हाँ ठीक है।\n"_s, u"यह अच्छा है। हाँ ठीक है।\n"_s},
     {"signsAndCapitalsThatWereTypedAreTaken", greeting, 0, u"Good morning, Anna! How are you?"_s,
      greetingText, u"Good morning, Anna! How are you?\n\nI am fine thanks. See you on Friday.\n"_s},
     {"severalWordsForOne", greeting, 1, u"i am very well thanks"_s, greetingText,

@@ -10,8 +10,8 @@ namespace engine::test {
 class FakeRecogniser : public Recogniser
 {
 public:
-    QString name() const override { return QStringLiteral("Fake"); }
-    QString contractName() const override { return {}; }
+    QString name() const override { return called; }
+    QString contractName() const override { return contract; }
     QString language() const override { return hears; }
     void prepare() override {}
     bool usesOneCore() const override { return oneCore; }
@@ -29,6 +29,8 @@ public:
         return {{QString::number(samples.size()), 0, qint64(samples.size() / 16)}};
     }
 
+    QString called = QStringLiteral("Fake");
+    QString contract;
     qint64 longest = 0;
     bool oneCore = false;
     int percent = 0; // told before anything is heard

@@ -46,6 +46,16 @@ protected:
         return test::addJob(m_database, job);
     }
 
+    // Another job on the same recording.
+    Job sameAgain()
+    {
+        const Job job = newJob({});
+        const QString audio = job.callDir + u'/' + job.audio;
+        QFile::remove(audio);
+        QFile::copy(m_job.callDir + u'/' + m_job.audio, audio);
+        return job;
+    }
+
     void run(const Job &job)
     {
         JobRun(m_database, m_lock, *jobById(m_database, job.id), [this](const Job &) -> Recogniser & {
@@ -112,9 +122,7 @@ TEST_F(JobRunTest, aJobThatIsReadyHasATranscriptThatAgreesWithItsFiles)
 TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
 {
     run(m_job);
-    const Job second = newJob({});
-    QFile::remove(second.callDir + u'/' + second.audio);
-    QFile::copy(m_job.callDir + u'/' + m_job.audio, second.callDir + u'/' + second.audio);
+    const Job second = sameAgain();
 
     // The third segment cannot be recognised, and what was before it is kept.
     m_recogniser.act = [](std::span<const int16_t> samples) -> std::vector<Word> {
@@ -145,6 +153,62 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     };
     for (int number = 0; number < 6; ++number)
         EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
+}
+
+namespace {
+
+// What the history tells of a job after two recognisers: the first fails, at once or after some segments.
+struct HandedOver
+{
+    const char *comment;
+    const char *firstContract;
+    const char *firstHears;
+    const char *firstHeard; // the language that it finds; empty: it fails before it finds any
+    const char *secondContract;
+    const char *secondHears;
+    const char *engine;
+    const char *language;
+};
+
+const HandedOver handedOver[] = {
+    {"all of it by the second", "whisper", "auto", "", "", "en", "", "en"},
+    {"the other way round", "", "en", "", "whisper", "auto", "whisper", "auto"},
+    {"what was found is known", "whisper", "auto", "uk", "", "en", "whisper", "uk"},
+    {"some heard, nothing found", "whisper", "auto", "?", "", "en", "whisper", "en"},
+    {"a part by Whisper", "", "en", "en", "whisper", "auto", "whisper", "en"},
+};
+
+} // namespace
+
+TEST_F(JobRunTest, theHistoryTellsWhoHasHeardTheRecording)
+{
+    for (const HandedOver &row : handedOver) {
+        SCOPED_TRACE(row.comment);
+        const Job job = sameAgain();
+        const QString found = QString::fromUtf8(row.firstHeard);
+        m_recogniser.called = u"First"_s;
+        m_recogniser.contract = QString::fromUtf8(row.firstContract);
+        m_recogniser.hears = QString::fromUtf8(row.firstHears);
+        m_recogniser.heardLanguage = found == u"?" ? QString() : found;
+        m_recogniser.act = [&](std::span<const int16_t> samples) -> std::vector<Word> {
+            if (found.isEmpty() || samples.size() > 2 * 16000)
+                throw Failure(u"No."_s);
+            return test::FakeRecogniser::words(samples);
+        };
+        EXPECT_EQ(test::sentenceOf([&] { run(job); }), u"No."_s);
+        EXPECT_EQ(stored(job).recogniser, u"First"_s);
+        EXPECT_EQ(keptCount(m_database, job.seq) > 0, !found.isEmpty());
+
+        m_recogniser.called = u"Second"_s;
+        m_recogniser.contract = QString::fromUtf8(row.secondContract);
+        m_recogniser.hears = QString::fromUtf8(row.secondHears);
+        m_recogniser.heardLanguage.clear();
+        m_recogniser.act = nullptr;
+        run(job);
+        EXPECT_EQ(stored(job).recogniser, u"Second"_s);
+        EXPECT_EQ(stored(job).engine, QString::fromUtf8(row.engine));
+        EXPECT_EQ(stored(job).language, QString::fromUtf8(row.language));
+    }
 }
 
 TEST_F(JobRunTest, soundOfSeveralSegmentsIsKeptByItsSegments)
@@ -205,9 +269,7 @@ TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)
     ::qputenv("TUPPI_DECODERS", "2");
     if (decodersAllowed() < 2)
         GTEST_SKIP() << "one core";
-    const Job second = newJob({});
-    QFile::remove(second.callDir + u'/' + second.audio);
-    QFile::copy(m_job.callDir + u'/' + m_job.audio, second.callDir + u'/' + second.audio);
+    const Job second = sameAgain();
     run(second);
     ::qunsetenv("TUPPI_DECODERS");
     EXPECT_EQ(transcript(second), transcript(m_job));

@@ -86,6 +86,37 @@ TEST(CleanText, marksOfTheRecogniserEndSentences)
               (QStringList{u"Hello, Anna."_s, u"How are you?"_s, u"I was there at 9."_s}));
 }
 
+namespace {
+
+// A stretch of speech with the marks that recognisers write in its language.
+struct MarksCase
+{
+    const char *language;
+    const char *heard; // "|" is a pause that ends a sentence only where there are no marks
+    QStringList sentences;
+};
+
+const MarksCase marksCases[] = {
+    {"hi", "यह अच्छा | है। हाँ", {u"यह अच्छा है।"_s, u"हाँ."_s}},
+    {"hi", "राम आया॥ हाँ", {u"राम आया॥"_s, u"हाँ."_s}},
+    {"ar", "أين | هو؟ هنا،", {u"أين هو؟"_s, u"هنا."_s}},
+    {"ur", "وہ یہاں | ہے۔", {u"وہ یہاں ہے۔"_s}},
+    {"zh", "你好。 我们 | 走，", {u"你好。"_s, u"我们 走."_s}},
+    {"ja", "はい。 でも、", {u"はい。"_s, u"でも."_s}},
+    {"el", "Ναι. Πού είναι;", {u"Ναι."_s, u"Πού είναι;"_s}},
+    {"de", "Gut. Um 9 a.m.,", {u"Gut."_s, u"Um 9 a.m."_s}},
+};
+
+} // namespace
+
+TEST(CleanText, marksAreThoseOfTheLanguage)
+{
+    for (const MarksCase &row : marksCases) {
+        const Segment segment = spoken(0, 0, QString::fromUtf8(row.heard));
+        EXPECT_EQ(texts(cleanSentences({segment}, QString::fromUtf8(row.language))), row.sentences) << row.heard;
+    }
+}
+
 TEST(CleanText, aHesitationIsNoPause)
 {
     const Segment segment = spoken(0, 0, u"we | um | went home"_s, 400);
