@@ -10,13 +10,13 @@ import sqlite3
 import subprocess
 
 from faults import DISK
-from soak import (ACTIVE, OPTIONS, PATIENCE, Engine, check_store, faults_in, kept_when_lost, library_holds_only, moment,
-                  require, settle, until)
+from soak import (ACTIVE, OPTIONS, PATIENCE, Engine, agreed, check_store, faults_in, kept_when_lost, library_holds_only,
+                  moment, read, require, seed, settle, some_correction, stored, until, view)
 
 HOUR = 3600
 JUMPS = (-10 * 365 * 24 * HOUR, -24 * HOUR, -HOUR, -2, 0, 2, HOUR, 24 * HOUR, 10 * 365 * 24 * HOUR)
 KINDS = {"worker_killed": 6, "recogniser_killed": 2, "command_killed": 6, "everything_killed": 2, "worker_stopped": 3,
-         "disk": 8, "clock_jumps": 2, "folder_taken_away": 2, "folder_put_back": 2, "folder_littered": 2,
+         "disk": 8, "corrected": 6, "clock_jumps": 2, "folder_taken_away": 2, "folder_put_back": 2, "folder_littered": 2,
          "engine_littered": 2, "store_locked": 1}
 
 
@@ -33,6 +33,11 @@ class EngineSoak:
         self.accepted = []  # call dirs
         self.numbers = 0  # of recordings
         self.aside = {}
+        self.corrections = 0
+        # Two that were ready before, so that there is something to correct from the beginning.
+        self.corrected_jobs = {seed(self.engine, title=title)["id"] for title in ("Interview", "Conversation")}
+        for job in self.corrected_jobs:
+            self.engine.ask("speaker", job, "0", "--json", "--name=Anna")
 
     def run(self, over):
         """Until all is done, or it is over; gives back the jobs."""
@@ -65,7 +70,7 @@ class EngineSoak:
         for folder in list(self.aside):
             self.put_back(folder)
         require(self.hand_over(), "a recording is refused when all is well again")
-        entries = settle(self.engine, self.recordings, self.tally)
+        entries = settle(self.engine, self.recordings, self.tally, self.corrected_jobs)
         self.check()
         library_holds_only(self.engine, entries)
         return entries
@@ -176,10 +181,58 @@ class EngineSoak:
         for _ in range(self.chance.randint(1, 3)):
             self.call(self.some_command())
         moment(self.chance, 0.5)
+        self.mend_disk(kind)
+
+    def mend_disk(self, kind):
         failed = self.faults.mend_disk()
         self.tally.disk_calls += failed
         if failed:
             self.tally.count(kind)
+
+    def corrected(self):
+        """A correction has happened or has not, and what people have written into the files stays."""
+        job = self.some_job("ready")
+        if not job or not os.path.isdir(job[2]):
+            return
+        entry = self.engine.job(job[0])
+        before = stored(self.engine, entry)
+        self.corrections += 1
+        change, title, lines = some_correction(self.chance, entry["id"], before, self.corrections)
+        self.corrected_jobs.add(entry["id"])
+        note = self.chance.random() < 0.5 and self.write_by_hand(entry)
+        kind = self.chance.choice(list(DISK))
+        # The store takes most of the calls: half of the times it is the disk of the library alone that fails.
+        under, calls = self.chance.choice(((self.engine.home, 60), (self.engine.library, 15)))
+        self.engine.environment["TUPPI_FAULTS_UNDER"] = under + os.sep
+        self.faults.break_disk(kind, self.chance.randint(0, calls), self.chance.choice((1, 3, 20)))
+        reply = self.call(list(change))
+        self.mend_disk(f"{kind}, of a correction")
+        self.engine.environment["TUPPI_FAULTS_UNDER"] = self.engine.home + os.sep
+        self.engine.ask("status", "--json")  # goes on with the files
+        if note:
+            self.take_out_by_hand(entry, note)
+        now = agreed(self.engine, entry)
+        allowed = [(title, lines)] + [(before["title"], view(before))] * (reply.status != 0)
+        require((now["title"], view(now)) in allowed, lambda: f"{change}: {reply}: {before} has become {now}")
+
+    def files_of_people(self, entry):
+        return [os.path.join(entry["call_dir"], name) for name in ("Summary.md", "Transcript.txt")]
+
+    def write_by_hand(self, entry):
+        note = f"A note of mine, number {self.corrections}.\n"
+        for path in self.files_of_people(entry):
+            text = read(path)
+            end = text.find("\n## Full text\n") if path.endswith(".md") else len(text)
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(text[:end] + note + text[end:])
+        return note
+
+    def take_out_by_hand(self, entry, note):
+        for path in self.files_of_people(entry):
+            text = read(path)
+            require(text.count(note) == 1, lambda: f"lost from {path}: {note}")
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(text.replace(note, ""))
 
     def clock_jumps(self):
         before = self.faults.clock_reads

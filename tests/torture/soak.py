@@ -8,11 +8,13 @@ import re
 import shutil
 import sys
 import time
+import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "..", "runtime", "tests", "road"))
 from faults import Faults  # noqa: E402
-from road import ACTIVE, ENDED, PATIENCE, Engine, several, technical, until  # noqa: E402
+from road import ACTIVE, ENDED, PATIENCE, Engine, read, several, technical, until  # noqa: E402
+from seeded import assert_agreement, seed, some_correction, stored, view  # noqa: E402
 
 OPTIONS = ("--background", "--engine", "auto", "--language", "en", "--no-speakers")
 BASES = (("Good morning.", "We need to send the report to the city by Friday."),
@@ -149,7 +151,12 @@ def all_ended(engine):
     until(ended, "the end of all jobs", patience=3600)
 
 
-def settle(engine, recordings, tally):
+def agreed(engine, entry):
+    """The store and every file of a corrected transcript say the same; gives back what."""
+    return assert_agreement(unittest.TestCase(), engine, entry)
+
+
+def settle(engine, recordings, tally, corrected=()):
     """Once nothing is disturbed any more: what failed has said why, and succeeds; all transcripts are as they should be."""
     all_ended(engine)
     for entry in engine.history():
@@ -162,7 +169,10 @@ def settle(engine, recordings, tally):
     entries = engine.history()
     for entry in entries:
         require(entry["status"] == "ready", f"not ready in the end: {entry}")
-        recordings.check(entry)
+        if entry["id"] in corrected:
+            agreed(engine, entry)
+        else:
+            recordings.check(entry)
     check_store(engine, tally)
     tally.jobs += len(entries)
     return entries
@@ -190,5 +200,6 @@ def kept_when_lost(engine, tally):
         engine.close()
 
 
-__all__ = ["ACTIVE", "OPTIONS", "PATIENCE", "Engine", "Lost", "Recordings", "Tally", "all_ended", "check_store",
-           "faults_in", "kept_when_lost", "library_holds_only", "moment", "require", "settle", "until"]
+__all__ = ["ACTIVE", "OPTIONS", "PATIENCE", "Engine", "Lost", "Recordings", "Tally", "agreed", "all_ended",
+           "check_store", "faults_in", "kept_when_lost", "library_holds_only", "moment", "read", "require", "seed", "settle",
+           "some_correction", "stored", "until", "view"]

@@ -97,6 +97,46 @@ def stored(engine, entry):
             "written": written}
 
 
+def view(kept):
+    return [(line["speaker"], line["text"]) for line in kept["lines"]]
+
+
+def some_correction(chance, job, kept, number):
+    """A command of a kind drawn by lot, and what it makes of (title, lines)."""
+    lines = view(kept)
+    at = chance.randrange(len(lines))
+    speaker, text = lines[at]
+    long = [i for i, (_, t) in enumerate(lines) if len(t.split()) > 1]
+    kinds = ["rename", "speaker", "edit"]
+    if long and len(lines) < 8:
+        kinds.append("split")
+    elif len(lines) > 1:
+        kinds.append("join")
+    if speaker:
+        kinds.append("everywhere")
+    kind = chance.choice(kinds)
+    if kind == "rename":
+        return ("rename", job, "--", f"Title {number}"), f"Title {number}", lines
+    if kind == "speaker":
+        return (("speaker", job, str(at), "--json", f"--name=Name {number}"), kept["title"],
+                lines[:at] + [(f"Name {number}", text)] + lines[at + 1:])
+    if kind == "everywhere":
+        return (("speaker", job, "--rename", f"--old={speaker}", f"--new=New {number}", "--json"), kept["title"],
+                [(f"New {number}" if s == speaker else s, t) for s, t in lines])
+    if kind == "edit":
+        return (("edit", job, str(at), "--json", "--", f"{text} x{number}"), kept["title"],
+                lines[:at] + [(speaker, f"{text} x{number}")] + lines[at + 1:])
+    if kind == "split":
+        at = chance.choice(long)
+        speaker, text = lines[at]
+        first, second = text.split(" ", 1)
+        return (("split", job, str(at), str(len(first)), "--json"), kept["title"],
+                lines[:at] + [(speaker, first), (speaker, second)] + lines[at + 1:])
+    at = max(1, at)
+    return (("split", job, str(at), "--join", "--json"), kept["title"],
+            lines[:at - 1] + [(lines[at - 1][0], f"{lines[at - 1][1]} {lines[at][1]}")] + lines[at + 1:])
+
+
 def assert_agreement(test, engine, entry):
     """Every file of the call dir says what the store says, and nothing else stands there but what a killed command may
     leave; gives back what the store says."""

@@ -11,14 +11,10 @@ import time
 import unittest
 
 from road import SOURCE, RoadTest, main, read, technical
-from seeded import SENTENCES, assert_agreement, page_data, seed, stored
+from seeded import SENTENCES, assert_agreement, page_data, seed, some_correction, stored, view
 
 KILLS = int(os.environ.get("ROAD_KILLS", "100"))
 HOSTILE = "--x \"q\" 'a' </script><b>&amp;\\ \u2028\u2029 \U0001f600 e\u0301 \u200fאב\u200e %@ $HOME `id` @TUPPI_TRANSCRIPT@"
-
-
-def view(kept):
-    return [(line["speaker"], line["text"]) for line in kept["lines"]]
 
 
 class CorrectionTest(RoadTest):
@@ -399,37 +395,6 @@ class Clipboard(CorrectionTest):
 class Killed(CorrectionTest):
     """Killed in the middle of a change, 100 times."""
 
-    def change(self, chance, kept, number):
-        """A change of a kind drawn by lot, and what it makes of (title, lines)."""
-        lines = view(kept)
-        at = chance.randrange(len(lines))
-        speaker, text = lines[at]
-        long = [i for i, (_, t) in enumerate(lines) if len(t.split()) > 1]
-        kinds = ["rename", "speaker", "edit", "split" if len(lines) < 8 and long else "join"]
-        if speaker:
-            kinds.append("everywhere")
-        kind = chance.choice(kinds)
-        if kind == "rename":
-            return ("rename", self.id, "--", f"Title {number}"), f"Title {number}", lines
-        if kind == "speaker":
-            return (("speaker", self.id, str(at), "--json", f"--name=Name {number}"), kept["title"],
-                    lines[:at] + [(f"Name {number}", text)] + lines[at + 1:])
-        if kind == "everywhere":
-            return (("speaker", self.id, "--rename", f"--old={speaker}", f"--new=New {number}", "--json"), kept["title"],
-                    [(f"New {number}" if s == speaker else s, t) for s, t in lines])
-        if kind == "edit":
-            return (("edit", self.id, str(at), "--json", "--", f"{text} x{number}"), kept["title"],
-                    lines[:at] + [(speaker, f"{text} x{number}")] + lines[at + 1:])
-        if kind == "split":
-            at = chance.choice(long)
-            speaker, text = lines[at]
-            first, second = text.split(" ", 1)
-            return (("split", self.id, str(at), str(len(first)), "--json"), kept["title"],
-                    lines[:at] + [(speaker, first), (speaker, second)] + lines[at + 1:])
-        at = max(1, at)
-        return (("split", self.id, str(at), "--join", "--json"), kept["title"],
-                lines[:at - 1] + [(lines[at - 1][0], f"{lines[at - 1][1]} {lines[at][1]}")] + lines[at + 1:])
-
     def until_staged(self, child):
         """Waits until the new files are about to stand beside the old ones; looks as often as it can."""
         while child.poll() is None and not any(n.startswith(".tuppi") for n in os.listdir(self.entry["call_dir"])):
@@ -458,7 +423,7 @@ class Killed(CorrectionTest):
         kept = self.agreed()
         found = {"over": 0, "before": 0, "after": 0, "half": 0}
         for number in range(KILLS):
-            change, title, lines = self.change(chance, kept, number)
+            change, title, lines = some_correction(chance, self.id, kept, number)
             if self.strike(chance, change, length) == 0:
                 found["over"] += 1
             raw = stored(self.runtime, self.entry)
