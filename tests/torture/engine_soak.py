@@ -201,9 +201,13 @@ class EngineSoak:
         self.corrected_jobs.add(entry["id"])
         note = self.chance.random() < 0.5 and self.write_by_hand(entry)
         kind = self.chance.choice(list(DISK))
-        self.faults.break_disk(kind, self.chance.randint(0, 60), self.chance.choice((1, 3, 20)))
+        # The store takes most of the calls: half of the times it is the disk of the library alone that fails.
+        under, calls = self.chance.choice(((self.engine.home, 60), (self.engine.library, 15)))
+        self.engine.environment["TUPPI_FAULTS_UNDER"] = under + os.sep
+        self.faults.break_disk(kind, self.chance.randint(0, calls), self.chance.choice((1, 3, 20)))
         reply = self.call(list(change))
         self.mend_disk(f"{kind}, of a correction")
+        self.engine.environment["TUPPI_FAULTS_UNDER"] = self.engine.home + os.sep
         self.engine.ask("status", "--json")  # goes on with the files
         if note:
             self.take_out_by_hand(entry, note)
