@@ -103,9 +103,4 @@ ProgramResult ChildProgram::finish(int limitMs)
     return result;
 }
 
-ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs)
-{
-    return ChildProgram(program, arguments).finish(limitMs);
-}
-
 } // namespace engine
