@@ -1,6 +1,7 @@
 #include "core/ChildProgram.h"
 
 #include "core/ArgumentVector.h"
+#include "core/MemoryFile.h"
 
 #include <QDeadlineTimer>
 
@@ -8,23 +9,12 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 
 namespace engine {
 
 namespace {
-
-// A file in memory, to be read from its start; not valid when there is no input, or no memory.
-FileDescriptor inputFile(const QByteArray &input)
-{
-    FileDescriptor file(input.isEmpty() ? -1 : ::memfd_create("input", MFD_CLOEXEC));
-    if (file.valid() && (::write(file.get(), input.constData(), size_t(input.size())) != input.size() ||
-                         ::lseek(file.get(), 0, SEEK_SET) != 0))
-        file.reset();
-    return file;
-}
 
 [[noreturn]] void becomeProgram(const ArgumentVector &command, int input, int output, pid_t parent)
 {
@@ -61,7 +51,7 @@ bool readToEnd(int fd, QDeadlineTimer deadline, QByteArray &output)
 
 ChildProgram::ChildProgram(const QString &program, const QStringList &arguments, const QByteArray &input)
 {
-    const FileDescriptor reading = inputFile(input);
+    const FileDescriptor reading = input.isEmpty() ? FileDescriptor() : memoryFile(input);
     if (!input.isEmpty() && !reading.valid())
         return;
     int ends[2];
@@ -101,11 +91,6 @@ ProgramResult ChildProgram::finish(int limitMs)
     if (WIFEXITED(status))
         result.exitStatus = WEXITSTATUS(status);
     return result;
-}
-
-ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs)
-{
-    return ChildProgram(program, arguments).finish(limitMs);
 }
 
 } // namespace engine

@@ -39,8 +39,4 @@ private:
     pid_t m_child = -1;
 };
 
-// Runs a program to its end with nothing on standard input and standard error discarded; kills it after the
-// limit.
-ProgramResult runProgram(const QString &program, const QStringList &arguments, int limitMs);
-
 } // namespace engine

@@ -2,7 +2,7 @@
 
 #include "core/ArgumentVector.h"
 #include "core/Failure.h"
-#include "core/FileDescriptor.h"
+#include "core/MemoryFile.h"
 
 #include <QDeadlineTimer>
 #include <QStandardPaths>
@@ -12,7 +12,6 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -44,21 +43,6 @@ QList<ClipboardTool> toolsForSession()
     return tools;
 }
 
-// A file rather than a pipe: a program that does not read cannot hold us up.
-FileDescriptor fileOf(const QByteArray &bytes)
-{
-    FileDescriptor file(::memfd_create("clipboard", MFD_CLOEXEC));
-    for (qsizetype done = 0; file.valid() && done < bytes.size();) {
-        const ssize_t count = ::write(file.get(), bytes.constData() + done, size_t(bytes.size() - done));
-        if (count < 0 && errno != EINTR)
-            file.reset();
-        done += std::max<ssize_t>(count, 0);
-    }
-    if (!file.valid() || ::lseek(file.get(), 0, SEEK_SET) != 0)
-        throw systemFailure(u"The text could not be copied"_s, errno);
-    return file;
-}
-
 // In a session of its own and with nothing of ours open: it lives on as the owner of the clipboard, and
 // whoever waits for the end of our output must not wait for the end of that.
 [[noreturn]] void becomeTool(const ArgumentVector &command, int text)
@@ -76,7 +60,9 @@ FileDescriptor fileOf(const QByteArray &bytes)
 // It goes into the background by itself once it has the text.
 bool run(const QString &path, const QStringList &arguments, const QByteArray &text)
 {
-    const FileDescriptor file = fileOf(text);
+    const FileDescriptor file = memoryFile(text);
+    if (!file.valid())
+        throw systemFailure(u"The text could not be copied"_s, errno);
     const ArgumentVector command(path, arguments);
     ::signal(SIGCHLD, SIG_DFL); // a caller may have had it ignored, and then nobody learns how a child ended
     const pid_t child = ::fork();

@@ -37,15 +37,19 @@ void makeFolder(const QString &path, const QString &doing)
 
 void writeAll(int fd, const QByteArray &bytes, const QString &doing)
 {
-    qsizetype written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            throw systemFailure(doing, errno);
-        written += count;
+    if (!tryWriteAll(fd, bytes))
+        throw systemFailure(doing, errno);
+}
+
+bool tryWriteAll(int fd, QByteArrayView bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(fd, bytes.data(), size_t(bytes.size()));
+        if (count < 0 && errno != EINTR)
+            return false;
+        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
     }
+    return true;
 }
 
 void writeFile(const QString &path, const QByteArray &bytes)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <optional>
@@ -13,6 +14,9 @@ void makeFolder(const QString &path, const QString &doing);
 // Writes all of it into the open file, in as many steps as that takes. Throws Failure with a sentence that starts with
 // `doing`.
 void writeAll(int fd, const QByteArray &bytes, const QString &doing);
+
+// Likewise. False, with errno, when it cannot.
+bool tryWriteAll(int fd, QByteArrayView bytes);
 
 // Writes beside and renames: a reader sees the old text or the new one, also after a power cut.
 // Throws Failure.

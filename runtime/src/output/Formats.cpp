@@ -1,5 +1,7 @@
 #include "output/Formats.h"
 
+#include "text/Clock.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,17 +24,6 @@ struct Cue
     QString speaker;
     QString text;
 };
-
-QString two(qint64 number)
-{
-    return u"%1"_s.arg(number, 2, 10, QChar(u'0'));
-}
-
-QString clock(qint64 ms)
-{
-    const qint64 seconds = ms / 1000;
-    return two(seconds / 3600) + u':' + two(seconds / 60 % 60) + u':' + two(seconds % 60);
-}
 
 QString fineClock(qint64 ms, QChar point)
 {

@@ -15,10 +15,7 @@ namespace engine {
 
 namespace {
 
-QString writing()
-{
-    return u"“"_s + u"voices"_s + u"” could not be written"_s;
-}
+const QString writing = u"The file of voices could not be written"_s;
 
 } // namespace
 
@@ -28,7 +25,7 @@ CepstraFile::CepstraFile(const QString &folder)
     QByteArray name = QFile::encodeName(folder + u"/voices-XXXXXX"_s);
     m_file = FileDescriptor(::mkostemp(name.data(), O_CLOEXEC));
     if (!m_file.valid())
-        throw systemFailure(writing(), errno);
+        throw systemFailure(writing, errno);
     ::unlink(name.constData());
 }
 
@@ -36,7 +33,7 @@ CepstraFile::Place CepstraFile::append(const Cepstra &cepstra)
 {
     const auto size = cepstra.size() * qsizetype(sizeof(float));
     const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(cepstra.data()), size);
-    writeAll(m_file.get(), bytes, writing());
+    writeAll(m_file.get(), bytes, writing);
     const Place place{m_end, cepstra.cols()};
     m_end += size;
     return place;
@@ -51,7 +48,7 @@ Cepstra CepstraFile::read(const Place &place) const
         const ssize_t count =
             ::pread(m_file.get(), bytes + done, size_t(size - done), off_t(place.offset + done));
         if (count == 0 || (count < 0 && errno != EINTR))
-            throw systemFailure(u"The recording could not be read"_s, EIO);
+            throw systemFailure(u"The file of voices could not be read"_s, EIO);
         done += count > 0 ? count : 0;
     }
     return cepstra;

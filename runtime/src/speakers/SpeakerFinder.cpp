@@ -191,6 +191,7 @@ void SpeakerFinder::learn()
     } while (groupSpeakers());
     trainVoices();
     m_pieces.clear();
+    m_frames = 0;
 }
 
 std::vector<Turn> SpeakerFinder::turns(int64_t startMs, std::span<const int16_t> samples)

@@ -44,9 +44,7 @@ public:
     // none when no voice is heard.
     std::vector<Turn> turns(int64_t startMs, std::span<const int16_t> samples);
 
-    int speakers() const { return int(m_voices.size()); }
-
-    // What it holds on to, in frames of 10 ms.
+    // What it holds on to, in frames of 10 ms; for tests.
     int64_t framesKept() const { return m_frames; }
 
 private:

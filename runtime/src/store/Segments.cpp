@@ -65,11 +65,6 @@ std::vector<Segment> segmentsOf(Database &database, qint64 job)
     return segments;
 }
 
-int segmentCount(Database &database, qint64 job)
-{
-    return database.value(u"SELECT count(*) FROM segments WHERE job = ?"_s, {job}).toInt();
-}
-
 int keptCount(Database &database, qint64 job)
 {
     return database.value(u"SELECT count(words) FROM segments WHERE job = ?"_s, {job}).toInt();

@@ -47,7 +47,6 @@ void beginSegment(Database &database, qint64 job, int number);
 void keepSegment(Database &database, qint64 job, int number, const std::vector<Word> &words);
 
 std::vector<Segment> segmentsOf(Database &database, qint64 job);
-int segmentCount(Database &database, qint64 job);
 int keptCount(Database &database, qint64 job);
 
 // Words as the store keeps them: a JSON array of [text, start, end].

@@ -15,32 +15,13 @@ namespace {
 constexpr size_t contextWords = 20;
 constexpr size_t certainWords = 3; // that many alike in a row are no coincidence
 
-bool isWordCharacter(QChar c)
-{
-    return c.isLetterOrNumber() || c.isMark() || c.isSurrogate();
-}
-
-// A word with the signs around it, and what stands in front of it.
-struct Token
+// What stands in front of a word goes with it.
+struct Token : SignedWord
 {
     QString before;
-    QString lead;
-    QString core;
-    QString trail;
 
     QString text() const { return lead + core + trail; }
 };
-
-Token tokenOf(const QString &before, const QString &word)
-{
-    qsizetype from = 0;
-    qsizetype to = word.size();
-    while (from < to && !isWordCharacter(word[from]))
-        ++from;
-    while (to > from && !isWordCharacter(word[to - 1]))
-        --to;
-    return {before, word.left(from), word.mid(from, to - from), word.mid(to)};
-}
 
 // Signs that stand alone, such as a dash, belong to the word in front of them. Signs alone are no text.
 struct Tokens
@@ -60,7 +41,7 @@ struct Tokens
             const qsizetype word = at;
             while (at < text.size() && !isBlank(text[at]))
                 ++at;
-            const Token token = tokenOf(before + blanks, text.sliced(word, at - word).toString());
+            const Token token{SignedWord(text.sliced(word, at - word).toString()), before + blanks};
             if (!token.core.isEmpty()) {
                 list.push_back(token);
                 before.clear();

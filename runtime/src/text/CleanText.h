@@ -26,7 +26,7 @@ bool isEnglish(const QString &language);
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language);
 
 // The segments as lines of a transcript are written: where the recogniser knows no capitals, a line begins with one, and
-// English has them for "I", days and months. Else as they are.
+// English has them for "I" and for names that are known. Else as they are.
 std::vector<Segment> asLines(std::vector<Segment> segments, const QString &language);
 
 // The words as recognised, one segment a line: for when no cleaning is wanted.

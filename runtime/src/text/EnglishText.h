@@ -18,10 +18,11 @@ std::vector<Word> withoutFillers(const std::vector<Word> &words);
 // "the the" becomes "the", "I think I think" once. What is repeated on purpose ("very very") stays.
 std::vector<Word> withoutStammers(const std::vector<Word> &words);
 
-// Numbers from ten on, years, percents and times in figures.
+// Numbers from ten on, years, days of a month, ordinals, percents, times and telephone numbers in figures.
 std::vector<Word> withFigures(const std::vector<Word> &words);
 
-// Capitals for "I", days and months; "may" and "march" only where a month is meant.
+// Capitals for "I" and for names that are known: days, months and feasts, the best known places and peoples. "may" and
+// "march" only where a month is meant.
 QStringList withCapitals(QStringList words);
 
 // Whether the sentence asks beyond doubt.

@@ -1,5 +1,6 @@
 #include "text/ModelWriting.h"
 
+#include "text/Clock.h"
 #include "text/ModelCheck.h"
 
 #include <QJsonArray>
@@ -106,14 +107,6 @@ QString withSpeakers(const Part &part)
         text += sentence.text;
     }
     return text;
-}
-
-QString clock(qint64 ms)
-{
-    const qint64 seconds = ms / 1000;
-    return u"%1:%2:%3"_s.arg(seconds / 3600, 2, 10, QChar(u'0'))
-        .arg(seconds / 60 % 60, 2, 10, QChar(u'0'))
-        .arg(seconds % 60, 2, 10, QChar(u'0'));
 }
 
 Remark missing(const Part &part)

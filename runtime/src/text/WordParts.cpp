@@ -13,7 +13,7 @@ bool belongsToWord(QChar c)
 
 } // namespace
 
-WordParts::WordParts(const QString &word)
+SignedWord::SignedWord(const QString &word)
 {
     qsizetype from = 0;
     qsizetype to = word.size();
@@ -24,7 +24,11 @@ WordParts::WordParts(const QString &word)
     lead = word.left(from);
     core = word.mid(from, to - from);
     trail = word.mid(to);
-    // The point of "a.m." is a part of it.
+}
+
+WordParts::WordParts(const QString &word)
+    : SignedWord(word)
+{
     if (trail.startsWith(u'.') && core.contains(u'.')) {
         core += u'.';
         trail.remove(0, 1);

@@ -1,6 +1,7 @@
 #include "worker/SegmentProcess.h"
 
 #include "core/Failure.h"
+#include "core/Files.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -61,17 +62,6 @@ QByteArray answerOf(Recogniser &recogniser, const Sound &sound)
     }
 }
 
-bool sendAll(int fd, const QByteArray &bytes)
-{
-    for (qsizetype sent = 0; sent < bytes.size();) {
-        const ssize_t count = ::write(fd, bytes.constData() + sent, size_t(bytes.size() - sent));
-        if (count < 0 && errno != EINTR)
-            return false;
-        sent += count > 0 ? count : 0;
-    }
-    return true;
-}
-
 // The recogniser may have started programs of its own, which are in the group.
 void killGroup(int)
 {
@@ -103,10 +93,10 @@ SegmentProcess::SegmentProcess(Recogniser &recogniser, const Sound &sound,
     inChild();
     Sound told = sound;
     told.progress = [&](int percent) {
-        if (!sendAll(writing.get(), QByteArray(1, inWork) + char(percent)))
+        if (!tryWriteAll(writing.get(), QByteArray(1, inWork) + char(percent)))
             ::_exit(1);
     };
-    ::_exit(sendAll(writing.get(), answerOf(recogniser, told)) ? 0 : 1);
+    ::_exit(tryWriteAll(writing.get(), answerOf(recogniser, told)) ? 0 : 1);
 }
 
 SegmentProcess::~SegmentProcess()

@@ -17,7 +17,7 @@ namespace engine {
 
 namespace {
 
-// Workers that may die in one and the same segment before the job is given up. People who pull the plug again
+// Times that a worker may take the job without another segment being kept, in whatever stage, before it is given up. People who pull the plug again
 // and again must not lose a job; one that can never be done must not run for ever.
 constexpr int mostAttempts = 25;
 constexpr qsizetype reserveBytes = 256 * 1024;
@@ -75,7 +75,7 @@ std::optional<Job> Worker::takeJob()
         transaction.commit();
         if (job->attempts <= mostAttempts)
             return job;
-        fail(*job, u"The work on this recording was cut off %1 times at the same place."_s.arg(mostAttempts));
+        fail(*job, u"The work on this recording was cut off again and again (%1 times)."_s.arg(mostAttempts));
     }
 }
 

@@ -42,7 +42,7 @@ void ffmpeg(const QStringList &arguments)
     const QString program = QStandardPaths::findExecutable(u"ffmpeg"_s);
     ASSERT_FALSE(program.isEmpty()) << "the test needs the program ffmpeg";
     const ProgramResult result =
-        runProgram(program, QStringList{u"-v"_s, u"error"_s, u"-y"_s} + arguments, 60000);
+        ChildProgram(program, QStringList{u"-v"_s, u"error"_s, u"-y"_s} + arguments).finish(60000);
     ASSERT_EQ(result.exitStatus, 0) << arguments.join(u' ').toStdString();
 }
 

@@ -266,12 +266,11 @@ TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)
         test::write(mark + u'/' + QString::number(::getpid()), "x");
         return test::FakeRecogniser::words(samples);
     };
-    ::qputenv("TUPPI_DECODERS", "2");
+    const test::Variable two("TUPPI_DECODERS", "2");
     if (decodersAllowed() < 2)
         GTEST_SKIP() << "one core";
     const Job second = sameAgain();
     run(second);
-    ::qunsetenv("TUPPI_DECODERS");
     EXPECT_EQ(transcript(second), transcript(m_job));
     EXPECT_EQ(stored(second).progress, stored(m_job).progress);
 }

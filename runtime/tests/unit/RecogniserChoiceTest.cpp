@@ -16,9 +16,18 @@ QString refusal(const QString &engineChoice, const QString &language)
     return test::sentenceOf([&] { chooseRecogniser(engineChoice, language); });
 }
 
+// A home of its own, on a computer without whisper-cli.
+class RecogniserChoice : public testing::Test
+{
+protected:
+    test::Home m_home;
+    test::Variable m_homeOfUser{"HOME", QFile::encodeName(m_home.path())};
+    test::Variable m_whisperCli{"TUPPI_WHISPER_CLI", "/nonexistent"};
+};
+
 } // namespace
 
-TEST(RecogniserChoice, automaticHearsEnglish)
+TEST_F(RecogniserChoice, automaticHearsEnglish)
 {
     for (const QString &language : {u"auto"_s, u"en"_s, u"en-GB"_s, u"en_US"_s, u"EN"_s}) {
         const auto chosen = chooseRecogniser(u"auto"_s, language);
@@ -27,7 +36,7 @@ TEST(RecogniserChoice, automaticHearsEnglish)
     }
 }
 
-TEST(RecogniserChoice, saysWhichLanguageIsMissingAndWhatWouldHelp)
+TEST_F(RecogniserChoice, saysWhichLanguageIsMissingAndWhatWouldHelp)
 {
     EXPECT_EQ(
         refusal(u"auto"_s, u"uk"_s),
@@ -39,7 +48,7 @@ TEST(RecogniserChoice, saysWhichLanguageIsMissingAndWhatWouldHelp)
         refusal(u"auto"_s, u"xx"_s).startsWith(u"No installed speech model knows the language (xx)."));
 }
 
-TEST(RecogniserChoice, saysWhichModelIsMissing)
+TEST_F(RecogniserChoice, saysWhichModelIsMissing)
 {
     EXPECT_TRUE(refusal(u"whisper"_s, u"en"_s).startsWith(u"Whisper is not installed"));
     EXPECT_TRUE(refusal(u"whisper-large"_s, u"en"_s).startsWith(u"Whisper is not installed"));
@@ -50,22 +59,10 @@ TEST(RecogniserChoice, saysWhichModelIsMissing)
 
 namespace {
 
-// A home with models in it, and a whisper-cli that nobody starts.
-class WhisperChoice : public testing::Test
+// With models in the home, and a whisper-cli that nobody starts.
+class WhisperChoice : public RecogniserChoice
 {
 protected:
-    WhisperChoice()
-    {
-        m_before = qgetenv("HOME");
-        qputenv("HOME", QFile::encodeName(m_home.path()));
-        qputenv("TUPPI_WHISPER_CLI", "/bin/true");
-    }
-    ~WhisperChoice() override
-    {
-        qputenv("HOME", m_before);
-        qunsetenv("TUPPI_WHISPER_CLI");
-    }
-
     QString add(const QString &file, QChar sum)
     {
         CustomModel model{{}, file, u"whisper"_s, u"owner/whisper"_s, file, QString(64, sum), 4};
@@ -79,8 +76,7 @@ protected:
         return chooseRecogniser(engineChoice, language)->name();
     }
 
-    test::Home m_home;
-    QByteArray m_before;
+    test::Variable m_whisperCli{"TUPPI_WHISPER_CLI", "/bin/true"};
 };
 
 } // namespace
@@ -112,13 +108,11 @@ TEST_F(WhisperChoice, saysWhatToAdd)
     EXPECT_EQ(chosen(u"auto"_s, u"auto"_s), u"PocketSphinx"_s);
 }
 
-TEST(RecogniserChoice, saysWhenThereIsNoModelAtAll)
+TEST_F(RecogniserChoice, saysWhenThereIsNoModelAtAll)
 {
-    const test::Home empty;
-    qputenv("TUPPI_POCKETSPHINX_MODEL", QFile::encodeName(empty.path()));
+    const test::Variable noModel("TUPPI_POCKETSPHINX_MODEL", QFile::encodeName(m_home.path()));
     EXPECT_EQ(refusal(u"auto"_s, u"en"_s),
               u"No speech model is installed. Install the package pocketsphinx-en-us."_s);
-    qunsetenv("TUPPI_POCKETSPHINX_MODEL");
 }
 
 } // namespace engine

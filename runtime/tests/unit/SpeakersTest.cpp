@@ -197,7 +197,6 @@ TEST(SpeakerFinder, nothingHeardIsNobody)
     SpeakerFinder finder([] {});
     finder.hear({});
     finder.learn();
-    EXPECT_EQ(finder.speakers(), 0);
     EXPECT_TRUE(finder.turns(0, std::vector<int16_t>(16000)).empty());
 }
 
@@ -208,7 +207,6 @@ TEST(SpeakerFinder, aShortSoundIsOneSpeakerWhereverItStands)
     SpeakerFinder finder([] {});
     finder.hear(samples);
     finder.learn();
-    EXPECT_EQ(finder.speakers(), 1);
     const std::vector<Turn> turns = finder.turns(60000, samples);
     ASSERT_EQ(turns.size(), 1U);
     EXPECT_EQ(turns[0].speaker, 0);

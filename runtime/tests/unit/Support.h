@@ -34,6 +34,27 @@ private:
     QTemporaryDir m_folder;
 };
 
+// A variable of the environment that is what it was again when the test is over.
+class Variable
+{
+public:
+    Variable(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_wasSet(qEnvironmentVariableIsSet(name))
+        , m_before(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~Variable() { m_wasSet ? qputenv(m_name, m_before) : qunsetenv(m_name); }
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
+
+private:
+    const char *m_name;
+    bool m_wasSet;
+    QByteArray m_before;
+};
+
 inline void write(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
