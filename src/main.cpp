@@ -135,14 +135,13 @@ int openWindow(Defaults &defaults, const Options &options, SingleInstance &insta
     AppDelegate delegate(defaults);
     QObject::connect(&instance, &SingleInstance::activated, &delegate, &AppDelegate::applicationShouldHandleReopen);
     QObject::connect(&instance, &SingleInstance::openRequested, &delegate, &AppDelegate::openRequested);
-    QObject::connect(&delegate, &AppDelegate::relaunchRequested, qApp, [] {
-        RelaunchAfterQuit(QCoreApplication::applicationFilePath());
-        QCoreApplication::quit();
-    });
     delegate.setEngineInstaller(EngineInstallerFor(QCoreApplication::applicationDirPath()));
     delegate.applicationDidFinishLaunching(AppDelegate::Face::Window);
     delegate.openUrls(urlsOf(options.files));
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    if (delegate.viewer().relaunches) // only here: a quit may wait, or be called off
+        RelaunchAfterQuit(QCoreApplication::applicationFilePath());
+    return status;
 }
 
 /// Says what there is to say about the arguments: in the interface language, now that it is known.

@@ -178,8 +178,6 @@ Q_SIGNALS:
     /// The engine has answered a start; the file is no longer in flight.
     void startFinished(const QString &path, bool taken);
     void failureReported(const QString &title, const QString &detail);
-    /// The application is to be quit and started anew.
-    void relaunchRequested();
 
 private:
     /// What a poll carries from its start to its end.

@@ -11,6 +11,7 @@
 #include "ui/MainWindow.h"
 #include "ui/Sheet.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 namespace tuppi {
@@ -94,8 +95,10 @@ void AppDelegate::interfaceLanguageChanged(const QString &code)
     text.buttons = {L(u"Restart Now"_s), L(u"Later"_s)};
     text.escapeButton = 1;
     Sheet::open(m_settings.window.get(), text, [this](int button) {
-        if (button == restartNow)
-            Q_EMIT relaunchRequested();
+        if (button != restartNow)
+            return;
+        m_viewer.relaunches = true;
+        QCoreApplication::quit();
     });
 }
 

@@ -65,6 +65,7 @@ void ViewerState::forget(ResultWindow *window)
 void ViewerState::callQuitOff()
 {
     quitsThen = false;
+    relaunches = false;
 }
 
 bool ViewerState::eventFilter(QObject *watched, QEvent *event)

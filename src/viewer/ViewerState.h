@@ -34,6 +34,7 @@ struct ViewerState : QObject
     QHash<QString, ResultWindow *> resultWindows; ///< by ResultPlan::key(); out of it as soon as they close
     QList<ResultWindow *> closing;                ///< closed, and not gone before what was corrected is saved
     bool quitsThen = false;                       ///< when those are gone
+    bool relaunches = false;                      ///< the application, when it has quit
 };
 
 } // namespace tuppi

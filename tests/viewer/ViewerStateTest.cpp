@@ -154,8 +154,11 @@ TEST_F(ViewerStates, AQuitComesWhenTheLastWindowIsGone)
 TEST_F(ViewerStates, AQuitCalledOffDoesNotCome)
 {
     HeldWindow *a = open(u"/a"_s);
+    m_state.relaunches = true;
     EXPECT_FALSE(quit());
+    EXPECT_TRUE(m_state.relaunches);
     m_state.callQuitOff();
+    EXPECT_FALSE(m_state.relaunches);
     EXPECT_EQ(quitsAfterTheEndOf(a), 0);
 }
 
