@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 
-#include "app/Scheduler.h"
+#include "engine/EngineErrors.h"
 #include "list/Describe.h"
 
 namespace tuppi {
