@@ -205,9 +205,14 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
 
 } // namespace
 
+QString EngineFolder()
+{
+    return QDir::homePath() + u"/Library/Application Support/Larkspire"_s;
+}
+
 QString EnginePath()
 {
-    return QDir::homePath() + u"/Library/Application Support/Larkspire/runtime/call"_s;
+    return EngineFolder() + u"/runtime/call"_s;
 }
 
 QString DecodeStream(const QByteArray &bytes)

@@ -53,7 +53,8 @@ struct RunOptions
     QList<QByteArray> environment = CurrentEnvironment();
 };
 
-/// Path of the engine's entry file under the user's home, computed afresh each time.
+/// The engine's folder under the user's home, and its entry file there; computed afresh each time.
+QString EngineFolder();
 QString EnginePath();
 
 /// Decodes a stream of the engine: valid UTF-8, or an empty text.
