@@ -3,6 +3,7 @@
 #include "engine/Stages.h"
 #include "settings/Fill.h"
 #include "settings/L.h"
+#include "settings/LibraryTexts.h"
 
 #include <QDir>
 
@@ -17,13 +18,6 @@ const QString usualLibrary = u"Documents/CallsRawFiles"_s;
 bool holds(const QString &folder, const QString &path)
 {
     return path == folder || folder == "/"_L1 || path.startsWith(folder + u'/');
-}
-
-/// With ~ for the home folder.
-QString abbreviated(const QString &path)
-{
-    const QString home = QDir::homePath();
-    return holds(home, path) ? u'~' + path.mid(home.size()) : path;
 }
 
 } // namespace
@@ -96,7 +90,7 @@ QString ClearListTitle(qsizetype rows)
 
 QString RemoveDetail(const QString &library)
 {
-    const QString place = library.isEmpty() ? u"~/"_s + usualLibrary : abbreviated(library);
+    const QString place = library.isEmpty() ? u"~/"_s + usualLibrary : AbbreviatedPath(library, QDir::homePath());
     return Fill(L(u"Remove from List hides it here; the transcript stays in %@ (File › Show Hidden Transcripts "
                   u"brings it back).\n\nMove to Trash puts the transcript folder in the Trash — you can still "
                   u"restore it from there. Your original audio files are never touched."_s),

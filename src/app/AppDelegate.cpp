@@ -106,7 +106,7 @@ void AppDelegate::tick()
 
 void AppDelegate::watchEngineState()
 {
-    const QString folder = QDir::homePath() + u"/Library/Application Support/Larkspire"_s;
+    const QString folder = EngineFolder();
     if (QDir(folder).exists())
         m_stateWatch.addPath(folder);
 }

@@ -122,8 +122,7 @@ void AppDelegate::startNextIfIdle()
             stored.wait();
     };
     RunCallRead(
-        command::process(m_jobs.startingEntry), this, {0, m_queue.startLock.descriptor(), {}, written},
-        [](const RawReply &raw) { return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)}; },
+        command::process(m_jobs.startingEntry), this, {0, m_queue.startLock.descriptor(), {}, written}, Decoded,
         [this](const EngineReply &reply) { startAnswered(reply); });
 }
 

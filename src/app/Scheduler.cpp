@@ -1,6 +1,5 @@
 #include "app/Scheduler.h"
 
-#include "settings/L.h"
 #include "settings/Val.h"
 
 #include <algorithm>
@@ -37,13 +36,6 @@ bool MayStartNext(const JobsState &jobs)
     // Before the first history it is unknown what the engine is busy with, and which job a start brings
     // about. The poll in flight ends by asking again.
     return jobs.loaded || !jobs.polling;
-}
-
-QString FailureDetail(const QString &err)
-{
-    QString text = err;
-    text.remove(u"Помилка: "_s).remove(u"Error: "_s);
-    return L(text.trimmed().section(u'\n', -1));
 }
 
 } // namespace tuppi

@@ -18,7 +18,4 @@ bool IsWorkUnderWay(const JobsState &jobs);
 /// True when the first waiting file may be handed to the engine now.
 bool MayStartNext(const JobsState &jobs);
 
-/// The line of an engine's error text that is shown: prefixes removed, trimmed, the last line, localised.
-QString FailureDetail(const QString &err);
-
 } // namespace tuppi

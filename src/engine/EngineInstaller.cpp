@@ -24,8 +24,7 @@ void SetUpEngine(const QString &installer, QObject *context, Completion completi
 {
     RunRead(
         [installer, options = RunOptions()] { return RunAndWait(u"/bin/bash"_s, {installer, u"--link"_s}, options); }, context,
-        [](const RawReply &raw) { return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)}; },
-        std::move(completion));
+        Decoded, std::move(completion));
 }
 
 } // namespace tuppi

@@ -17,11 +17,6 @@ QJsonDocument parse(const QByteArray &out)
 
 } // namespace
 
-bool IsActiveStage(const QString &status)
-{
-    return status == "queued"_L1 || status == "transcribing"_L1 || status == "analyzing"_L1 || status == "cleaning"_L1;
-}
-
 std::optional<QJsonObject> ReadObject(const QByteArray &out)
 {
     const QJsonDocument document = parse(out);

@@ -205,14 +205,24 @@ void follow(pid_t pid, Pipe &out, Pipe &err, const RunOptions &options, RawReply
 
 } // namespace
 
+QString EngineFolder()
+{
+    return QDir::homePath() + u"/Library/Application Support/Larkspire"_s;
+}
+
 QString EnginePath()
 {
-    return QDir::homePath() + u"/Library/Application Support/Larkspire/runtime/call"_s;
+    return EngineFolder() + u"/runtime/call"_s;
 }
 
 QString DecodeStream(const QByteArray &bytes)
 {
     return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
+}
+
+EngineReply Decoded(const RawReply &raw)
+{
+    return {raw.status, DecodeStream(raw.out), DecodeStream(raw.err)};
 }
 
 QList<QByteArray> CurrentEnvironment()
@@ -250,13 +260,11 @@ RawReply detail::runEngine(const QStringList &arguments, const RunOptions &optio
 
 void RunCallTimeout(const QStringList &arguments, QObject *context, Completion completion, double timeoutSeconds)
 {
-    const auto read = [](const RawReply &raw) {
-        return EngineReply{raw.status, DecodeStream(raw.out), DecodeStream(raw.err)};
-    };
-    RunCallRead(arguments, context, {timeoutSeconds, -1}, read, [completion = std::move(completion)](const EngineReply &reply) {
-        if (completion)
-            completion(reply);
-    });
+    RunCallRead(arguments, context, {timeoutSeconds, -1}, Decoded,
+                [completion = std::move(completion)](const EngineReply &reply) {
+                    if (completion)
+                        completion(reply);
+                });
 }
 
 } // namespace tuppi

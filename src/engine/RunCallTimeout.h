@@ -53,11 +53,13 @@ struct RunOptions
     QList<QByteArray> environment = CurrentEnvironment();
 };
 
-/// Path of the engine's entry file under the user's home, computed afresh each time.
+/// The engine's folder under the user's home, and its entry file there; computed afresh each time.
+QString EngineFolder();
 QString EnginePath();
 
 /// Decodes a stream of the engine: valid UTF-8, or an empty text.
 QString DecodeStream(const QByteArray &bytes);
+EngineReply Decoded(const RawReply &raw);
 
 /// Runs `interpreter` with `arguments` and blocks until it has ended and both its streams are at their end
 /// (or, once the limit has passed, until it has ended). At the limit SIGTERM goes to the child and to what

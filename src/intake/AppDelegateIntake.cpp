@@ -66,12 +66,11 @@ MediaLengths &AppDelegate::mediaLengths()
 
 void AppDelegate::openSetup()
 {
-    const QList<LanguageRow> languages = Languages(QLocale());
     SetupOpening opening;
     opening.choices.engine = m_queue.defaults.text(u"engine"_s);
     opening.models = m_models.known ? allModels(m_models.custom) : ModelsBeforeAnswer(opening.choices.engine);
-    opening.languages = languages;
-    opening.choices.language = PreselectedLanguage(m_queue.defaults.text(u"language"_s), languages);
+    opening.languages = Languages(QLocale());
+    opening.choices.language = m_queue.defaults.text(u"language"_s);
     opening.choices.speakers = m_queue.defaults.isOn(u"speakers"_s);
     opening.choices.quick = m_queue.defaults.isOn(u"quickMode"_s);
     opening.interfaceLanguage = m_ui.language;
@@ -117,7 +116,6 @@ void AppDelegate::chooseFiles()
 {
     QWidget *window = m_setup.panel.data();
     QFileDialog *dialog = ChooseFilesDialog(window ? window : m_ui.window.get());
-    // Of urlsSelected() a dialog drawn by Qt itself, where the desktop has none of its own, knows nothing.
     connect(dialog, &QDialog::accepted, this, [this, dialog] { addFiles(dialog->selectedUrls()); });
     dialog->open();
 }

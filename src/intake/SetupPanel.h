@@ -31,7 +31,7 @@ struct SetupOpening
 {
     QList<ModelRow> models;
     QList<LanguageRow> languages;
-    StartChoices choices;       ///< the stored ones; a model that is not offered gives way to the first
+    StartChoices choices;       ///< the stored ones; what is not offered gives way
     QString interfaceLanguage;  ///< "ar", "zh-Hans" …
 };
 

@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 
-#include "app/Scheduler.h"
+#include "engine/EngineErrors.h"
 #include "list/Describe.h"
 
 namespace tuppi {
@@ -9,7 +9,7 @@ namespace {
 SummaryInput summaryInput(const JobsState &jobs, const ListState &list, const RowList &rows)
 {
     SummaryInput input;
-    if (list.transientUntil.isValid() && QDateTime::currentDateTime() < list.transientUntil)
+    if (!list.transientUntil.hasExpired())
         input.transientStatus = list.transientStatus;
     input.loaded = jobs.loaded;
     input.engineBroken = jobs.engineBroken;
@@ -46,7 +46,7 @@ void AppDelegate::flash(const QString &text)
 {
     constexpr qint64 flashMilliseconds = 4000;
     m_list.transientStatus = text;
-    m_list.transientUntil = QDateTime::currentDateTime().addMSecs(flashMilliseconds);
+    m_list.transientUntil.setRemainingTime(flashMilliseconds);
     m_list.summary = text;
     Q_EMIT summaryChanged(text);
     Q_EMIT flashed(text);

@@ -2,7 +2,7 @@
 
 #include "list/Rows.h"
 
-#include <QDateTime>
+#include <QDeadlineTimer>
 #include <QString>
 
 namespace tuppi {
@@ -13,7 +13,7 @@ struct ListState
     RowList snapshot;          ///< the rows as shown; commands work on these, never on freshly built ones
     QString summary;           ///< the summary line as shown
     QString transientStatus;   ///< a short-lived message, shown until transientUntil
-    QDateTime transientUntil;
+    QDeadlineTimer transientUntil;  ///< setting the clock does not move it
 };
 
 } // namespace tuppi

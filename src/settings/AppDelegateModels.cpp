@@ -1,9 +1,9 @@
 #include "app/AppDelegate.h"
 
 #include "engine/EngineCommands.h"
+#include "engine/EngineErrors.h"
 #include "intake/SetupPanel.h"
 #include "settings/AddModelForm.h"
-#include "settings/EngineErrors.h"
 #include "settings/Fill.h"
 #include "settings/L.h"
 #include "settings/Models.h"

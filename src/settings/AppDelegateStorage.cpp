@@ -1,9 +1,9 @@
 #include "app/AppDelegate.h"
 
 #include "engine/EngineCommands.h"
+#include "engine/EngineErrors.h"
 #include "platform/FolderSize.h"
 #include "settings/ChooseFolder.h"
-#include "settings/EngineErrors.h"
 #include "settings/EnginePane.h"
 #include "settings/Health.h"
 #include "settings/L.h"
@@ -65,7 +65,7 @@ void AppDelegate::useLibrary(const QString &folder)
         if (reply.status != 0) {
             SheetText text;
             text.message = L(u"Could not use this folder"_s);
-            text.detail = LibraryFailureDetail(reply.err);
+            text.detail = WithoutErrorPrefixes(reply.err);
             Sheet::open(settingsSheetWindow(), text);
         }
         refreshLibrary();

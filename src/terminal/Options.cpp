@@ -75,6 +75,13 @@ Options ParseOptions(const QStringList &arguments)
         return options;
     }
     options.mode = parser.isSet(transcribe) ? Options::Mode::Transcribe : Options::Mode::Window;
+    for (const QCommandLineOption &choice : {model, language, noSpeakers, textOnly}) {
+        if (options.mode == Options::Mode::Window && parser.isSet(choice)) {
+            options.mode = Options::Mode::UsageError;
+            options.message = Fill(L(u"The option “%@” goes with --transcribe."_s), {u"--"_s + choice.names().first()});
+            return options;
+        }
+    }
     if (parser.isSet(model))
         options.model = parser.value(model);
     if (parser.isSet(language))

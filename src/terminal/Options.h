@@ -15,6 +15,7 @@ struct Options
     enum class Mode { Window, Transcribe, Help, Version, UsageError };
     Mode mode = Mode::Window;
     QStringList files;               ///< full paths of accepted, existing files, in order
+    // The choices of a transcription; for the window, which has a panel for them, any is a usage error.
     std::optional<QString> model;    ///< where absent, the stored starting choice holds
     std::optional<QString> language;
     bool speakers = true;            ///< false: not wanted, whatever the stored choice says

@@ -1,6 +1,7 @@
 #include "viewer/ViewerMessage.h"
 
 #include "engine/EngineCommands.h"
+#include "engine/EngineErrors.h"
 #include "engine/EngineReplies.h"
 #include "settings/Fill.h"
 #include "settings/L.h"
@@ -184,8 +185,7 @@ QString WrittenText(const ViewerMessage &message)
 
 QString NotSavedText(const QString &err)
 {
-    QString reason = err;
-    reason = reason.remove(u"Помилка: "_s).remove(u"Error: "_s).trimmed();
+    const QString reason = WithoutErrorPrefixes(err).trimmed();
     return reason.isEmpty() ? L(u"Not saved"_s) : L(u"Not saved: "_s) + L(reason);
 }
 

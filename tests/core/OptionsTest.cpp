@@ -122,6 +122,17 @@ TEST_F(OptionsTest, UnknownOptionAndMissingValueAreUsageErrors)
     }
 }
 
+TEST_F(OptionsTest, ChoicesForTheWindowAreUsageErrors)
+{
+    const QString a = file(u"a.m4a"_s);
+    for (const QStringList &choice : {QStringList{u"--model"_s, u"whisper"_s}, QStringList{u"--language"_s, u"uk"_s},
+                                      QStringList{u"--no-speakers"_s}, QStringList{u"--text-only"_s}}) {
+        const Options options = ParseOptions(choice + QStringList{a});
+        EXPECT_EQ(options.mode, Options::Mode::UsageError);
+        EXPECT_EQ(options.message, u"The option “%1” goes with --transcribe."_s.arg(choice.first()));
+    }
+}
+
 TEST_F(OptionsTest, HelpNamesEveryOption)
 {
     for (const QString &option : {u"--help"_s, u"-h"_s}) {

@@ -143,6 +143,8 @@ TEST_F(AtHome, TheDetailNamesTheLibraryWithATilde)
     EXPECT_EQ(place(u"/tmp/tuppi no home/Calls 100%"_s), u"~/Calls 100%"_s);
     EXPECT_EQ(place(u"/tmp/tuppi no home"_s), u"~"_s);
     EXPECT_EQ(place(u"/tmp/tuppi no homes/Calls"_s), u"/tmp/tuppi no homes/Calls"_s);
+    qputenv("HOME", "/");
+    EXPECT_EQ(place(u"/srv/calls"_s), u"/srv/calls"_s);
 }
 
 TEST(Titles, NameTheRowOrSayWhatItIs)

@@ -1,7 +1,6 @@
 // What the Settings window shows, as tables.
 
 #include "settings/Acknowledgements.h"
-#include "settings/EngineErrors.h"
 #include "settings/Health.h"
 #include "settings/L.h"
 #include "settings/LibraryTexts.h"
@@ -169,14 +168,6 @@ TEST(LibraryTexts, SizesAsFileManagersWriteThem)
     EXPECT_EQ(size(1'500'000), u"1.54 GB"_s);
     EXPECT_EQ(size(std::numeric_limits<qint64>::max()), size(std::numeric_limits<qint64>::max() - 1));
     EXPECT_EQ(SizeOnDisk(2048, QLocale(QLocale::Spanish)), u"2,1 MB"_s);
-}
-
-TEST(EngineErrors, PrefixesGoWhereverTheyStand)
-{
-    EXPECT_EQ(LibraryFailureDetail(u"Error: no room\n"_s), u"no room\n"_s);
-    EXPECT_EQ(LibraryFailureDetail(u"Помилка: a\nError: b"_s), u"a\nb"_s);
-    EXPECT_EQ(ModelFailureDetail(u"Error: no such model\n"_s), u"no such model"_s);
-    EXPECT_EQ(ModelFailureDetail(u" \n"_s), QString());
 }
 
 TEST(ModelLines, BuiltInOnesThenTheUsersOwn)

@@ -259,6 +259,7 @@ class CommandLine(TranscribeTest):
     def test_usage_errors_are_2_and_start_nothing(self):
         self.assert_usage_error("nonsense", "--transcribe", "--nonsense", self.one)
         self.assert_usage_error("model", "--transcribe", "--model")
+        self.assert_usage_error("The option “--language” goes with --transcribe.\n", "--language", "uk", self.one)
 
     def test_missing_file_is_2_and_starts_none_of_the_others(self):
         gone = os.path.join(self.engine.home, "gone.m4a")

@@ -1,4 +1,4 @@
-#include "settings/EngineErrors.h"
+#include "engine/EngineErrors.h"
 
 #include "settings/L.h"
 
@@ -6,15 +6,20 @@ namespace tuppi {
 
 using namespace Qt::StringLiterals;
 
-QString LibraryFailureDetail(const QString &err)
+QString WithoutErrorPrefixes(const QString &err)
 {
     QString text = err;
     return text.remove(u"Помилка: "_s).remove(u"Error: "_s);
 }
 
+QString FailureDetail(const QString &err)
+{
+    return L(WithoutErrorPrefixes(err).trimmed().section(u'\n', -1));
+}
+
 QString ModelFailureDetail(const QString &err)
 {
-    return L(LibraryFailureDetail(err).trimmed());
+    return L(WithoutErrorPrefixes(err).trimmed());
 }
 
 } // namespace tuppi
