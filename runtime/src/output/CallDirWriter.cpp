@@ -110,7 +110,7 @@ void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
 {
     FileMakers makers;
     for (const auto &[name, bytes] : files)
-        makers.emplace_back(name, [&bytes] { return bytes; });
+        makers.emplace_back(name, [&made = bytes] { return made; });
     stage(callDir, revision, makers);
 }
 

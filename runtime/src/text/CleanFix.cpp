@@ -300,6 +300,8 @@ private:
 
     void finish()
     {
+        if (m_old.empty() && m_made.empty())
+            return;
         const auto begin = m_text.begin() + std::ptrdiff_t(m_begin);
         const auto behind = m_text.erase(begin, begin + std::ptrdiff_t(m_old.size()));
         // The next line goes on with the sentence whose beginning went, or with the paragraph.
