@@ -44,7 +44,7 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->setObjectName(u"viewerPage"_s);
     m_patience.setObjectName(u"patience"_s);
     m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, &ViewerWindow::goOn);
+    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(false); });
     m_view->onMessage = [this](const QJsonObject &body) {
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
@@ -89,7 +89,7 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
     leaveWhenAnswered();
 }
 
-void ViewerWindow::whenSaved(std::function<void()> then)
+void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 {
     m_whenSaved.append(std::move(then));
     askForUnsaved();
@@ -110,17 +110,17 @@ void ViewerWindow::hearUnsaved(const QStringList &unsaved)
 {
     m_unsaved = unsaved;
     if (m_unsaved.isEmpty() && m_unanswered == 0)
-        goOn();
+        goOn(true);
     else if (!m_whenSaved.isEmpty())
         m_patience.start(enginePatienceMilliseconds);
 }
 
-void ViewerWindow::goOn()
+void ViewerWindow::goOn(bool complete)
 {
     m_patience.stop();
-    const QList<std::function<void()>> all = std::exchange(m_whenSaved, {});
-    for (const std::function<void()> &then : all)
-        then();
+    const QList<std::function<void(bool complete)>> all = std::exchange(m_whenSaved, {});
+    for (const std::function<void(bool complete)> &then : all)
+        then(complete);
     m_unsaved.clear(); // what the page says next may be long after
 }
 
@@ -133,7 +133,7 @@ void ViewerWindow::dispose()
 {
     m_life = Life::Saving;
     m_view->run(PauseScript());
-    whenSaved([this] {
+    whenSaved([this](bool) {
         if (m_life == Life::Saving)
             end();
     });

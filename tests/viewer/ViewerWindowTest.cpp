@@ -127,7 +127,7 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
         SCOPED_TRACE(closed);
         m_told.clear();
         bool done = false;
-        m_window->whenSaved([&] { done = true; });
+        m_window->whenSaved([&](bool complete) { done = complete; });
         if (closed)
             m_window->close();
         page()->post(u"one"_s);
@@ -146,20 +146,34 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
 
 TEST_F(ViewerWindows, WhatTheEngineWasLateToSaveIsNotTakenForLost)
 {
-    m_window->whenSaved([] { });
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
     page()->post(u"one"_s);
     page()->sayUnsaved({u"one"_s});
     losePatience();
+    EXPECT_EQ(done, QList<bool>{false});
     answer(u"one"_s);
     page()->onCrash();
     EXPECT_EQ(m_told, QStringList());
+}
+
+TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    m_window->whenSaved(note);
+    page()->sayUnsaved({});
+    EXPECT_EQ(done, QList<bool>{true});
+    m_window->whenSaved(note);
+    losePatience(); // with a page that hangs
+    EXPECT_EQ(done, (QList<bool>{true, false}));
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
 {
     page()->onCrash();
     bool done = false;
-    m_window->whenSaved([&] { done = true; });
+    m_window->whenSaved([&](bool complete) { done = complete; });
     EXPECT_TRUE(done);
 }
 
