@@ -193,4 +193,19 @@ TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
     EXPECT_TRUE(waitFor([this] { return savedTexts() == allThree; }));
 }
 
+TEST_F(SavedAtTheEnd, AFolderGoesToTheTrashWithAllThatWasCorrected)
+{
+    const QPointer<ViewerWindow> opened = openWithThreeEdits();
+    m_app->removeRow(u"id-a"_s);
+    ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
+    sheet()->answer(1);
+    EXPECT_TRUE(becomes(opened, u"state.editor === null"_s, "true")) << "an open edit is as good as done";
+    EXPECT_TRUE(QFile::exists(callDir(u"a"_s)));
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([this] { return !QFile::exists(callDir(u"a"_s)); }));
+    EXPECT_EQ(savedTexts(), allThree);
+    EXPECT_TRUE(waitFor([&] { return opened.isNull(); }));
+    EXPECT_EQ(sheet(), nullptr);
+}
+
 } // namespace
