@@ -45,6 +45,13 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_patience.setObjectName(u"patience"_s);
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, [this] { goOn(false); });
+    m_end.setObjectName(u"end"_s);
+    m_end.setSingleShot(true);
+    connect(&m_end, &QTimer::timeout, this, [this] {
+        tellLost();
+        goOn(m_unanswered == 0);
+        deleteLater();
+    });
     m_view->onMessage = [this](const QJsonObject &body) {
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
@@ -53,6 +60,8 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->onUnloaded = [this] {
         if (m_life == Life::Ending)
             m_life = Life::Unloaded;
+        if (!m_whenSaved.isEmpty())
+            askForUnsaved();
         leaveWhenAnswered();
     };
     m_view->onMenu = [this](const QPoint &place, const QList<WebView::Command> &commands) {
@@ -98,7 +107,7 @@ void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 /// The page posts a correction after the answer to the one before, and so is asked again after every answer.
 void ViewerWindow::askForUnsaved()
 {
-    if (m_pageGone) {
+    if (m_pageGone || m_life == Life::Unloaded) {
         hearUnsaved({});
         return;
     }
@@ -156,7 +165,7 @@ void ViewerWindow::end()
     tellLost();
     m_life = Life::Ending;
     m_view->unload();
-    QTimer::singleShot(endPatienceMilliseconds, this, &QObject::deleteLater);
+    m_end.start(endPatienceMilliseconds);
 }
 
 void ViewerWindow::leaveWhenAnswered()

@@ -57,6 +57,7 @@ private:
     QStringList m_unsaved;                      ///< as the page said last
     QList<std::function<void(bool complete)>> m_whenSaved;
     QTimer m_patience{this};
+    QTimer m_end{this};                         ///< of a page that does not end
     QString m_lostReason;
     QStringList m_lost;
 };

@@ -79,9 +79,11 @@ protected:
     void letGo() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
     /// What is waited for does not come.
-    void losePatience()
+    void losePatience() { lose(u"patience"_s); }
+
+    void lose(const QString &timer)
     {
-        auto *patience = m_window->findChild<QTimer *>(u"patience"_s);
+        auto *patience = m_window->findChild<QTimer *>(timer);
         ASSERT_TRUE(patience->isActive());
         patience->setInterval(0);
         QCoreApplication::processEvents();
@@ -167,6 +169,39 @@ TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
     m_window->whenSaved(note);
     losePatience(); // with a page that hangs
     EXPECT_EQ(done, (QList<bool>{true, false}));
+}
+
+TEST_F(ViewerWindows, AFailureWhileThePageEndsIsToldAlsoWhereThePageHangs)
+{
+    m_window->close();
+    page()->sayUnsaved({});
+    ASSERT_TRUE(page()->unloads);
+    page()->post(u"last words"_s);
+    page()->post(u"and more"_s);
+    answer(u"last words"_s, u"disk full"_s);
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    EXPECT_EQ(m_told, QStringList());
+    lose(u"end"_s);
+    letGo();
+    EXPECT_EQ(m_told, QStringList{u"disk full|last words"_s});
+    EXPECT_EQ(done, QList<bool>{false});
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatWaitsForAPageAtItsEndWaitsForItsLastWords)
+{
+    m_window->close();
+    page()->sayUnsaved({});
+    page()->post(u"last words"_s);
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    page()->onUnloaded();
+    EXPECT_EQ(done, QList<bool>());
+    answer(u"last words"_s);
+    EXPECT_EQ(done, QList<bool>{true});
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
