@@ -56,6 +56,13 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
     };
+    m_view->onLoaded = [this] {
+        // A page that was still loading heard nothing.
+        if (m_summary)
+            m_view->run(ShowTabScript(*m_summary));
+        if (!m_whenSaved.isEmpty())
+            askForUnsaved();
+    };
     m_view->onCrash = [this] { reportCrash(); };
     m_view->onUnloaded = [this] {
         if (m_life == Life::Ending)
@@ -75,11 +82,13 @@ void ViewerWindow::load()
 {
     ++m_page;
     m_pageGone = false;
+    m_summary.reset();
     m_view->load();
 }
 
 void ViewerWindow::showTab(bool summary)
 {
+    m_summary = summary;
     m_view->run(ShowTabScript(summary));
 }
 

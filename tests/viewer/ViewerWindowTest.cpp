@@ -3,6 +3,7 @@
 #include "viewer/ViewerWindow.h"
 
 #include "ui/Sheet.h"
+#include "viewer/PageScripts.h"
 
 #include <gtest/gtest.h>
 
@@ -202,6 +203,32 @@ TEST_F(ViewerWindows, WhatWaitsForAPageAtItsEndWaitsForItsLastWords)
     EXPECT_EQ(done, QList<bool>{true});
     letGo();
     EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, TheTabAskedForBeforeThePageIsThereIsShown)
+{
+    const QString summary = ShowTabScript(true);
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList()) << "a page begins with the tab of its window";
+    m_window->showTab(false);
+    m_window->showTab(true);
+    page()->scripts.clear();
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList{summary});
+    page()->onCrash();
+    sheet()->answer(0);
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList{summary});
+}
+
+TEST_F(ViewerWindows, APageThatWasLoadingIsAskedAgainWhatItHasNotSaved)
+{
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    page()->questions.clear();
+    page()->onLoaded();
+    page()->sayUnsaved({});
+    EXPECT_EQ(done, QList<bool>{true});
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
