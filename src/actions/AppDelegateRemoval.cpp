@@ -103,8 +103,11 @@ void AppDelegate::trashFolders(const JobList &rows)
             lines.append(TrashFailureLine(folder, L(u"This is not the folder of a transcript."_s)));
         }
     }
-    MoveAllToTrash(paths, this, [this, folders, lines](const QList<TrashResult> &results) {
-        trashEnded(folders, results, lines);
+    // What was corrected goes along, and nothing is written into a folder on its way.
+    m_viewer.whenSaved(paths, [this, paths, folders, lines](bool) {
+        MoveAllToTrash(paths, this, [this, folders, lines](const QList<TrashResult> &results) {
+            trashEnded(folders, results, lines);
+        });
     });
 }
 

@@ -196,6 +196,7 @@ private:
     void runOnJob(const QStringList &arguments, const QString &title, std::function<void()> succeeded = {});
     void confirmTrash(const JobList &rows);
     void saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window);
+    void whenTextIsWhole(const QString &callDir, QWidget *window, const std::function<void()> &then);
     void tellNotSaved(const QString &reason, QWidget *window);
     void shareText(const QString &callDir, QWidget *anchor);
     void share(ShareChoice choice, const SharedFile &file);

@@ -7,6 +7,7 @@
 #include "platform/PortalRequest.h"
 #include "platform/RevealInFileManager.h"
 #include "platform/ShareFile.h"
+#include "settings/Fill.h"
 #include "settings/L.h"
 #include "ui/MainWindow.h"
 #include "ui/Sheet.h"
@@ -61,12 +62,29 @@ void AppDelegate::saveTextForDir(const QString &callDir, QWidget *window)
     dialog->open();
 }
 
+/// Runs `then` when the files have all that was corrected, or the person knows that they have not.
+void AppDelegate::whenTextIsWhole(const QString &callDir, QWidget *window, const std::function<void()> &then)
+{
+    m_viewer.whenSaved({callDir}, [this, callDir, over = QPointer(window), then](bool complete) {
+        if (complete) {
+            then();
+            return;
+        }
+        SheetText text;
+        text.message = Fill(L(u"A correction to “%@” was not saved"_s), {titleOf(*m_jobs.history, callDir)});
+        text.detail = L(u"The text is without it."_s);
+        text.isWarning = true;
+        QWidget *place = over && over->isVisible() ? over.data() : m_ui.window.get();
+        Sheet::open(place, text, [then](int) { then(); });
+    });
+}
+
 void AppDelegate::saveText(const QString &callDir, const SaveTextDialog &dialog, QWidget *window)
 {
     const QFileInfo file(dialog.chosenPath());
     const QString format = dialog.chosenFormat();
     m_queue.defaults.set({{u"txtFormat"_s, format}, {u"saveFolder"_s, file.absolutePath()}});
-    m_viewer.whenSaved(callDir, [this, callDir, file, format, over = QPointer(window)] {
+    whenTextIsWhole(callDir, window, [this, callDir, file, format, over = QPointer(window)] {
         QWidget *place = over && over->isVisible() ? over.data() : m_ui.window.get();
         const std::optional<QString> text = TextForDir(callDir, format);
         if (!text)
@@ -88,7 +106,7 @@ void AppDelegate::tellNotSaved(const QString &reason, QWidget *window)
 
 void AppDelegate::shareTextForDir(const QString &callDir, QWidget *anchor)
 {
-    m_viewer.whenSaved(callDir, [this, callDir, place = QPointer(anchor)] {
+    whenTextIsWhole(callDir, anchor->window(), [this, callDir, place = QPointer(anchor)] {
         if (place)
             shareText(callDir, place);
     });

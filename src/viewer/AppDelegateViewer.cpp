@@ -34,9 +34,13 @@ void AppDelegate::showResult(const QJsonObject &row, bool text)
         return;
     if (!plan->isViewer()) {
         openTextWindow(*plan);
-    } else {
-        openViewerWindow(*plan, false);
+        return;
     }
+    // One that is too far gone to be taken back may still be saving what the new page has to show.
+    m_viewer.whenSaved({plan->callDir}, [this, plan = *plan](bool) {
+        if (!showOpenResult(plan))
+            openViewerWindow(plan, false);
+    });
 }
 
 /// Brings the window of that plan forward, if it is open.

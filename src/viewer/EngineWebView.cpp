@@ -98,6 +98,10 @@ EngineWebView::EngineWebView(QWebEngineProfile *profile, const WebViewSetup &set
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_view);
     setFocusProxy(m_view);
+    QObject::connect(m_page, &QWebEnginePage::loadFinished, this, [this] {
+        if (onLoaded)
+            onLoaded();
+    });
     QObject::connect(m_page, &QWebEnginePage::windowCloseRequested, this, [this] {
         if (onUnloaded)
             onUnloaded();

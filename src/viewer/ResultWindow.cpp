@@ -75,9 +75,9 @@ void ResultWindow::bringForward()
     activateWindow();
 }
 
-void ResultWindow::whenSaved(std::function<void()> then)
+void ResultWindow::whenSaved(std::function<void(bool complete)> then)
 {
-    then();
+    then(true);
 }
 
 bool ResultWindow::stay()

@@ -39,16 +39,30 @@ ResultWindow *ViewerState::window(const QString &key)
     return nullptr;
 }
 
-void ViewerState::whenSaved(const QString &callDir, std::function<void()> then)
+void ViewerState::whenSaved(const QStringList &callDirs, const std::function<void(bool complete)> &then)
 {
-    const QList<ResultWindow *> windows = resultWindows.values() + closing;
-    for (ResultWindow *window : windows) {
-        if (window->callDir() != callDir || !window->plan().isViewer())
-            continue;
-        window->whenSaved(std::move(then));
+    // More than one of a call dir, where one is too far gone to be taken back.
+    QList<ResultWindow *> windows = resultWindows.values() + closing;
+    windows.removeIf([&](const ResultWindow *window) {
+        return !callDirs.contains(window->callDir()) || !window->plan().isViewer();
+    });
+    if (windows.isEmpty()) {
+        then(true);
         return;
     }
-    then();
+    struct Waiting
+    {
+        qsizetype windows;
+        bool complete;
+    };
+    const auto waiting = std::make_shared<Waiting>(Waiting{windows.size(), true});
+    for (ResultWindow *window : std::as_const(windows)) {
+        window->whenSaved([waiting, then](bool complete) {
+            waiting->complete = waiting->complete && complete;
+            if (--waiting->windows == 0)
+                then(waiting->complete);
+        });
+    }
 }
 
 void ViewerState::forget(ResultWindow *window)

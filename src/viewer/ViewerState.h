@@ -4,6 +4,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -22,8 +23,9 @@ struct ViewerState : QObject
     /// The window under the key, or null. One that was closed a moment ago is taken back: a page made anew would not
     /// know of what that one is still saving.
     ResultWindow *window(const QString &key);
-    /// Calls `then` when what was corrected in the call dir's viewer is in its files; at once without a viewer.
-    void whenSaved(const QString &callDir, std::function<void()> then);
+    /// Calls `then` when what was corrected in the viewers of those call dirs is in their files; at once without a
+    /// viewer. Waiting has an end: without `complete` some of it may still be under way.
+    void whenSaved(const QStringList &callDirs, const std::function<void(bool complete)> &then);
     /// The window is closed and about to go.
     void forget(ResultWindow *window);
     /// A quit that waits does not come any more: the person goes on.

@@ -44,15 +44,31 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->setObjectName(u"viewerPage"_s);
     m_patience.setObjectName(u"patience"_s);
     m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, &ViewerWindow::goOn);
+    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(false); });
+    m_end.setObjectName(u"end"_s);
+    m_end.setSingleShot(true);
+    connect(&m_end, &QTimer::timeout, this, [this] {
+        tellLost();
+        goOn(m_unanswered == 0);
+        deleteLater();
+    });
     m_view->onMessage = [this](const QJsonObject &body) {
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
+    };
+    m_view->onLoaded = [this] {
+        // A page that was still loading heard nothing.
+        if (m_summary)
+            m_view->run(ShowTabScript(*m_summary));
+        if (!m_whenSaved.isEmpty())
+            askForUnsaved();
     };
     m_view->onCrash = [this] { reportCrash(); };
     m_view->onUnloaded = [this] {
         if (m_life == Life::Ending)
             m_life = Life::Unloaded;
+        if (!m_whenSaved.isEmpty())
+            askForUnsaved();
         leaveWhenAnswered();
     };
     m_view->onMenu = [this](const QPoint &place, const QList<WebView::Command> &commands) {
@@ -66,11 +82,13 @@ void ViewerWindow::load()
 {
     ++m_page;
     m_pageGone = false;
+    m_summary.reset();
     m_view->load();
 }
 
 void ViewerWindow::showTab(bool summary)
 {
+    m_summary = summary;
     m_view->run(ShowTabScript(summary));
 }
 
@@ -89,7 +107,7 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
     leaveWhenAnswered();
 }
 
-void ViewerWindow::whenSaved(std::function<void()> then)
+void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 {
     m_whenSaved.append(std::move(then));
     askForUnsaved();
@@ -98,7 +116,7 @@ void ViewerWindow::whenSaved(std::function<void()> then)
 /// The page posts a correction after the answer to the one before, and so is asked again after every answer.
 void ViewerWindow::askForUnsaved()
 {
-    if (m_pageGone) {
+    if (m_pageGone || m_life == Life::Unloaded) {
         hearUnsaved({});
         return;
     }
@@ -110,17 +128,17 @@ void ViewerWindow::hearUnsaved(const QStringList &unsaved)
 {
     m_unsaved = unsaved;
     if (m_unsaved.isEmpty() && m_unanswered == 0)
-        goOn();
+        goOn(true);
     else if (!m_whenSaved.isEmpty())
         m_patience.start(enginePatienceMilliseconds);
 }
 
-void ViewerWindow::goOn()
+void ViewerWindow::goOn(bool complete)
 {
     m_patience.stop();
-    const QList<std::function<void()>> all = std::exchange(m_whenSaved, {});
-    for (const std::function<void()> &then : all)
-        then();
+    const QList<std::function<void(bool complete)>> all = std::exchange(m_whenSaved, {});
+    for (const std::function<void(bool complete)> &then : all)
+        then(complete);
     m_unsaved.clear(); // what the page says next may be long after
 }
 
@@ -133,7 +151,7 @@ void ViewerWindow::dispose()
 {
     m_life = Life::Saving;
     m_view->run(PauseScript());
-    whenSaved([this] {
+    whenSaved([this](bool) {
         if (m_life == Life::Saving)
             end();
     });
@@ -156,7 +174,7 @@ void ViewerWindow::end()
     tellLost();
     m_life = Life::Ending;
     m_view->unload();
-    QTimer::singleShot(endPatienceMilliseconds, this, &QObject::deleteLater);
+    m_end.start(endPatienceMilliseconds);
 }
 
 void ViewerWindow::leaveWhenAnswered()

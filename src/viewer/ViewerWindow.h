@@ -6,6 +6,8 @@
 
 #include <QTimer>
 
+#include <optional>
+
 namespace tuppi {
 
 /// A transcript's own page.
@@ -20,7 +22,7 @@ public:
     /// What became of a message, told to the page that posted it unless that is gone. Every message has to be
     /// answered, once. `written` is told by correctionsLost() where the page no longer can.
     void answer(int page, const ViewerReply &reply, const QString &written);
-    void whenSaved(std::function<void()> then) override;
+    void whenSaved(std::function<void(bool complete)> then) override;
     bool stay() override;
 
 Q_SIGNALS:
@@ -42,7 +44,7 @@ private:
     void offerToLoadAgain();
     void askForUnsaved();
     void hearUnsaved(const QStringList &unsaved);
-    void goOn();
+    void goOn(bool complete);
     void end();
     void leaveWhenAnswered();
     void lose(const QString &reason, const QStringList &written);
@@ -51,12 +53,14 @@ private:
 
     WebView *m_view;
     int m_page = 0;
+    std::optional<bool> m_summary;              ///< the tab asked for since the page was loaded
     bool m_pageGone = false;                    ///< crashed, and not loaded again
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages
     QStringList m_unsaved;                      ///< as the page said last
-    QList<std::function<void()>> m_whenSaved;
+    QList<std::function<void(bool complete)>> m_whenSaved;
     QTimer m_patience{this};
+    QTimer m_end{this};                         ///< of a page that does not end
     QString m_lostReason;
     QStringList m_lost;
 };

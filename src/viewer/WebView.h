@@ -39,6 +39,8 @@ public:
 
     /// The page posted an object on the channel "tuppi".
     std::function<void(const QJsonObject &body)> onMessage;
+    /// The page is there, and its scripts have run.
+    std::function<void()> onLoaded;
     /// Its process is gone, though nobody asked for that.
     std::function<void()> onCrash;
     std::function<void()> onUnloaded;

@@ -172,4 +172,40 @@ TEST_F(SavedAtTheEnd, SharingWaitsForTheTextThatIsBeingWritten)
     EXPECT_EQ(test::readFile(shared), "New");
 }
 
+TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
+{
+    ViewerWindow *opened = openWithThreeEdits();
+    qputenv("TMPDIR", QFile::encodeName(m_calls.path()));
+    const auto restore = qScopeGuard([] { qunsetenv("TMPDIR"); });
+    test::writeFile(callDir(u"a"_s) + u"/transcript.raw.txt"_s, "Old");
+    opened->findChild<QPushButton *>(u"shareWindowText"_s)->click();
+    auto *patience = opened->findChild<QTimer *>(u"patience"_s);
+    patience->start(0);
+    ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
+    EXPECT_EQ(sheet()->text().message, u"A correction to “a” was not saved"_s);
+    EXPECT_EQ(sheet()->text().detail, u"The text is without it."_s);
+    const QString shared = m_calls.filePath(u"Tuppi Transcriber/a.txt"_s);
+    EXPECT_FALSE(QFile::exists(shared));
+    sheet()->answer(0);
+    EXPECT_TRUE(waitFor([&] { return QFile::exists(shared); }));
+    EXPECT_EQ(test::readFile(shared), "Old");
+    m_engine.openGate("gate");
+    EXPECT_TRUE(waitFor([this] { return savedTexts() == allThree; }));
+}
+
+TEST_F(SavedAtTheEnd, AFolderGoesToTheTrashWithAllThatWasCorrected)
+{
+    const QPointer<ViewerWindow> opened = openWithThreeEdits();
+    m_app->removeRow(u"id-a"_s);
+    ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
+    sheet()->answer(1);
+    EXPECT_TRUE(becomes(opened, u"state.editor === null"_s, "true")) << "an open edit is as good as done";
+    EXPECT_TRUE(QFile::exists(callDir(u"a"_s)));
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([this] { return !QFile::exists(callDir(u"a"_s)); }));
+    EXPECT_EQ(savedTexts(), allThree);
+    EXPECT_TRUE(waitFor([&] { return opened.isNull(); }));
+    EXPECT_EQ(sheet(), nullptr);
+}
+
 } // namespace

@@ -26,14 +26,14 @@ public:
     {
     }
 
-    void whenSaved(std::function<void()> then) override { m_whenSaved.append(std::move(then)); }
+    void whenSaved(std::function<void(bool complete)> then) override { m_whenSaved.append(std::move(then)); }
     bool stay() override { return std::exchange(m_stays, false); }
 
-    void save()
+    void save(bool complete = true)
     {
-        const QList<std::function<void()>> all = std::exchange(m_whenSaved, {});
-        for (const std::function<void()> &then : all)
-            then();
+        const QList<std::function<void(bool complete)>> all = std::exchange(m_whenSaved, {});
+        for (const std::function<void(bool complete)> &then : all)
+            then(complete);
     }
 
 protected:
@@ -41,7 +41,7 @@ protected:
     void setZoom(double) override { }
 
 private:
-    QList<std::function<void()>> m_whenSaved;
+    QList<std::function<void(bool complete)>> m_whenSaved;
     bool m_stays = false;
 };
 
@@ -116,18 +116,42 @@ TEST_F(ViewerStates, AWindowThatIsTooFarGoneIsNot)
 TEST_F(ViewerStates, WhatWaitsForAFolderWaitsForItsWindowOnly)
 {
     QStringList done;
-    m_state.whenSaved(u"/a"_s, [&] { done.append(u"without a window"_s); });
+    m_state.whenSaved({u"/a"_s}, [&](bool) { done.append(u"without a window"_s); });
     HeldWindow *a = open(u"/a"_s);
     HeldWindow *b = open(u"/b"_s);
-    m_state.whenSaved(u"/a"_s, [&] { done.append(u"open"_s); });
+    m_state.whenSaved({u"/a"_s}, [&](bool) { done.append(u"open"_s); });
     b->save();
     EXPECT_EQ(done, QStringList{u"without a window"_s});
     a->save();
     a->close();
-    m_state.whenSaved(u"/a"_s, [&] { done.append(u"closed"_s); });
+    m_state.whenSaved({u"/a"_s}, [&](bool) { done.append(u"closed"_s); });
     EXPECT_EQ(done, (QStringList{u"without a window"_s, u"open"_s}));
     a->save();
     EXPECT_EQ(done, (QStringList{u"without a window"_s, u"open"_s, u"closed"_s}));
+}
+
+TEST_F(ViewerStates, AllWindowsOfTheFoldersAreWaitedFor)
+{
+    for (const bool second : {true, false}) {
+        SCOPED_TRACE(second);
+        HeldWindow *gone = open(u"/a"_s);
+        gone->close();
+        gone->stay();
+        HeldWindow *a = open(u"/a"_s);
+        HeldWindow *b = open(u"/b"_s);
+        HeldWindow *c = open(u"/c"_s);
+        QList<bool> done;
+        m_state.whenSaved({u"/a"_s, u"/b"_s}, [&](bool complete) { done.append(complete); });
+        a->save();
+        b->save(second);
+        c->save();
+        EXPECT_EQ(done, QList<bool>());
+        gone->save();
+        EXPECT_EQ(done, QList<bool>{second});
+        for (HeldWindow *window : {a, b, c})
+            window->close();
+        qDeleteAll(QList<HeldWindow *>{gone, a, b, c});
+    }
 }
 
 TEST_F(ViewerStates, AQuitClosesTheWindowsAndWaitsForTheLastOne)

@@ -3,6 +3,7 @@
 #include "viewer/ViewerWindow.h"
 
 #include "ui/Sheet.h"
+#include "viewer/PageScripts.h"
 
 #include <gtest/gtest.h>
 
@@ -79,9 +80,11 @@ protected:
     void letGo() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
     /// What is waited for does not come.
-    void losePatience()
+    void losePatience() { lose(u"patience"_s); }
+
+    void lose(const QString &timer)
     {
-        auto *patience = m_window->findChild<QTimer *>(u"patience"_s);
+        auto *patience = m_window->findChild<QTimer *>(timer);
         ASSERT_TRUE(patience->isActive());
         patience->setInterval(0);
         QCoreApplication::processEvents();
@@ -127,7 +130,7 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
         SCOPED_TRACE(closed);
         m_told.clear();
         bool done = false;
-        m_window->whenSaved([&] { done = true; });
+        m_window->whenSaved([&](bool complete) { done = complete; });
         if (closed)
             m_window->close();
         page()->post(u"one"_s);
@@ -146,20 +149,93 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
 
 TEST_F(ViewerWindows, WhatTheEngineWasLateToSaveIsNotTakenForLost)
 {
-    m_window->whenSaved([] { });
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
     page()->post(u"one"_s);
     page()->sayUnsaved({u"one"_s});
     losePatience();
+    EXPECT_EQ(done, QList<bool>{false});
     answer(u"one"_s);
     page()->onCrash();
     EXPECT_EQ(m_told, QStringList());
+}
+
+TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    m_window->whenSaved(note);
+    page()->sayUnsaved({});
+    EXPECT_EQ(done, QList<bool>{true});
+    m_window->whenSaved(note);
+    losePatience(); // with a page that hangs
+    EXPECT_EQ(done, (QList<bool>{true, false}));
+}
+
+TEST_F(ViewerWindows, AFailureWhileThePageEndsIsToldAlsoWhereThePageHangs)
+{
+    m_window->close();
+    page()->sayUnsaved({});
+    ASSERT_TRUE(page()->unloads);
+    page()->post(u"last words"_s);
+    page()->post(u"and more"_s);
+    answer(u"last words"_s, u"disk full"_s);
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    EXPECT_EQ(m_told, QStringList());
+    lose(u"end"_s);
+    letGo();
+    EXPECT_EQ(m_told, QStringList{u"disk full|last words"_s});
+    EXPECT_EQ(done, QList<bool>{false});
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatWaitsForAPageAtItsEndWaitsForItsLastWords)
+{
+    m_window->close();
+    page()->sayUnsaved({});
+    page()->post(u"last words"_s);
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    page()->onUnloaded();
+    EXPECT_EQ(done, QList<bool>());
+    answer(u"last words"_s);
+    EXPECT_EQ(done, QList<bool>{true});
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, TheTabAskedForBeforeThePageIsThereIsShown)
+{
+    const QString summary = ShowTabScript(true);
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList()) << "a page begins with the tab of its window";
+    m_window->showTab(false);
+    m_window->showTab(true);
+    page()->scripts.clear();
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList{summary});
+    page()->onCrash();
+    sheet()->answer(0);
+    page()->onLoaded();
+    EXPECT_EQ(page()->scripts, QStringList{summary});
+}
+
+TEST_F(ViewerWindows, APageThatWasLoadingIsAskedAgainWhatItHasNotSaved)
+{
+    QList<bool> done;
+    m_window->whenSaved([&](bool complete) { done.append(complete); });
+    page()->questions.clear();
+    page()->onLoaded();
+    page()->sayUnsaved({});
+    EXPECT_EQ(done, QList<bool>{true});
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
 {
     page()->onCrash();
     bool done = false;
-    m_window->whenSaved([&] { done = true; });
+    m_window->whenSaved([&](bool complete) { done = complete; });
     EXPECT_TRUE(done);
 }
 
