@@ -110,7 +110,7 @@ void requireClock(Database &database)
 // What the rest of the checks need of the store.
 struct Settings
 {
-    QString library = Paths::ofThisUser().defaultLibrary;
+    Library library{Paths::ofThisUser().defaultLibrary};
     QString textModel;
 };
 
@@ -122,14 +122,14 @@ Settings appendStoreChecks(std::vector<Check> &checks)
         database.emplace(Paths::ofThisUser());
         if (const QString verdict = database->integrity(); verdict != u"ok")
             throw Failure(u"The list of transcripts is damaged: "_s + verdict);
-        settings = {libraryFolder(*database), textModel(*database)};
+        settings = {libraryInUse(*database), textModel(*database)};
         // SQLite begins to write without a word where it may only read: it refuses the first change.
         const Transaction writing(*database);
         database->run(u"UPDATE settings SET value = value WHERE FALSE"_s);
     }));
     checks.push_back(check(u"Transcripts folder"_s, [&] { requireLibrary(settings.library); }));
     checks.push_back(check(u"Room on the disk"_s, [&] {
-        requireRoom(settings.library);
+        requireRoom(settings.library.folder);
         requireRoom(Paths::ofThisUser().base);
     }));
     if (database) {

@@ -62,7 +62,7 @@ int status(const Arguments &arguments)
     Database database(Paths::ofThisUser());
     finishCorrections(database);
     const std::optional<Job> job = latestJob(database);
-    const QString library = libraryFolder(database);
+    const QString library = libraryInUse(database).folder;
     if (!arguments.has(u"--json")) {
         if (job)
             printLine(job->title + u": "_s + job->status + u" "_s + job->progress);

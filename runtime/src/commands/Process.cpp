@@ -66,9 +66,9 @@ Job jobFor(const Recording &recording, const Arguments &arguments)
 // The recording is in its place and synced before the job is recorded: a job never lacks its recording.
 void record(Database &database, const Recording &recording, Job &job)
 {
-    const QString library = libraryFolder(database);
+    const Library library = libraryInUse(database);
     requireLibrary(library);
-    NewCallDir folder(library, [&](const QString &callDir) { return hasCallDir(database, callDir); });
+    NewCallDir folder(library.folder, [&](const QString &callDir) { return hasCallDir(database, callDir); });
     job.audio = folder.take(recording);
     job.callDir = folder.place(callDirName(recording.modified, job.title));
     Transaction transaction(database);

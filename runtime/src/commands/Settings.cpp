@@ -14,7 +14,7 @@ int settings(const Arguments &arguments)
     Database database(Paths::ofThisUser());
     if (arguments.has(u"--library"))
         changeLibrary(database, arguments.value(u"--library"));
-    const QString library = libraryFolder(database);
+    const QString library = libraryInUse(database).folder;
     if (arguments.has(u"--json"))
         print(QJsonDocument(QJsonObject{{u"library"_s, library}}).toJson(QJsonDocument::Compact) + '\n');
     else

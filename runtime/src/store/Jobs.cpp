@@ -1,5 +1,7 @@
 #include "store/Jobs.h"
 
+#include "store/Settings.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -83,15 +85,16 @@ QString hiddenMark(bool hidden)
 const QString unfinished = u"status IN ('queued', 'transcribing', 'cleaning', 'analyzing')"_s;
 
 // Of places (a job's number and its call dir, one behind the other), those whose folder alone is gone: their
-// numbers, for a list in a statement.
-QByteArray thrownAway(const QByteArray &places)
+// numbers, for a list in a statement. Nothing in the library is while that is away.
+QByteArray thrownAway(const QByteArray &places, const QByteArray &away)
 {
     QByteArrayList gone;
     for (const QByteArray &place : places.split('\0')) {
         const QByteArray folder = place.mid(place.indexOf('/'));
         if (folder.isEmpty() || ::access(folder.constData(), F_OK) == 0 || errno != ENOENT)
             continue;
-        if (::access(folder.left(folder.lastIndexOf('/') + 1).constData(), F_OK) == 0)
+        const QByteArray parent = folder.left(folder.lastIndexOf('/') + 1);
+        if (parent != away && ::access(parent.constData(), F_OK) == 0)
             gone.append(place.left(place.indexOf('/')));
     }
     return gone.join(',');
@@ -206,13 +209,15 @@ void forEachEntries(Database &database, const std::function<void(const QByteArra
         unfinished +
         u" OR lost THEN NULL ELSE seq || call_dir END AS place FROM entries JOIN jobs USING (seq) WHERE seq < ? "
         "ORDER BY seq DESC LIMIT 256)"_s;
+    const Library library = libraryInUse(database);
+    const QByteArray away = isAway(library) ? QFile::encodeName(library.folder + u'/') : QByteArray();
     database.run(u"BEGIN"_s);
     for (qint64 before = std::numeric_limits<qint64>::max();;) {
         QSqlQuery query = database.run(block, {u",\n"_s, before});
         if (!query.next() || query.isNull(1))
             break;
         const qint64 last = query.value(1).toLongLong();
-        const QByteArray gone = thrownAway(query.value(2).toByteArray());
+        const QByteArray gone = thrownAway(query.value(2).toByteArray(), away);
         const QByteArray entries =
             gone.isEmpty() ? query.value(0).toByteArray() : entriesWithout(database, gone, last, before);
         if (!entries.isEmpty())

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,11 +25,18 @@ QString setting(Database &database, const QString &name)
 
 void set(Database &database, const QString &name, const QString &value)
 {
-    Transaction transaction(database);
     database.run(u"INSERT INTO settings (name, value) VALUES (?, ?) "
                  "ON CONFLICT (name) DO UPDATE SET value = excluded.value"_s,
                  {name, value});
-    transaction.commit();
+}
+
+// Whether another disk is mounted there than above it.
+bool isDisk(const QString &folder)
+{
+    struct stat itself;
+    struct stat above;
+    return ::stat(QFile::encodeName(folder).constData(), &itself) == 0 &&
+           ::stat(QFile::encodeName(folder + u"/.."_s).constData(), &above) == 0 && itself.st_dev != above.st_dev;
 }
 
 // Removes again, unless kept, what making a folder has made; only while it is empty.
@@ -57,10 +65,18 @@ private:
 
 } // namespace
 
-QString libraryFolder(Database &database)
+Library libraryInUse(Database &database)
 {
     const QString chosen = setting(database, u"library"_s);
-    return chosen.isEmpty() ? database.paths().defaultLibrary : chosen;
+    if (chosen.isEmpty())
+        return {database.paths().defaultLibrary, false};
+    return {chosen, setting(database, u"library_is_disk"_s) == u"1"};
+}
+
+bool isAway(const Library &library)
+{
+    return library.isDisk && QFileInfo(library.folder).isDir() && !isDisk(library.folder) &&
+           QDir(library.folder).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
 }
 
 void requireWritable(const QString &folder)
@@ -77,11 +93,12 @@ void requireWritable(const QString &folder)
         throw systemFailure(doing, errno);
 }
 
-void requireLibrary(const QString &folder)
+void requireLibrary(const Library &library)
 {
-    if (folder == Paths::ofThisUser().defaultLibrary)
+    const QString &folder = library.folder;
+    if (folder == Paths::ofThisUser().defaultLibrary && !library.isDisk)
         makeFolder(folder, u"The transcripts folder “"_s + folder + u"” could not be made"_s);
-    else if (!QFileInfo(folder).isDir())
+    else if (!QFileInfo(folder).isDir() || isAway(library))
         throw Failure(u"The transcripts folder “"_s + folder +
                       u"” is not there. Connect its disk, or choose another folder in the Settings."_s);
     requireWritable(folder);
@@ -99,7 +116,10 @@ void changeLibrary(Database &database, const QString &path)
     NewFolder made(folder);
     makeFolder(folder, u"The transcripts folder “"_s + folder + u"” could not be made"_s);
     requireWritable(folder);
+    Transaction transaction(database);
     set(database, u"library"_s, folder);
+    set(database, u"library_is_disk"_s, isDisk(folder) ? u"1"_s : u"0"_s);
+    transaction.commit();
     made.keep();
     announceChange(database.paths());
 }
@@ -111,7 +131,9 @@ QString textModel(Database &database)
 
 void setTextModel(Database &database, const QString &name)
 {
+    Transaction transaction(database);
     set(database, u"text_model"_s, name);
+    transaction.commit();
 }
 
 } // namespace engine

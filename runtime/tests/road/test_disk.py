@@ -237,6 +237,25 @@ class Disk(RoadTest):
         os.mkdir(engine.library)
         engine.transcribe(path)
 
+    def test_library_that_is_a_disk(self):
+        """What stands there while the disk is not mounted is an empty folder of the same name."""
+        disk = self.mount(os.path.join(self.folder(), "disk"), "8m")
+        engine = self.engine()
+        engine.library = disk
+        engine.ask("settings", "--library=" + disk, "--json")
+        path = self.recording(engine)
+        entry = engine.transcribe(path)
+        subprocess.run(["umount", disk], check=True)
+        self.assertEqual(engine.history(), [entry])
+        self.assertIn("Connect its disk", self.refused(engine, path))
+        self.assertIn("Connect its disk", engine.troubles()["Transcripts folder"])
+        self.assertEqual(os.listdir(disk), [])
+        # Somebody uses it as a folder from now on.
+        os.mkdir(os.path.join(disk, "theirs"))
+        self.assertEqual(engine.history(), [])
+        engine.transcribe(self.recording(engine, name="another.wav"))
+        subprocess.run(["mount", "-t", "tmpfs", "tmpfs", disk], check=True)
+
     def test_read_only_library(self):
         engine, disk = self.engine_with_library("8m")
         path = self.recording(engine)

@@ -419,15 +419,15 @@ TEST(Settings, theLibraryIsRememberedOnceItWorks)
 {
     const test::Home home;
     Database database(home.paths());
-    EXPECT_EQ(libraryFolder(database), home.paths().defaultLibrary);
+    EXPECT_EQ(libraryInUse(database).folder, home.paths().defaultLibrary);
     changeLibrary(database, home.file(u"new/./library/"_s));
-    EXPECT_EQ(libraryFolder(database), home.file(u"new/library"_s));
+    EXPECT_EQ(libraryInUse(database).folder, home.file(u"new/library"_s));
     EXPECT_TRUE(QDir(home.file(u"new/library"_s)).exists());
     test::write(home.file(u"file"_s), "x");
     EXPECT_NE(test::sentenceOf([&] { changeLibrary(database, home.file(u"file"_s)); }), u"no failure"_s);
     EXPECT_NE(test::sentenceOf([&] { changeLibrary(database, u"relative"_s); }), u"no failure"_s);
     EXPECT_NE(test::sentenceOf([&] { changeLibrary(database, u"/proc/nowhere"_s); }), u"no failure"_s);
-    EXPECT_EQ(libraryFolder(database), home.file(u"new/library"_s));
+    EXPECT_EQ(libraryInUse(database).folder, home.file(u"new/library"_s));
 }
 
 } // namespace engine
