@@ -29,6 +29,21 @@ MAY_INCLUDE = {
     "app": {"core", "platform", "widgets", "viewer", "app"},
     "main": {"core", "platform", "widgets", "viewer", "app", "main"},
 }
+# The folders of runtime/src/, from the ground up, and which of those below each may include.
+ENGINE_FLOORS = {
+    "core": set(),
+    "text": {"core"},
+    "media": {"core"},
+    "store": {"core", "text"},
+    "models": {"core", "store"},
+    "recognise": {"core", "text", "models"},
+    "speakers": {"core", "text"},
+    "intake": {"core", "store"},
+    "output": {"core", "text", "store", "intake"},
+    "correct": {"core", "text", "store", "intake", "output"},
+    "commands": {"core", "text", "store", "models", "intake", "output", "correct"},
+    "worker": {"core", "text", "media", "store", "recognise", "speakers", "intake", "output"},
+}
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
@@ -107,6 +122,25 @@ def include_table(tree):
                 found.append(f"{where}: {match[2]} is no file of src/")
             elif floor_of[included] not in MAY_INCLUDE[floor]:
                 found.append(f"{where}: {floor} includes {match[2]} of {floor_of[included]}")
+    return found
+
+
+def engine_table(tree):
+    """The same for the engine, whose floors are its folders; only the store knows the database."""
+    found = []
+    for path, text in sorted(tree.items()):
+        if not path.startswith("runtime/src/") or not path.endswith(SOURCE):
+            continue
+        floor = path.split("/")[2]
+        if floor not in ENGINE_FLOORS:
+            found.append(f"{path}:1: the folder {floor} has no floor")
+            continue
+        for match in INCLUDE.finditer(text):
+            where, included = f"{path}:{_line(text, match.start())}", match[2].split("/")[0]
+            if match[1] == "<" and re.match(r"(QtSql/)?QSql", match[2]) and floor != "store":
+                found.append(f"{where}: {floor} includes {match[2]}")
+            elif match[1] == '"' and included != floor and included not in ENGINE_FLOORS[floor]:
+                found.append(f"{where}: {floor} includes {match[2]}")
     return found
 
 

@@ -30,6 +30,9 @@ class TheTree(unittest.TestCase):
     def test_include_table(self):
         self.assert_none(rules.include_table(self.tree))
 
+    def test_engine_table(self):
+        self.assert_none(rules.engine_table(self.tree))
+
     def test_controller_is_private(self):
         self.assert_none(rules.controller_is_private(self.tree))
 
@@ -130,6 +133,21 @@ class TheRules(unittest.TestCase):
                            ("src/CMakeLists.txt", "include_directories(../runtime/src)\n")):
             self.assert_found(rules.engine_is_apart({**engine, path: text}), path + ":1:")
         self.assertEqual(rules.engine_is_apart({**engine, "runtime/src/main.cpp": '#include "Jobs.h"\n'}), [])
+
+    def test_floors_of_the_engine(self):
+        for path, text in (("text/Line.h", '#include "store/Segments.h"\n'), ("store/Jobs.cpp", '#include "worker/JobRun.h"\n'),
+                           ("commands/Hide.cpp", '#include "worker/Worker.h"\n'), ("speakers/Turns.h", "#include <QSqlQuery>\n"),
+                           ("sundry/Name.h", "")):
+            self.assert_found(rules.engine_table({"runtime/src/" + path: text}), f"runtime/src/{path}:1: ")
+        for path, text in (("store/Jobs.cpp", '#include "text/Line.h"\n#include "store/Jobs.h"\n#include <QSqlQuery>\n'),
+                           ("worker/JobRun.cpp", '#include "recognise/Recogniser.h"\n')):
+            self.assertEqual(rules.engine_table({"runtime/src/" + path: text}), [])
+
+    def test_floors_of_the_engine_have_no_circle(self):
+        below = set()
+        for floor, included in rules.ENGINE_FLOORS.items():
+            self.assertLessEqual(included, below, floor)
+            below.add(floor)
 
     def test_bare_waits(self):
         for line in ("QTest::qWait(100);", "QThread::msleep(5);", "sleep(1);", "std::this_thread::sleep_for(1s);", "usleep (1);",

@@ -1,6 +1,7 @@
 #include "commands/Command.h"
 
 #include "core/Failure.h"
+#include "models/ModelSyntax.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -96,15 +97,7 @@ std::vector<Command> installationCommands()
     return {
         {u"models",
          u"List, add and remove speech models; choose the text model. Only “add” uses the internet",
-         {u"models [add --name=NAME --kind=whisper --repo=OWNER/MODEL[:FILE] | remove --id=ID | "
-          u"text-model --name=NAME] [--json]",
-          0,
-          1,
-          {{u"--name", Option::Value},
-           {u"--kind", Option::Value},
-           {u"--repo", Option::Value},
-           {u"--id", Option::Value},
-           {u"--json"}}},
+         modelsSyntax(),
          &commands::models},
         {u"settings",
          u"Show or change the transcripts folder",

@@ -5,6 +5,7 @@
 #include "correct/HandEdits.h"
 #include "output/CallDirWriter.h"
 #include "store/Jobs.h"
+#include "store/Segments.h"
 #include "store/Transcripts.h"
 
 #include <QFile>

@@ -1,5 +1,6 @@
 #include "core/Failure.h"
 #include "models/ModelCommands.h"
+#include "models/ModelSyntax.h"
 
 #include <QFile>
 
@@ -12,18 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-engine::Syntax syntax()
-{
-    return {u"models [ACTION]",
-            0,
-            1,
-            {{u"--name", engine::Option::Value},
-             {u"--kind", engine::Option::Value},
-             {u"--repo", engine::Option::Value},
-             {u"--id", engine::Option::Value},
-             {u"--json"}}};
-}
-
 QByteArray answer(int count, char **values)
 {
     if (count == 2 && std::strcmp(values[1], "--check") == 0)
@@ -35,7 +24,7 @@ QByteArray answer(int count, char **values)
     QStringList arguments;
     for (int i = 1; i < count; ++i)
         arguments.append(QFile::decodeName(values[i]));
-    return engine::runModels(engine::readArguments(syntax(), arguments));
+    return engine::runModels(engine::readArguments(engine::modelsSyntax(), arguments));
 }
 
 int report(const char *sentence, int exitStatus)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Segments.h"
+#include "text/Segment.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "speakers/SpeakerFinder.h"
-#include "store/Segments.h"
+#include "text/Segment.h"
 
 #include <vector>
 

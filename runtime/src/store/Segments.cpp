@@ -7,27 +7,6 @@ using namespace Qt::StringLiterals;
 
 namespace engine {
 
-QStringList textsOf(const std::vector<Word> &words)
-{
-    QStringList texts;
-    for (const Word &word : words)
-        texts.append(word.text);
-    return texts;
-}
-
-QString Segment::text() const
-{
-    QString text;
-    if (!words)
-        return text;
-    for (const Word &word : *words) {
-        if (!text.isEmpty())
-            text += u' ';
-        text += word.text;
-    }
-    return text;
-}
-
 void planSegments(Database &database, qint64 job, const std::vector<Segment> &segments)
 {
     database.run(u"DELETE FROM segments WHERE job = ?"_s, {job});

@@ -1,5 +1,7 @@
 #include "store/Transcripts.h"
 
+#include "store/Segments.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -10,7 +10,9 @@ namespace engine {
 
 namespace {
 
-constexpr double recognisedPerPlanned = 60;
+// Seconds that are recognised in the time of one that is read, or told apart.
+constexpr double recognisedPerRead = 60;
+constexpr double recognisedPerTold = 20;
 
 } // namespace
 
@@ -38,9 +40,36 @@ std::optional<QString> JobProgress::advance(qint64 done, qint64 whole)
     return text;
 }
 
-qint64 planningSeconds(double recordingSeconds)
+WorkMeter::WorkMeter(double recordingSeconds, qint64 speechMs, bool speakers)
+    : m_recordingSeconds(recordingSeconds)
+    , m_speechMs(speechMs)
+    , m_speakerSeconds(speakers ? qint64(double(speechMs) / 1000 / recognisedPerTold) + 1 : 0)
 {
-    return qint64(recordingSeconds / recognisedPerPlanned);
+}
+
+WorkMeter WorkMeter::ofUnread(double recordingSeconds, bool speakers)
+{
+    return {recordingSeconds, qint64(recordingSeconds * 1000), speakers};
+}
+
+qint64 WorkMeter::read(double seconds) const
+{
+    return qint64(std::min(seconds, m_recordingSeconds) / recognisedPerRead);
+}
+
+qint64 WorkMeter::heard(qint64 ms) const
+{
+    return read(m_recordingSeconds) + (ms < m_speechMs ? ms / 1000 : (m_speechMs + 999) / 1000);
+}
+
+qint64 WorkMeter::told(size_t handled, size_t all) const
+{
+    return heard(m_speechMs) + m_speakerSeconds * qint64(handled) / qint64(all);
+}
+
+qint64 WorkMeter::whole() const
+{
+    return heard(m_speechMs) + m_speakerSeconds;
 }
 
 } // namespace engine

@@ -23,8 +23,27 @@ private:
     qint64 m_whole = 1;
 };
 
-// The reading of the whole recording before anything is recognised, as a share of the work: in seconds that
-// would be recognised in the same time.
-qint64 planningSeconds(double recordingSeconds);
+// The work on a job, counted in seconds of speech, since segments differ in length. What is read before anything is
+// recognised, and learnt of the speakers afterwards, counts as so many more. Each step's count goes on from the one
+// before it.
+class WorkMeter
+{
+public:
+    WorkMeter() = default;
+    WorkMeter(double recordingSeconds, qint64 speechMs, bool speakers);
+
+    // While it is not known where speech is: as if it went from end to end.
+    static WorkMeter ofUnread(double recordingSeconds, bool speakers);
+
+    qint64 read(double seconds) const;             // of the recording
+    qint64 heard(qint64 ms) const;                 // of the speech
+    qint64 told(size_t handled, size_t all) const; // pieces whose speakers are told apart
+    qint64 whole() const;
+
+private:
+    double m_recordingSeconds = 0;
+    qint64 m_speechMs = 0;
+    qint64 m_speakerSeconds = 0;
+};
 
 } // namespace engine

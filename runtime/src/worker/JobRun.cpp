@@ -3,12 +3,16 @@
 #include "core/Cores.h"
 #include "core/Failure.h"
 #include "intake/CallDir.h"
+#include "media/AudioReader.h"
 #include "media/Segmenter.h"
 #include "output/CallDirWriter.h"
 #include "speakers/SpeakerLines.h"
 #include "store/Answers.h"
+#include "store/Segments.h"
 #include "store/Transcripts.h"
 #include "text/ModelWriting.h"
+#include "worker/SegmentSound.h"
+#include "worker/SpeakerTurns.h"
 #include "worker/TextModel.h"
 
 #include <algorithm>
@@ -21,9 +25,7 @@ namespace {
 
 constexpr int waitMs = 100;
 constexpr size_t blockSamples = 16384;
-constexpr int64_t soundPerMs = sampleRate / 1000;
-constexpr qint64 showEveryMs = 1000;     // each time is a write to the disk
-constexpr double recognisedPerTold = 20; // telling speakers apart counts as so much more to recognise
+constexpr qint64 showEveryMs = 1000; // each time is a write to the disk
 
 std::vector<Segment> numbered(const std::vector<Span> &spans)
 {
@@ -80,24 +82,29 @@ void JobRun::plan()
             job.recordedAt = contractTime(*time);
         nameRecogniser(job, false);
     });
+    const double told = reader.durationSeconds().value_or(0);
+    m_work = WorkMeter::ofUnread(told, m_control.job().speakers);
     Segmenter segmenter;
     std::vector<int16_t> block(blockSamples);
     while (const size_t count = reader.read(block)) {
         segmenter.add(std::span(block).first(count));
         m_control.check();
-        showPlanning(double(reader.position()) / sampleRate);
+        if (told > 0)
+            showProgress(m_work.read(double(reader.position()) / sampleRate));
     }
     if (reader.position() == 0)
         throw Failure(u"The file is not a recording that can be read: there is no sound in it."_s);
     segmenter.finish();
     const std::vector<Segment> segments = numbered(segmenter.take());
-    countSpeech(segments);
+    const double recordingSeconds = double(reader.position()) / sampleRate;
+    measure(segments, recordingSeconds);
     m_control.change(
         [&](Job &job) {
             job.planned = true;
-            job.durationSeconds = double(reader.position()) / sampleRate;
-            job.progress =
-                segments.empty() ? QString() : m_progress.advance(done(0), whole()).value_or(job.progress);
+            job.durationSeconds = recordingSeconds;
+            job.progress = segments.empty()
+                               ? QString()
+                               : m_progress.advance(m_work.heard(0), m_work.whole()).value_or(job.progress);
         },
         [&] { planSegments(m_database, m_control.job().seq, segments); });
 }
@@ -118,7 +125,7 @@ void JobRun::recogniseMissing()
     const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (segments.empty())
         throw Failure(silenceError.toString());
-    countSpeech(segments);
+    measure(segments, m_control.job().durationSeconds.value_or(0));
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
     enter(Status::transcribing);
@@ -130,49 +137,22 @@ void JobRun::recogniseMissing()
     Decoders decoders(
         *m_recogniser, m_recogniser->usesOneCore() ? decodersAllowed() : 1,
         [this](const SoundTask &task) { noteBeginning(task); }, [this] { m_lock.abandonInChild(); });
-    AudioReader reader(audioPath());
+    SegmentSound sound(audioPath(), [this] { m_control.check(); });
     for (std::vector<Segment> &group : groupsOf(segments, m_recogniser->longestSoundMs())) {
         std::erase_if(group, &Segment::kept);
         if (group.empty())
             continue;
         while (decoders.full()) // first, so that no more sound is held than is worked on
             attend(decoders);
-        SoundTask task = taskOf(reader, joinedSound(group));
+        SoundTask task;
+        task.pieces = joinedSound(group);
+        task.samples = sound.of(task.pieces);
         if (m_control.job().language != u"auto")
             task.language = m_control.job().language;
         decoders.begin(std::move(task));
     }
     while (!decoders.idle())
         attend(decoders);
-}
-
-// Appends the sound of the segment, and so much of what follows.
-void JobRun::takeSamples(std::vector<int16_t> &samples, AudioReader &reader, const Segment &segment,
-                         qint64 tailMs)
-{
-    while (reader.position() < segment.startMs * soundPerMs) {
-        const int64_t before = reader.position();
-        reader.skip(std::min<int64_t>(segment.startMs * soundPerMs - before, int64_t(blockSamples)));
-        m_control.check();
-        if (reader.position() == before)
-            throw Failure(u"The recording has become shorter since it was taken."_s);
-    }
-    const size_t before = samples.size();
-    samples.resize(before + size_t((lengthMs(segment) + tailMs) * soundPerMs));
-    samples.resize(before + reader.read(std::span(samples).subspan(before)));
-}
-
-SoundTask JobRun::taskOf(AudioReader &reader, std::vector<Piece> pieces)
-{
-    SoundTask task;
-    qint64 soundMs = 0;
-    for (const Piece &piece : pieces)
-        soundMs += piece.soundMs();
-    task.samples.reserve(size_t(soundMs * soundPerMs));
-    for (const Piece &piece : pieces)
-        takeSamples(task.samples, reader, piece.segment, piece.tailMs);
-    task.pieces = std::move(pieces);
-    return task;
 }
 
 void JobRun::noteBeginning(const SoundTask &task)
@@ -189,7 +169,7 @@ void JobRun::attend(Decoders &decoders)
     if (const std::optional<Decoders::Done> ended = decoders.wait(waitMs))
         keepTask(ended->task, ended->heard);
     m_control.check();
-    showProgress(done(m_keptMs + decoders.unfinishedMs()), whole());
+    showProgress(m_work.heard(m_keptMs + decoders.unfinishedMs()));
 }
 
 void JobRun::keepTask(const SoundTask &task, const Heard &heard)
@@ -198,7 +178,7 @@ void JobRun::keepTask(const SoundTask &task, const Heard &heard)
     m_keptMs += task.speechMs();
     m_control.progress(
         [&](Job &job) {
-            job.progress = m_progress.advance(done(m_keptMs), whole()).value_or(job.progress);
+            job.progress = m_progress.advance(m_work.heard(m_keptMs), m_work.whole()).value_or(job.progress);
             // Where nothing was said, the language is a guess.
             if (job.language == u"auto" && !heard.phrases.empty() && !heard.language.isEmpty())
                 job.language = heard.language;
@@ -210,82 +190,35 @@ void JobRun::keepTask(const SoundTask &task, const Heard &heard)
     m_sinceShown.restart();
 }
 
-void JobRun::countSpeech(const std::vector<Segment> &segments)
+void JobRun::measure(const std::vector<Segment> &segments, double recordingSeconds)
 {
-    m_keptMs = m_speechMs = 0;
+    qint64 speechMs = 0;
+    m_keptMs = 0;
     for (const Segment &segment : segments) {
-        m_speechMs += lengthMs(segment);
+        speechMs += lengthMs(segment);
         m_keptMs += segment.kept() ? lengthMs(segment) : 0;
     }
+    m_work = {recordingSeconds, speechMs, m_control.job().speakers};
 }
 
-// Progress is counted in seconds of speech, since segments differ in length. What is read before and learnt
-// afterwards counts as so many more.
-qint64 JobRun::done(qint64 heardMs) const
+void JobRun::showProgress(qint64 done)
 {
-    const qint64 heard = heardMs < m_speechMs ? heardMs / 1000 : (m_speechMs + 999) / 1000;
-    return planningSeconds(m_control.job().durationSeconds.value_or(0)) + heard;
-}
-
-qint64 JobRun::whole() const
-{
-    return done(m_speechMs) + speakerSeconds(double(m_speechMs) / 1000);
-}
-
-qint64 JobRun::speakerSeconds(double speechSeconds) const
-{
-    return m_control.job().speakers ? qint64(speechSeconds / recognisedPerTold) + 1 : 0;
-}
-
-void JobRun::showPlanning(double readSeconds)
-{
-    // As if there were speech from end to end.
-    if (const double length = m_control.job().durationSeconds.value_or(0); length > 0) {
-        const qint64 planned = planningSeconds(std::min(readSeconds, length));
-        showProgress(planned, planningSeconds(length) + qint64(length) + 1 + speakerSeconds(length));
-    }
-}
-
-void JobRun::showProgress(qint64 done, qint64 whole)
-{
-    if (done < whole && m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs))
+    if (done < m_work.whole() && m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs))
         return;
-    const std::optional<QString> text = m_progress.advance(done, whole);
+    const std::optional<QString> text = m_progress.advance(done, m_work.whole());
     if (!text)
         return;
     m_control.progress([&](Job &job) { job.progress = *text; });
     m_sinceShown.restart();
 }
 
-// Who speaks where. Nothing of it is kept: after a kill it is found again, and is the same.
-std::vector<Turn> JobRun::findTurns(const std::vector<Segment> &segments)
+std::vector<Segment> JobRun::toldApart(const std::vector<Segment> &segments)
 {
-    const qint64 heard = done(m_speechMs);
-    const auto show = [&](size_t handled) {
-        showProgress(heard + (whole() - heard) * qint64(handled) / qint64(2 * segments.size()), whole());
-    };
-    SpeakerFinder finder([this] { m_control.check(); }, m_database.paths().work);
-    std::vector<int16_t> samples;
-    std::vector<Turn> turns;
-    for (const bool learning : {true, false}) {
-        AudioReader reader(audioPath());
-        for (size_t i = 0; i < segments.size(); ++i) {
-            if (segments[i].text().isEmpty())
-                continue;
-            samples.clear();
-            takeSamples(samples, reader, segments[i]);
-            if (learning) {
-                finder.hear(samples);
-            } else {
-                const std::vector<Turn> found = finder.turns(segments[i].startMs, samples);
-                turns.insert(turns.end(), found.begin(), found.end());
-            }
-            show(learning ? i + 1 : segments.size() + i + 1);
-        }
-        if (learning)
-            finder.learn();
-    }
-    return turns;
+    return cutBySpeaker(
+        segments,
+        speakerTurns(
+            audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
+            [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); }));
 }
 
 void JobRun::finish()
@@ -294,7 +227,7 @@ void JobRun::finish()
     if (std::ranges::all_of(segments, [](const Segment &segment) { return segment.text().isEmpty(); }))
         throw Failure(silenceError.toString());
     if (m_control.job().speakers)
-        segments = cutBySpeaker(segments, findTurns(segments));
+        segments = toldApart(segments);
     Transcript transcript;
     {
         const std::vector<Segment> lines = asLines(segments, m_control.job().language);

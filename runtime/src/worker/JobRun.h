@@ -1,9 +1,7 @@
 #pragma once
 
 #include "core/WorkerLock.h"
-#include "media/AudioReader.h"
 #include "recognise/Recogniser.h"
-#include "speakers/SpeakerFinder.h"
 #include "text/Transcript.h"
 #include "worker/Decoders.h"
 #include "worker/JobControl.h"
@@ -35,19 +33,12 @@ private:
     void plan();
     void recogniseMissing();
     void nameRecogniser(Job &job, bool anythingKept) const;
-    SoundTask taskOf(AudioReader &reader, std::vector<Piece> pieces);
-    void takeSamples(std::vector<int16_t> &samples, AudioReader &reader, const Segment &segment,
-                     qint64 tailMs = 0);
     void noteBeginning(const SoundTask &task);
     void attend(Decoders &decoders);
     void keepTask(const SoundTask &task, const Heard &heard);
-    void countSpeech(const std::vector<Segment> &segments);
-    qint64 done(qint64 heardMs) const;
-    qint64 whole() const;
-    qint64 speakerSeconds(double speechSeconds) const;
-    void showPlanning(double readSeconds);
-    void showProgress(qint64 done, qint64 whole);
-    std::vector<Turn> findTurns(const std::vector<Segment> &segments);
+    void measure(const std::vector<Segment> &segments, double recordingSeconds);
+    void showProgress(qint64 done);
+    std::vector<Segment> toldApart(const std::vector<Segment> &segments);
     void finish();
     void write(Transcript &transcript, std::vector<Segment> segments);
     void showParts(int done, int total);
@@ -62,7 +53,7 @@ private:
     Recogniser *m_recogniser = nullptr;
     QString m_title;     // that the text model proposes; empty: none
     qint64 m_keptMs = 0; // of the speech
-    qint64 m_speechMs = 0;
+    WorkMeter m_work;
     JobProgress m_progress;
     QElapsedTimer m_sinceShown;
 };

@@ -2,6 +2,7 @@
 
 #include "core/Failure.h"
 #include "core/Files.h"
+#include "store/Segments.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -3,6 +3,7 @@
 #include "correct/FilesLock.h"
 #include "output/CallDirWriter.h"
 #include "store/Jobs.h"
+#include "store/Segments.h"
 #include "store/Transcripts.h"
 
 #include "Support.h"

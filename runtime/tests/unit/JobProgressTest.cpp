@@ -45,4 +45,59 @@ TEST(JobProgress, aWholeOfNothingIsNoDivisionByZero)
     EXPECT_EQ(JobProgress().advance(0, 0), u"0/1"_s);
 }
 
+namespace {
+
+// A recording and its speech, and what each step of the work counts.
+struct WorkCase
+{
+    double recordingSeconds;
+    qint64 speechMs;
+    bool speakers;
+    qint64 allRead;
+    qint64 nothingHeard;
+    qint64 halfHeard;
+    qint64 allHeard;
+    qint64 halfTold;
+    qint64 whole;
+};
+
+const WorkCase workCases[] = {
+    {30, 10500, false, 0, 0, 5, 11, 11, 11},
+    {600, 300000, false, 10, 10, 160, 310, 310, 310},
+    {600, 300000, true, 10, 10, 160, 310, 318, 326},
+    {600, 1, true, 10, 10, 10, 11, 11, 12},
+    {600, 0, true, 10, 10, 10, 10, 10, 11},
+    {0, 0, false, 0, 0, 0, 0, 0, 0},
+};
+
+} // namespace
+
+TEST(WorkMeter, countsSecondsOfSpeech)
+{
+    for (const WorkCase &row : workCases) {
+        SCOPED_TRACE(testing::Message() << row.recordingSeconds << " s, " << row.speechMs << " ms");
+        const WorkMeter meter(row.recordingSeconds, row.speechMs, row.speakers);
+        EXPECT_EQ(meter.read(0), 0);
+        EXPECT_EQ(meter.read(row.recordingSeconds), row.allRead);
+        EXPECT_EQ(meter.read(row.recordingSeconds + 3600), row.allRead);
+        EXPECT_EQ(meter.heard(0), row.nothingHeard);
+        EXPECT_EQ(meter.heard(row.speechMs / 2), row.halfHeard);
+        EXPECT_EQ(meter.heard(row.speechMs), row.allHeard);
+        EXPECT_EQ(meter.told(0, 8), row.allHeard);
+        EXPECT_EQ(meter.told(4, 8), row.halfTold);
+        EXPECT_EQ(meter.told(8, 8), row.whole);
+        EXPECT_EQ(meter.whole(), row.whole);
+    }
+}
+
+TEST(WorkMeter, ofAnUnreadRecordingIsTheMostThatItCanBe)
+{
+    for (const bool speakers : {false, true}) {
+        const WorkMeter unread = WorkMeter::ofUnread(600, speakers);
+        EXPECT_EQ(unread.read(300), 5);
+        EXPECT_EQ(unread.whole(), WorkMeter(600, 600000, speakers).whole());
+        EXPECT_GT(unread.whole(), WorkMeter(600, 590000, speakers).whole());
+    }
+}
+
 } // namespace engine

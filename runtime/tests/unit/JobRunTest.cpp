@@ -2,6 +2,7 @@
 
 #include "core/Cores.h"
 #include "output/CallDirWriter.h"
+#include "store/Segments.h"
 #include "store/Transcripts.h"
 #include "text/CleanText.h"
 
