@@ -23,7 +23,8 @@ QProcessEnvironment environmentFor(const QTemporaryDir &home)
 QList<qint16> numbers(const QByteArray &bytes)
 {
     QList<qint16> result(bytes.size() / qsizetype(sizeof(qint16)));
-    std::memcpy(result.data(), bytes.constData(), size_t(result.size()) * sizeof(qint16));
+    if (!result.isEmpty()) // nothing has no address to copy from
+        std::memcpy(result.data(), bytes.constData(), size_t(result.size()) * sizeof(qint16));
     return result;
 }
 
