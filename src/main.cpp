@@ -105,7 +105,7 @@ int transcribe(Defaults &defaults, const Options &options)
     QObject::connect(&delegate, &AppDelegate::startFinished, &view, &TerminalView::showStartFinished);
     QObject::connect(&delegate, &AppDelegate::failureReported, &view, &TerminalView::showFailure);
     QObject::connect(&delegate, &AppDelegate::flashed, &view, &TerminalView::showPassing);
-    QObject::connect(&view, &TerminalView::finished, qApp, [](int status) { QCoreApplication::exit(status); },
+    QObject::connect(&view, &TerminalView::finished, &view, [](int status) { QCoreApplication::exit(status); },
                      Qt::QueuedConnection);
     QObject::connect(&interrupts, &Interrupts::interrupted, &view, [&] {
         view.showInterrupted(delegate.jobs(), delegate.keepsQueue());
