@@ -19,6 +19,7 @@
 #include <QTextStream>
 #include <QTranslator>
 
+#include <csignal>
 #include <malloc.h>
 
 using namespace tuppi;
@@ -193,6 +194,7 @@ int runWindow(int argc, char *argv[], const Options &options)
 int main(int argc, char *argv[])
 {
     keepMemoryLow();
+    std::signal(SIGCHLD, SIG_DFL); // where whoever started us ignores it, how a command ended is not to be had
     nameApplication();
     QStringList arguments;
     for (int index = 1; index < argc; ++index)

@@ -25,9 +25,9 @@ NOT_KEPT = "Not transcribed, and not kept: "
 class Running:
     """A program at work whose output is read as it comes."""
 
-    def __init__(self, engine, arguments, stdout=subprocess.PIPE):
+    def __init__(self, engine, arguments, stdout=subprocess.PIPE, **options):
         self.process = subprocess.Popen([PROGRAM, *arguments], env=engine.environment, stdin=subprocess.DEVNULL,
-                                        stdout=stdout, stderr=subprocess.PIPE, start_new_session=True)
+                                        stdout=stdout, stderr=subprocess.PIPE, start_new_session=True, **options)
         self._texts = {"out": b"", "err": b""}
         self._threads = [threading.Thread(target=self._read, args=("err", self.process.stderr.fileno()))]
         if self.process.stdout:
@@ -90,8 +90,8 @@ class TranscribeTest(unittest.TestCase):
         self.addCleanup(running.stop)
         return running
 
-    def run_to_end(self, *arguments):
-        running = self.start(*arguments)
+    def run_to_end(self, *arguments, **options):
+        running = self.start(*arguments, **options)
         running.status = running.end()
         return running
 
@@ -100,6 +100,11 @@ class TranscribeTest(unittest.TestCase):
 
 
 class Outcomes(TranscribeTest):
+    def test_what_the_starter_ignores_does_not_hide_how_a_command_ended(self):
+        self.engine.keep_book("ready")
+        run = self.run_to_end(self.one, preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
+        self.assertEqual((run.status, run.err), (0, ""))
+
     def test_all_ready_is_0_with_a_line_per_step_and_the_call_dirs_at_the_end(self):
         self.engine.keep_book("ready")
         run = self.run_to_end(self.one, self.two)
