@@ -41,6 +41,7 @@ void AppDelegate::applicationDidFinishLaunching(Face face)
 {
     restoreWaiting();
     if (face == Face::Terminal) {
+        keepAwake();
         startWork();
         return;
     }

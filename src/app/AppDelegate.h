@@ -215,6 +215,7 @@ private:
     /// Shows a page of the web in the person's browser.
     void openPage(const QUrl &page);
     void followDesktop();
+    void keepAwake();
     MediaLengths &mediaLengths();
     SoundPlayer &soundPlayer();
     void soundStarted(const QString &name, bool loaded, bool plays);

@@ -21,10 +21,21 @@ void AppDelegate::followDesktop()
     MotionPolicy &policy = m_ui.stage->motion;
     connect(m_platform.motion.get(), &ReducedMotion::changed, &policy, &MotionPolicy::setReducedMotion);
     policy.setReducedMotion(m_platform.motion->isReduced());
-    m_platform.sleep = std::make_unique<SleepInhibitor>(session, QDBusConnection::systemBus(),
+    keepAwake();
+}
+
+/// While work is under way. What follows a job or a start is known after the next poll: sleep would be let in between.
+void AppDelegate::keepAwake()
+{
+    m_platform.sleep = std::make_unique<SleepInhibitor>(QDBusConnection::sessionBus(), QDBusConnection::systemBus(),
                                                         L(u"A recording is being transcribed"_s));
-    connect(this, &AppDelegate::refreshed, m_platform.sleep.get(),
-            [this] { m_platform.sleep->setInhibited(IsWorkUnderWay(m_jobs)); });
+    const auto follow = [this](bool polled) {
+        const bool wanted = IsWorkUnderWay(m_jobs) && !m_jobs.engineBroken;
+        if (wanted || polled || m_jobs.engineBroken)
+            m_platform.sleep->setInhibited(wanted);
+    };
+    connect(this, &AppDelegate::refreshed, m_platform.sleep.get(), [follow] { follow(false); });
+    connect(this, &AppDelegate::polled, m_platform.sleep.get(), [follow] { follow(true); });
 }
 
 } // namespace tuppi
