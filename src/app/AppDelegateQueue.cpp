@@ -68,8 +68,8 @@ void AppDelegate::saveWaiting()
     if (m_jobs.interruptedStart) {
         start = [record = *m_jobs.interruptedStart] { return StoredStart(record); };
     } else if (m_jobs.starting) {
-        start = [entry = m_jobs.startingEntry, before = m_jobs.beforeStart] {
-            return StoredStart({entry, before ? std::optional(JobIds(*before)) : std::nullopt});
+        start = [entry = m_jobs.startingEntry, at = m_jobs.startedAt, before = m_jobs.beforeStart] {
+            return StoredStart({entry, before ? std::optional(JobIds(*before)) : std::nullopt, at});
         };
     }
     const auto values = [waiting = m_jobs.waiting, start]() -> QVariantMap {
@@ -111,6 +111,7 @@ void AppDelegate::startNextIfIdle()
     if (!MayStartNext(m_jobs))
         return;
     m_jobs.startingEntry = m_jobs.waiting.takeFirst();
+    m_jobs.startedAt = QDateTime::currentSecsSinceEpoch();
     m_jobs.starting = true;
     m_jobs.beforeStart = m_jobs.loaded ? m_jobs.history : nullptr;
     if (m_queue.owned)

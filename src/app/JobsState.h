@@ -29,6 +29,7 @@ struct JobsState
     unsigned pollTick = 0;        ///< timer ticks so far
     bool starting = false;        ///< a start is in flight
     WaitingEntry startingEntry;   ///< the file of that start
+    qint64 startedAt = 0;         ///< when it began, seconds since 1970
     HistoryPointer beforeStart;   ///< the last usable history before it, null when there was none
     int startGeneration = 0;      ///< starts completed so far
     std::optional<StartRecord> interruptedStart;  ///< of an earlier run, its fate not yet known

@@ -10,14 +10,22 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A job that is not known and may be that file's: one under way still has the file's title, so that another title tells
-/// the job of somebody else's start.
-bool hasJobBeyond(const QStringList &knownJobs, const QString &title, const JobList &jobs)
+/// Whether a job may be of that start. One under way still has its file's title; one that has ended may have got
+/// another, but did not end before the start.
+bool mayBeOf(const StartRecord &record, const JobList &jobs, qsizetype index)
 {
-    const QSet<QString> known(knownJobs.begin(), knownJobs.end());
+    if (IsActiveStage(jobs.statusAt(index)))
+        return IsTitleOfFile(jobs.titleAt(index), WaitingPath(record.entry));
+    const qint64 completedAt = jobs.noteAt(index).completedAt;
+    return completedAt == JobNote::unknownTime || completedAt / 1000 >= record.startedAt;
+}
+
+/// A job that was not known before the start and may be of it.
+bool hasJobBeyond(const StartRecord &record, const JobList &jobs)
+{
+    const QSet<QString> known(record.knownJobs->begin(), record.knownJobs->end());
     for (qsizetype index = 0; index < jobs.size(); ++index) {
-        const bool isOurs = !IsActiveStage(jobs.statusAt(index)) || jobs.titleAt(index) == title;
-        if (isOurs && !known.contains(jobs.idAt(index)))
+        if (mayBeOf(record, jobs, index) && !known.contains(jobs.idAt(index)))
             return true;
     }
     return false;
@@ -30,6 +38,8 @@ QVariantMap StoredStart(const StartRecord &record)
     QVariantMap stored = StoredEntry(record.entry);
     if (record.knownJobs)
         stored.insert(u"knownJobs"_s, *record.knownJobs);
+    if (record.startedAt != 0)
+        stored.insert(u"startedAt"_s, record.startedAt);
     return stored;
 }
 
@@ -38,7 +48,7 @@ std::optional<StartRecord> RestoredStart(const QVariant &stored)
     const QVariantMap record = stored.toMap();
     if (record.value(u"path"_s).toString().isEmpty())
         return std::nullopt;
-    StartRecord start{EntryFromStored(record), std::nullopt};
+    StartRecord start{EntryFromStored(record), std::nullopt, record.value(u"startedAt"_s).toLongLong()};
     if (record.contains(u"knownJobs"_s))
         start.knownJobs = record.value(u"knownJobs"_s).toStringList();
     return start;
@@ -56,7 +66,7 @@ QStringList JobIds(const History &history)
 StartFate FateOfStart(const StartRecord &record, const History &history, bool commandEnded)
 {
     // Without a list to compare with, a file transcribed twice is the smaller harm.
-    if (record.knownJobs && hasJobBeyond(*record.knownJobs, TitleOfFile(WaitingPath(record.entry)), history.entries))
+    if (record.knownJobs && hasJobBeyond(record, history.entries))
         return StartFate::Taken;
     return commandEnded ? StartFate::NotTaken : StartFate::Unknown;
 }

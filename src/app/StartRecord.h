@@ -17,6 +17,7 @@ struct StartRecord
     WaitingEntry entry;
     /// Ids of the jobs known before the start; none when the engine had given no usable history yet.
     std::optional<QStringList> knownJobs;
+    qint64 startedAt = 0; ///< seconds since 1970; 0 when an earlier version has not kept it
 };
 
 QVariantMap StoredStart(const StartRecord &record);

@@ -43,6 +43,11 @@ QString TitleOfFile(const QString &path)
     return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
 }
 
+bool IsTitleOfFile(const QString &title, const QString &path)
+{
+    return title.simplified() == TitleOfFile(path).simplified();
+}
+
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices)
 {
     const WaitingEntry chosen{{u"engine"_s, choices.engine},

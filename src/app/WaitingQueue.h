@@ -26,6 +26,8 @@ QString WaitingPath(const WaitingEntry &entry);
 /// The title that a file has until the engine gives its job another: its name without the extension; a name that is an
 /// extension alone stands whole.
 QString TitleOfFile(const QString &path);
+/// Whether a job's title may be that file's: the engine tidies up the blanks of names.
+bool IsTitleOfFile(const QString &title, const QString &path);
 
 /// Appends an entry for each file that is not waiting yet (compared by full path), in order.
 void AddWaiting(WaitingQueue &queue, const QStringList &paths, const StartChoices &choices);

@@ -40,7 +40,7 @@ bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
     const QString title = jobs.titleAt(index);
     const auto file = std::find_if(m_files.begin(), m_files.end(), [&](const FollowedFile &candidate) {
         return candidate.handedOver && candidate.jobId.isEmpty() && !candidate.refused
-            && (anyTitle || candidate.title == title);
+            && (anyTitle || IsTitleOfFile(title, candidate.path));
     });
     if (file == m_files.end())
         return false;

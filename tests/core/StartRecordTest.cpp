@@ -36,7 +36,7 @@ TEST(StartRecord, ComesBackFromTheStore)
          {std::optional<QStringList>(), std::optional(QStringList()), std::optional(QStringList{u"a"_s, u"b"_s})}) {
         {
             Defaults defaults(folder.filePath(u"settings.json"_s));
-            ASSERT_TRUE(defaults.setValue(u"startInFlight"_s, StoredStart({entryOf(u"/x.m4a"_s), known})));
+            ASSERT_TRUE(defaults.setValue(u"startInFlight"_s, StoredStart({entryOf(u"/x.m4a"_s), known, 1'800'000'000})));
         }
         const QString copy = folder.filePath(u"copy.json"_s);
         QFile::remove(copy);
@@ -45,6 +45,7 @@ TEST(StartRecord, ComesBackFromTheStore)
         ASSERT_TRUE(restored);
         EXPECT_EQ(restored->entry, entryOf(u"/x.m4a"_s));
         EXPECT_EQ(restored->knownJobs, known);
+        EXPECT_EQ(restored->startedAt, 1'800'000'000);
     }
 }
 
@@ -112,6 +113,7 @@ struct OwnerCase
     const char *name;
     const char *jobs;
     StartFate expected;
+    QString path = u"/talks/x.m4a"_s;
 };
 
 class OwnerTable : public testing::TestWithParam<OwnerCase>
@@ -120,7 +122,7 @@ class OwnerTable : public testing::TestWithParam<OwnerCase>
 
 TEST_P(OwnerTable, Fate)
 {
-    const StartRecord record{entryOf(u"/talks/x.m4a"_s), QStringList{u"a"_s}};
+    const StartRecord record{entryOf(GetParam().path), QStringList{u"a"_s}, 1'800'000'000}; // 2027-01-15T08:00:00Z
     const History history = ArrangeHistory(test::array(GetParam().jobs));
     EXPECT_EQ(FateOfStart(record, history, true), GetParam().expected);
 }
@@ -132,6 +134,12 @@ const OwnerCase ownerCases[]{
      R"([{"id":"c","title":"y","status":"transcribing"},{"id":"b","title":"x","status":"queued"}])", StartFate::Taken},
     {"EndedWithATitleOfItsOwn", R"([{"id":"b","title":"The budget","status":"ready"}])", StartFate::Taken},
     {"KnownWithTheFilesTitle", R"([{"id":"a","title":"x","status":"queued"}])", StartFate::NotTaken},
+    {"UnderWayWithTheNameTidiedUp", R"([{"id":"b","title":"a b at 10.22 AM","status":"queued"}])", StartFate::Taken,
+     u"/talks/a  b at 10.22\u202fAM .m4a"_s},
+    {"EndedInTheSecondOfTheStart",
+     R"([{"id":"b","title":"The budget","status":"ready","completed_at":"2027-01-15T08:00:00Z"}])", StartFate::Taken},
+    {"EndedBeforeTheStart",
+     R"([{"id":"b","title":"x","status":"ready","completed_at":"2027-01-15T07:59:59Z"}])", StartFate::NotTaken},
 };
 
 INSTANTIATE_TEST_SUITE_P(StartRecord, OwnerTable, testing::ValuesIn(ownerCases), test::caseName);
