@@ -2,6 +2,9 @@
 
 #include "app/Scheduler.h"
 
+#include <QFileSystemWatcher>
+#include <QSignalSpy>
+
 using namespace Qt::StringLiterals;
 using namespace tuppi;
 using test::Answer;
@@ -46,14 +49,25 @@ TEST_F(MainLoop, OnePollIsInFlightAtATime)
     m_engine.answerCall(u"status"_s, 1, Answer{"{}"}.heldAt("status"));
     prepare();
     m_app->watchEngineState();
+    QFileSystemWatcher watch({m_engine.stateFolder()});
+    const QSignalSpy changed(&watch, &QFileSystemWatcher::directoryChanged);
+    const auto changeTheFolder = [&] {
+        const qsizetype before = changed.count();
+        m_engine.touchState();
+        const bool seen = waitFor([&] { return changed.count() > before; });
+        settle();
+        return seen;
+    };
     for (int i = 0; i < 3; ++i)
         m_app->poll();
     ASSERT_TRUE(waitFor([&] { return m_engine.count(u"history"_s) == 1; }));
     m_app->poll();
+    ASSERT_TRUE(changeTheFolder());
     m_engine.openGate("history");
     ASSERT_TRUE(waitFor([&] { return m_engine.count(u"status"_s) == 1; }));
     m_app->poll();
     m_app->tick();
+    ASSERT_TRUE(changeTheFolder());
     m_engine.openGate("status");
     poll();
     EXPECT_EQ(m_engine.count(u"history"_s), 2);
