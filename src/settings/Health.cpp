@@ -17,7 +17,7 @@ ToneText lineOf(const QJsonObject &item)
     const QString mark = ok ? u"✓"_s : spare ? u"–"_s : u"✗"_s;
     const QString suffix = spare ? u"  "_s + L(u"(optional, not installed)"_s) : QString();
     const Tone tone = ok ? Tone::Good : spare ? Tone::Quiet : Tone::Attention;
-    return {Fill(L(u"%@  %@%@"_s), {mark, L(item.value("check"_L1).toString()), suffix}), tone};
+    return {Fill(L(u"%@  %@%@"_s), {mark, item.value("check"_L1).toString(), suffix}), tone};
 }
 
 ToneText summaryOf(int needing)

@@ -8,6 +8,8 @@
 #include "settings/SettingsChoices.h"
 #include "support/Support.h"
 
+#include <QCoreApplication>
+#include <QTemporaryDir>
 #include <QUrl>
 
 #include <limits>
@@ -115,6 +117,18 @@ INSTANTIATE_TEST_SUITE_P(
                    {{u"✗  "_s, Tone::Attention}, {u"✗  "_s, Tone::Attention}, {u"✗  "_s, Tone::Attention}}},
         HealthCase{"placeholders", R"([{"check":"100 %@ %d","ok":true}])", ready, {{u"✓  100 %@ %d"_s, Tone::Good}}}),
     test::caseName);
+
+TEST(Health, WhatIsCheckedStandsAsTheEngineGivesIt)
+{
+    const QTemporaryDir folder;
+    test::writeFile(folder.filePath(u"uk.json"_s), R"json({"Ollama":"Оллама","(optional, not installed)":"(необов’язково)"})json");
+    LocalTable table;
+    ASSERT_TRUE(table.loadTable(folder.filePath(u"uk.json"_s)));
+    QCoreApplication::installTranslator(&table);
+    const HealthReport report = ReportHealth(array(R"([{"check":"Ollama","ok":false,"optional":true}])"));
+    QCoreApplication::removeTranslator(&table);
+    EXPECT_EQ(report.lines, (QList<ToneText>{{u"–  Ollama  (необов’язково)"_s, Tone::Quiet}}));
+}
 
 TEST(Health, NoReplyIsAMissingEngine)
 {

@@ -163,7 +163,7 @@ def texts_of(tree):
 
 # What the engine says
 
-FAILURES = {"Failure": 0, "usageFailure": 0, "report": 0, "fail": 1, "check": 0, "remark": 0}
+FAILURES = {"Failure": 0, "usageFailure": 0, "report": 0, "fail": 1, "remark": 0}
 SYSTEM_FAILURES = {"systemFailure": 0, "makeFolder": 1}
 
 
