@@ -1,6 +1,7 @@
 #include "speakers/SpeakerLines.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -59,20 +60,19 @@ private:
 
 } // namespace
 
-std::vector<Segment> cutBySpeaker(const std::vector<Segment> &segments, const std::vector<Turn> &turns)
+std::vector<Segment> cutBySpeaker(std::vector<Segment> segments, const std::vector<Turn> &turns)
 {
     if (turns.empty())
         return segments;
     std::vector<Segment> parts;
     SpeakerOfWord speakerOf(turns);
     Names names;
-    for (const Segment &segment : segments) {
-        parts.push_back(segment);
-        parts.back().number = int(parts.size()) - 1;
-        if (segment.text().isEmpty())
+    for (Segment &segment : segments) {
+        parts.push_back({int(parts.size()), segment.startMs, segment.endMs, std::move(segment.words)});
+        if (parts.back().text().isEmpty())
             continue;
-        parts.back().words->clear();
-        for (const Word &word : *segment.words) {
+        std::vector<Word> words = *std::exchange(parts.back().words, std::vector<Word>{});
+        for (Word &word : words) {
             const QString name = names.of(speakerOf(word));
             Segment &part = parts.back();
             if (!part.words->empty() && part.speaker != name) {
@@ -80,7 +80,7 @@ std::vector<Segment> cutBySpeaker(const std::vector<Segment> &segments, const st
                 parts.push_back({part.number + 1, word.startMs, segment.endMs, std::vector<Word>{}, name});
             }
             parts.back().speaker = name;
-            parts.back().words->push_back(word);
+            parts.back().words->push_back(std::move(word));
         }
     }
     return parts;

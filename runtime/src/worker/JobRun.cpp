@@ -16,6 +16,7 @@
 #include "worker/TextModel.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -212,30 +213,31 @@ void JobRun::showProgress(qint64 done)
     m_sinceShown.restart();
 }
 
-std::vector<Segment> JobRun::toldApart(const std::vector<Segment> &segments)
+std::vector<Segment> JobRun::toldApart(std::vector<Segment> segments)
 {
-    return cutBySpeaker(
-        segments,
-        speakerTurns(
-            audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
-            [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); }));
+    const std::vector<Turn> turns = speakerTurns(
+        audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
+        [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); });
+    return cutBySpeaker(std::move(segments), turns);
 }
 
+// Of a long recording every copy of its words counts: one shape of them is given up as the next one is made.
 void JobRun::finish()
 {
+    const QString language = m_control.job().language;
     std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (std::ranges::all_of(segments, [](const Segment &segment) { return segment.text().isEmpty(); }))
         throw Failure(silenceError.toString());
     if (m_control.job().speakers)
-        segments = toldApart(segments);
-    Transcript transcript;
-    {
-        const std::vector<Segment> lines = asLines(segments, m_control.job().language);
-        transcript.lines = linesFrom(lines);
-        transcript.clean = plainText(lines);
-    }
+        segments = toldApart(std::move(segments));
+    std::vector<Sentence> sentences;
     if (m_control.job().clean || m_control.job().analyze)
-        write(transcript, std::move(segments));
+        sentences = cleanSentences(segments, language);
+    segments = asLines(std::move(segments), language);
+    Transcript transcript;
+    transcript.clean = plainText(segments);
+    transcript.lines = linesFrom(std::exchange(segments, {}));
+    write(transcript, std::exchange(sentences, {}));
     keep(transcript);
 }
 
@@ -245,11 +247,9 @@ void JobRun::showParts(int done, int total)
 }
 
 // By the text model, where there is one that answers; else by rules.
-void JobRun::write(Transcript &transcript, std::vector<Segment> segments)
+void JobRun::write(Transcript &transcript, const std::vector<Sentence> &sentences)
 {
     const QString language = m_control.job().language;
-    const std::vector<Sentence> sentences = cleanSentences(segments, language);
-    segments = {}; // of a long recording, every copy of its words counts
     TextModel model(m_database, m_control);
     const auto ask = [&](const ModelQuestion &question) { return model.ask(question); };
     const auto show = [&](int done, int total) { showParts(done, total); };

@@ -38,9 +38,9 @@ private:
     void keepTask(const SoundTask &task, const Heard &heard);
     void measure(const std::vector<Segment> &segments, double recordingSeconds);
     void showProgress(qint64 done);
-    std::vector<Segment> toldApart(const std::vector<Segment> &segments);
+    std::vector<Segment> toldApart(std::vector<Segment> segments);
     void finish();
-    void write(Transcript &transcript, std::vector<Segment> segments);
+    void write(Transcript &transcript, const std::vector<Sentence> &sentences);
     void showParts(int done, int total);
     void keep(Transcript &transcript);
     void enter(QStringView stage);
