@@ -47,6 +47,7 @@ Answer Answer::heldAt(const QByteArray &gate) const
 {
     Answer held = *this;
     held.before = "wait_for '" + gate + "'\n" + held.before;
+    held.after = ": >\"$root/gates/" + gate + ".passed\"\n" + held.after;
     return held;
 }
 
@@ -121,6 +122,12 @@ void ScriptedEngine::answerCall(const QString &subcommand, int nth, const Answer
 void ScriptedEngine::openGate(const QByteArray &gate)
 {
     writeFile(path(u"gates/"_s + QString::fromUtf8(gate)), {});
+}
+
+bool ScriptedEngine::letPass(const QByteArray &gate)
+{
+    openGate(gate);
+    return waitFor([&] { return QFile::exists(path(u"gates/%1.passed"_s.arg(QString::fromUtf8(gate)))); });
 }
 
 void ScriptedEngine::keepBook(const QByteArray &firstStatus)

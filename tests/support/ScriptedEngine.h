@@ -51,6 +51,8 @@ public:
     void answerHistory(const QByteArray &out) { answer(QStringLiteral("history"), {out}); }
     void answerStatus(const QByteArray &out) { answer(QStringLiteral("status"), {out}); }
     void openGate(const QByteArray &gate);
+    /// Opens the gate; true once an answer that was held at it has been written.
+    bool letPass(const QByteArray &gate);
 
     /// "process" puts a job into a book, "history" lists it. `firstStatus`: the status that a job begins with.
     void keepBook(const QByteArray &firstStatus);
