@@ -28,7 +28,8 @@ struct Answer
 };
 
 /// An engine of the test's own under a temporary home, which HOME points to while the object lives. It records
-/// every argument list exactly and answers as told; without an answer a call ends well and says nothing.
+/// every argument list exactly and answers as told; without an answer a subcommand of the engine ends well and says
+/// nothing. What is none can be neither called nor answered.
 class ScriptedEngine
 {
 public:
@@ -70,6 +71,7 @@ public:
 
 private:
     QString storeAnswer(const Answer &answer);
+    void setAnswer(const QString &subcommand, const QString &calls, const Answer &answer);
 
     QTemporaryDir m_root;
     HomeFolder m_home;
