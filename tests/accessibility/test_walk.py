@@ -176,7 +176,6 @@ class Walk(unittest.TestCase):
         self.engine.answer("doctor", json.dumps(CHECKS))
         self.engine.answer("process", before="wait_for taken")
         self.engine.answer("pause", err="Error: the engine is busy\n", status=1)
-        self.engine.answer("model", err="Error: no such model\n", status=1)
         environment = dict(self.engine.environment, XDG_RUNTIME_DIR=os.environ["XDG_RUNTIME_DIR"],
                            QTWEBENGINE_DISABLE_SANDBOX="1", QT_ACCESSIBILITY="1")
         Atspi.init()

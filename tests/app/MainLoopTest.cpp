@@ -90,8 +90,7 @@ protected:
         poll();
         const int asked = m_engine.count(held);
         m_engine.answerCall(held, asked + 1,
-                            Answer{held == u"history"_s ? working : library, {}, 0, {}, R"(echo end >"$root/older")"}
-                                .heldAt("older"));
+                            Answer{held == u"history"_s ? working : library}.heldAt("older"));
         m_app->poll();
         ASSERT_TRUE(waitFor([&] { return m_engine.count(held) == asked + 1; }));
         m_engine.answerHistory(R"([{"id":"a","status":"transcribing","paused":true}])");
@@ -100,8 +99,7 @@ protected:
     }
     void letTheOlderPollEnd()
     {
-        m_engine.openGate("older");
-        ASSERT_TRUE(waitFor([&] { return QFile::exists(m_engine.path(u"older"_s)); }));
+        ASSERT_TRUE(m_engine.letPass("older"));
         settle();
         settle();
     }

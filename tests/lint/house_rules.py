@@ -25,9 +25,9 @@ MAY_INCLUDE = {
     "core": {"core"},
     "platform": {"core", "platform"},
     "widgets": {"core", "widgets"},
-    "viewer": {"core", "platform", "widgets", "viewer"},
-    "app": {"core", "platform", "widgets", "viewer", "app"},
-    "main": {"core", "platform", "widgets", "viewer", "app", "main"},
+    "viewer": {"core", "widgets", "viewer"},
+    "app": {"core", "platform", "widgets", "app"},
+    "main": {"core", "platform", "widgets", "app", "main"},
 }
 # The folders of runtime/src/, from the ground up, and which of those below each may include.
 ENGINE_FLOORS = {

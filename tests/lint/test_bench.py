@@ -77,6 +77,12 @@ class ThePage(unittest.TestCase):
         del self.programs["one"]
         self.assertEqual([row[0] for row in self.run_benches()], ["two"])
 
+    def test_one_with_a_table_of_its_own_has_no_row(self):
+        self.programs["tables"] = self.program("echo 'RESULT speed | 3'")
+        self.assertEqual([row[0] for row in self.run_benches()], ["one", "two"])
+        self.assertNotIn("tables:", self.text)
+        self.assertNotIn("Nothing is written down", self.text)
+
     def test_a_name_that_is_none_is_refused(self):
         with self.assertRaisesRegex(SystemExit, "no benchmark is called three; there are one, two"):
             self.run_benches("three")
@@ -86,6 +92,7 @@ class TheFolder(unittest.TestCase):
     def test_scripts_and_programs_are_found(self):
         found = bench.benchmarks("/build")
         self.assertEqual(found["start-up"][1:], ["--build", "/build"])
+        self.assertEqual(found["tables"][1:], ["--build", "/build", "--write"])
         self.assertEqual(found["spine"], ["/build/benchmarks/spine/bench_spine"])
         self.assertNotIn("run", found)
 

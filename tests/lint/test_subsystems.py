@@ -1,8 +1,9 @@
-"""Every test that docs/subsystems.md names is there, and so is every folder."""
+"""Every test that docs/subsystems.md names is there and runs as it says, and every folder is there."""
 
 import glob
 import os
 import re
+import subprocess
 import unittest
 
 ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
@@ -44,6 +45,18 @@ def named(page):
     return [name for row in rows for name in re.findall(r"`([^`]+)`", row[-1])]
 
 
+def chosen_by(name):
+    """What ctest -R is given for a test."""
+    return name.split(".")[0].removeprefix("test_")
+
+
+def entries():
+    """The names that ctest knows."""
+    listed = subprocess.run([os.environ["CTEST"], "--test-dir", os.environ["TUPPI_BUILD"], "-N"], check=True,
+                            capture_output=True, text=True).stdout
+    return re.findall(r"^  Test +#\d+: (\S+)", listed, re.M)
+
+
 class TheSubsystems(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -77,6 +90,15 @@ class TheSubsystems(unittest.TestCase):
                  if os.path.exists(os.path.join(ROOT, "tests", name, "CMakeLists.txt"))}
         self.assertIn("keyboard", there)
         self.assertEqual(sorted(there - told), [])
+
+    def test_every_test_is_run_as_told(self):
+        entry_names = entries()
+        if any(name.endswith("NOT_BUILT") for name in entry_names):
+            self.skipTest("only what is built lists its tests")
+        choices = {chosen_by(name) for name in named(self.page)}
+        choices.update(re.findall(r"\./test -R (\w+)", read(os.path.join(ROOT, "CONTRIBUTING.md"))))
+        self.assertIn("Scheduling", choices)
+        self.assertEqual([choice for choice in sorted(choices) if not any(choice in name for name in entry_names)], [])
 
     def test_a_name_that_is_none(self):
         self.assertEqual(named("| a | `b` | `No.Such`, `Test.AtAll` |"), ["No.Such", "Test.AtAll"])

@@ -35,6 +35,14 @@ class Papers(unittest.TestCase):
             self.assertEqual((done.returncode, done.stderr), (0, ""), page.name)
             self.assertIn("NAME", done.stdout)
 
+    def test_the_manual_has_every_option_of_the_application(self):
+        page = manual(PACKAGING / "man/tuppi-transcriber.1", width=80).stdout
+        program = pathlib.Path(os.environ["TUPPI_BUILD"]) / "tuppi-transcriber"
+        told = subprocess.run([program, "--help"], stdout=subprocess.PIPE, text=True, check=True).stdout
+        options = re.findall(r"^  (-.*?)(?:  |$)", told, re.M)
+        self.assertIn("--model <ID>", options)
+        listed = re.findall(r"^ {7}(-.*)$", page.split("OPTIONS")[1].split("EXIT STATUS")[0], re.M)
+        self.assertEqual(sorted(listed), sorted(re.sub("[<>]", "", option) for option in options))
 
     def test_the_manual_has_every_command_and_variable_of_the_engine(self):
         page = " ".join(manual(PACKAGING / "man/tuppi-engine.1", width=1000).stdout.split())

@@ -31,6 +31,13 @@ private:
     int m_descriptor;
 };
 
+/// What call.bash knows.
+QStringList Subcommands()
+{
+    const QString script = QString::fromUtf8(readFile(QStringLiteral(TUPPI_SCRIPTED_CALL)));
+    return script.section(u"\ncommands='"_s, 1).section(u'\'', 0, 0).simplified().split(u' ');
+}
+
 } // namespace
 
 Answer Answer::failure(int status, const QByteArray &err)
@@ -47,6 +54,7 @@ Answer Answer::heldAt(const QByteArray &gate) const
 {
     Answer held = *this;
     held.before = "wait_for '" + gate + "'\n" + held.before;
+    held.after = ": >\"$root/gates/" + gate + ".passed\"\n" + held.after;
     return held;
 }
 
@@ -108,19 +116,32 @@ QString ScriptedEngine::storeAnswer(const Answer &answer)
     return name;
 }
 
+void ScriptedEngine::setAnswer(const QString &subcommand, const QString &calls, const Answer &answer)
+{
+    if (!Subcommands().contains(subcommand))
+        qFatal("The engine has no subcommand “%s” to answer", qUtf8Printable(subcommand));
+    replaceFile(path(u"answers/"_s + subcommand + calls), storeAnswer(answer).toUtf8() + '\n');
+}
+
 void ScriptedEngine::answer(const QString &subcommand, const Answer &answer)
 {
-    replaceFile(path(u"answers/"_s + subcommand), storeAnswer(answer).toUtf8() + '\n');
+    setAnswer(subcommand, {}, answer);
 }
 
 void ScriptedEngine::answerCall(const QString &subcommand, int nth, const Answer &answer)
 {
-    replaceFile(path(u"answers/%1.%2"_s.arg(subcommand).arg(nth)), storeAnswer(answer).toUtf8() + '\n');
+    setAnswer(subcommand, u".%1"_s.arg(nth), answer);
 }
 
 void ScriptedEngine::openGate(const QByteArray &gate)
 {
     writeFile(path(u"gates/"_s + QString::fromUtf8(gate)), {});
+}
+
+bool ScriptedEngine::letPass(const QByteArray &gate)
+{
+    openGate(gate);
+    return waitFor([&] { return QFile::exists(path(u"gates/%1.passed"_s.arg(QString::fromUtf8(gate)))); });
 }
 
 void ScriptedEngine::keepBook(const QByteArray &firstStatus)

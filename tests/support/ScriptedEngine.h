@@ -28,7 +28,8 @@ struct Answer
 };
 
 /// An engine of the test's own under a temporary home, which HOME points to while the object lives. It records
-/// every argument list exactly and answers as told; without an answer a call ends well and says nothing.
+/// every argument list exactly and answers as told; without an answer a subcommand of the engine ends well and says
+/// nothing. What is none can be neither called nor answered.
 class ScriptedEngine
 {
 public:
@@ -51,6 +52,8 @@ public:
     void answerHistory(const QByteArray &out) { answer(QStringLiteral("history"), {out}); }
     void answerStatus(const QByteArray &out) { answer(QStringLiteral("status"), {out}); }
     void openGate(const QByteArray &gate);
+    /// Opens the gate; true once an answer that was held at it has been written.
+    bool letPass(const QByteArray &gate);
 
     /// "process" puts a job into a book, "history" lists it. `firstStatus`: the status that a job begins with.
     void keepBook(const QByteArray &firstStatus);
@@ -68,6 +71,7 @@ public:
 
 private:
     QString storeAnswer(const Answer &answer);
+    void setAnswer(const QString &subcommand, const QString &calls, const Answer &answer);
 
     QTemporaryDir m_root;
     HomeFolder m_home;

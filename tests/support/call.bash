@@ -2,8 +2,12 @@
 #
 # Beside the home folder stand "calls" (one file per call: the number of arguments and the arguments, each ended
 # by NUL), "answers" (SUBCOMMAND.N for the N-th call of a subcommand, else SUBCOMMAND: the name of a folder with
-# "before", "out", "err", "after", "status"), "gates" and "book". Everything ends when that folder is gone.
+# "before", "out", "err", "after", "status"), "gates" and "book". Everything ends when that folder is gone. Without an
+# answer a subcommand of the engine ends well and says nothing.
 
+# What can be answered: the engine's subcommands, and one for tests that wait for all calls before it.
+commands='process history status resume pause continue cancel retry rename hide copy speaker edit split models settings
+doctor settle'
 root=${BASH_SOURCE[0]%/home/Library/*}
 shopt -s nullglob
 exec {never}<>"$root/never"
@@ -73,7 +77,11 @@ nth=$REPLY
 
 choice=$root/answers/$subcommand.$nth
 [[ -e $choice ]] || choice=$root/answers/$subcommand
-[[ -e $choice ]] || exit 0
+if [[ ! -e $choice ]]; then
+    [[ " ${commands//$'\n'/ } " == *" $subcommand "* ]] && exit 0
+    echo "Error: “$subcommand” is not a command." >&2
+    exit 2
+fi
 read -r answer <"$choice"
 answer=$root/answers/$answer
 . "$answer/before"

@@ -60,6 +60,12 @@ class Home:
         return path
 
 
+def subcommands():
+    """What call.bash knows."""
+    with open(CALL, encoding="utf-8") as file:
+        return file.read().split("\ncommands='")[1].split("'")[0].split()
+
+
 class ScriptedEngine(Home):
     def __init__(self):
         super().__init__()
@@ -86,6 +92,8 @@ class ScriptedEngine(Home):
 
     def answer(self, subcommand, out="", err="", status=0, before="", after="", nth=None):
         """Answers every later call of the subcommand so, or only its n-th (from 1)."""
+        if subcommand not in subcommands():
+            raise ValueError(f"the engine has no subcommand “{subcommand}” to answer")
         self._answers += 1
         folder = f"answers/set.{self._answers}"
         os.mkdir(os.path.join(self.root, folder))

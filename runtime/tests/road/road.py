@@ -359,9 +359,12 @@ def results(entry):
 
 class RoadTest(unittest.TestCase):
     maxDiff = None
+    decoders = None  # as many as the computer allows; 1 where a test looks at work that is half done
 
     def engine(self, **options):
         engine = Engine(**options)
+        if self.decoders:
+            engine.environment["TUPPI_DECODERS"] = str(self.decoders)
         self.addCleanup(engine.close)
         return engine
 

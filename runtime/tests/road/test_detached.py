@@ -11,6 +11,8 @@ from road import PATIENCE, QUICK, SENTENCES, RoadTest, main, several, until
 
 
 class Detached(RoadTest):
+    decoders = 1
+
     def setUp(self):
         self.larkspire = self.engine()
         self.path = several(os.path.join(self.larkspire.scratch, "long.wav"), *SENTENCES)

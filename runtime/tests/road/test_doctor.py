@@ -16,6 +16,8 @@ LIST = "List of transcripts"
 
 
 class Doctor(RoadTest):
+    decoders = 1
+
     def setUp(self):
         self.runtime = self.engine()
 

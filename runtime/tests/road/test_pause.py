@@ -8,6 +8,8 @@ from seeded import seed
 
 
 class Pause(RoadTest):
+    decoders = 1
+
     def paused_and_idle(self, engine, job):
         """Paused, and no processor time spent: the worker may stay or go, but it does nothing."""
         steady(engine.ticks, "processor time of a paused job")
