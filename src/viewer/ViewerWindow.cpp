@@ -117,16 +117,20 @@ void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 void ViewerWindow::askForUnsaved()
 {
     if (m_pageGone || m_life == Life::Unloaded) {
-        hearUnsaved({});
+        hearUnsaved({}, {});
         return;
     }
     m_patience.start(pagePatienceMilliseconds);
-    m_view->ask(UnsavedScript(), [this](const QVariant &unsaved) { hearUnsaved(unsaved.toStringList()); });
+    m_view->ask(UnsavedScript(), [this](const QVariant &said) {
+        const QVariantMap texts = said.toMap();
+        hearUnsaved(texts.value(u"unsaved"_s).toStringList(), texts.value(u"failed"_s).toStringList());
+    });
 }
 
-void ViewerWindow::hearUnsaved(const QStringList &unsaved)
+void ViewerWindow::hearUnsaved(const QStringList &unsaved, const QStringList &failed)
 {
     m_unsaved = unsaved;
+    m_failed = failed;
     if (m_unsaved.isEmpty() && m_unanswered == 0)
         goOn(true);
     else if (!m_whenSaved.isEmpty())
@@ -140,6 +144,7 @@ void ViewerWindow::goOn(bool complete)
     for (const std::function<void(bool complete)> &then : all)
         then(complete);
     m_unsaved.clear(); // what the page says next may be long after
+    m_failed.clear();
 }
 
 void ViewerWindow::setZoom(double factor)
@@ -169,8 +174,7 @@ bool ViewerWindow::stay()
 /// The page may still have something to say when it ends.
 void ViewerWindow::end()
 {
-    if (!m_unsaved.isEmpty())
-        lose(L(u"Could not save this change"_s), std::exchange(m_unsaved, {}));
+    losePage(std::exchange(m_unsaved, {}));
     tellLost();
     m_life = Life::Ending;
     m_view->unload();
@@ -183,6 +187,16 @@ void ViewerWindow::leaveWhenAnswered()
         return;
     tellLost();
     deleteLater();
+}
+
+/// What stood in the page alone.
+void ViewerWindow::losePage(const QStringList &unsaved)
+{
+    QStringList written = std::exchange(m_failed, {});
+    written.removeIf([this](const QString &text) { return m_lost.contains(text); }); // failed while the page ended
+    written += unsaved;
+    if (!written.isEmpty())
+        lose(L(u"Could not save this change"_s), written);
 }
 
 void ViewerWindow::lose(const QString &reason, const QStringList &written)
@@ -201,9 +215,7 @@ void ViewerWindow::reportCrash()
 {
     m_pageGone = true;
     // What is with the engine will be answered all the same.
-    const QStringList unposted = std::exchange(m_unsaved, {}).mid(m_unanswered);
-    if (!unposted.isEmpty())
-        lose(L(u"Could not save this change"_s), unposted);
+    losePage(std::exchange(m_unsaved, {}).mid(m_unanswered));
     if (m_life != Life::Open)
         m_life = Life::Unloaded;
     if (!m_whenSaved.isEmpty())

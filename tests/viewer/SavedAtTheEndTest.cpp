@@ -93,6 +93,23 @@ TEST_F(SavedAtTheEnd, AFailureIsToldInTheMainWindowWithWhatWasWritten)
     EXPECT_EQ(savedTexts(), allThree) << "the others are not held up";
 }
 
+TEST_F(SavedAtTheEnd, WhatFailedBeforeIsToldToo)
+{
+    m_engine.answer(u"edit"_s, test::Answer::failure(1, "Error: busy\n"));
+    const QPointer<ViewerWindow> opened = openReal();
+    page(opened)->run(u"saveLater(state.lines[1], 'Typed', 0)"_s);
+    ASSERT_TRUE(becomes(opened, u"tuppiFailed()"_s, R"(["Typed"])"));
+    EXPECT_EQ(sheet(), nullptr) << "the page tells of it, and offers it";
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    EXPECT_FALSE(quit.isAccepted());
+    ASSERT_TRUE(waitFor([&] { return opened.isNull(); }));
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_EQ(sheet()->text().message, u"A correction to “Talk” was not saved"_s);
+    EXPECT_EQ(sheet()->findChild<QPlainTextEdit *>(u"lostText"_s)->toPlainText(), u"Typed"_s);
+    EXPECT_FALSE(m_app->viewer().quitsThen);
+}
+
 TEST_F(SavedAtTheEnd, AnEngineThatHangsIsNotWaitedForForEver)
 {
     const QPointer<ViewerWindow> opened = openWithThreeEdits();

@@ -31,11 +31,12 @@ public:
     void setZoom(double) override { }
 
     void post(const QString &text) { onMessage({{u"text"_s, text}}); }
-    void sayUnsaved(const QStringList &texts)
+    void sayUnsaved(const QStringList &texts, const QStringList &failed = {})
     {
+        const QVariantMap said{{u"unsaved"_s, texts}, {u"failed"_s, failed}};
         const QList<std::function<void(const QVariant &)>> all = std::exchange(questions, {});
         for (const std::function<void(const QVariant &)> &answered : all)
-            answered(texts);
+            answered(said);
     }
 
     int loads = 0;
@@ -145,6 +146,31 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
     }
     letGo();
     EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatFailedAndIsStillOfferedIsToldWhenThePageGoes)
+{
+    m_window->close();
+    page()->post(u"one"_s);
+    page()->sayUnsaved({u"one"_s}, {u"zero"_s});
+    answer(u"one"_s, u"disk full"_s);
+    page()->sayUnsaved({}, {u"zero"_s, u"one"_s});
+    EXPECT_EQ(m_told, QStringList{u"Could not save this change|one|zero"_s}) << "each once";
+    page()->onUnloaded();
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatFailedStaysWithAPageThatIsTakenBack)
+{
+    m_window->close();
+    page()->post(u"one"_s);
+    page()->sayUnsaved({u"one"_s}, {u"zero"_s});
+    EXPECT_TRUE(m_window->stay());
+    answer(u"one"_s);
+    page()->sayUnsaved({}, {u"zero"_s});
+    EXPECT_EQ(m_told, QStringList());
+    EXPECT_FALSE(page()->unloads);
 }
 
 TEST_F(ViewerWindows, WhatTheEngineWasLateToSaveIsNotTakenForLost)
