@@ -24,7 +24,7 @@ struct ViewerState : QObject
     /// know of what that one is still saving.
     ResultWindow *window(const QString &key);
     /// Calls `then` when what was corrected in the viewers of those call dirs is in their files; at once without a
-    /// viewer. Waiting has an end: without `complete` some of it may still be under way.
+    /// viewer. Waiting has an end: without `complete` some of it failed meanwhile, or may still be under way.
     void whenSaved(const QStringList &callDirs, const std::function<void(bool complete)> &then);
     /// The window is closed and about to go.
     void forget(ResultWindow *window);

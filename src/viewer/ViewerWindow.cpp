@@ -98,6 +98,8 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
     const bool pageIsThere = page == m_page && !m_pageGone && m_life != Life::Unloaded;
     if (!reply.failure.isEmpty() && (m_life != Life::Open || !pageIsThere))
         lose(reply.failure, {written});
+    if (!reply.failure.isEmpty() && !m_whenSaved.isEmpty())
+        m_failedMeanwhile = true;
     if (m_life == Life::Open)
         tellLost();
     if (pageIsThere)
@@ -140,9 +142,10 @@ void ViewerWindow::hearUnsaved(const QStringList &unsaved, const QStringList &fa
 void ViewerWindow::goOn(bool complete)
 {
     m_patience.stop();
+    const bool allSaved = !std::exchange(m_failedMeanwhile, false) && complete;
     const QList<std::function<void(bool complete)>> all = std::exchange(m_whenSaved, {});
     for (const std::function<void(bool complete)> &then : all)
-        then(complete);
+        then(allSaved);
     m_unsaved.clear(); // what the page says next may be long after
     m_failed.clear();
 }

@@ -61,6 +61,7 @@ private:
     QStringList m_unsaved;                      ///< as the page said last
     QStringList m_failed;                       ///< likewise: what it offers to try again
     QList<std::function<void(bool complete)>> m_whenSaved;
+    bool m_failedMeanwhile = false;             ///< a correction that those wait for
     QTimer m_patience{this};
     QTimer m_end{this};                         ///< of a page that does not end
     QString m_lostReason;

@@ -210,6 +210,23 @@ TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
     EXPECT_TRUE(waitFor([this] { return savedTexts() == allThree; }));
 }
 
+TEST_F(SavedAtTheEnd, ATextWhoseCorrectionFailedIsSharedAfterAWord)
+{
+    ViewerWindow *opened = openWithThreeEdits(test::Answer::failure(1, "Error: disk full\n"));
+    qputenv("TMPDIR", QFile::encodeName(m_calls.path()));
+    const auto restore = qScopeGuard([] { qunsetenv("TMPDIR"); });
+    test::writeFile(callDir(u"a"_s) + u"/transcript.raw.txt"_s, "Old");
+    opened->findChild<QPushButton *>(u"shareWindowText"_s)->click();
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
+    EXPECT_EQ(sheet()->text().detail, u"The text is without it."_s);
+    EXPECT_EQ(savedTexts(), allThree) << "the others are not held up";
+    const QString shared = m_calls.filePath(u"Tuppi Transcriber/a.txt"_s);
+    EXPECT_FALSE(QFile::exists(shared));
+    sheet()->answer(0);
+    EXPECT_TRUE(waitFor([&] { return QFile::exists(shared); }));
+}
+
 TEST_F(SavedAtTheEnd, AFolderGoesToTheTrashWithAllThatWasCorrected)
 {
     const QPointer<ViewerWindow> opened = openWithThreeEdits();

@@ -198,6 +198,24 @@ TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
     EXPECT_EQ(done, (QList<bool>{true, false}));
 }
 
+TEST_F(ViewerWindows, WhatFailedWhileItWasWaitedForIsNotSaved)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    page()->post(u"one"_s);
+    m_window->whenSaved(note);
+    page()->sayUnsaved({u"one"_s, u"two"_s});
+    answer(u"one"_s, u"busy"_s);
+    page()->post(u"two"_s);
+    page()->sayUnsaved({u"two"_s});
+    answer(u"two"_s);
+    page()->sayUnsaved({}, {u"one"_s});
+    EXPECT_EQ(done, QList<bool>{false});
+    m_window->whenSaved(note);
+    page()->sayUnsaved({}, {u"one"_s});
+    EXPECT_EQ(done, (QList<bool>{false, true})) << "the page told of it long ago";
+}
+
 TEST_F(ViewerWindows, AFailureWhileThePageEndsIsToldAlsoWhereThePageHangs)
 {
     m_window->close();
