@@ -139,6 +139,18 @@ TEST_F(SavedAtTheEnd, APageOpenedAgainMeanwhileIsTheSame)
     EXPECT_TRUE(opened->isVisible());
 }
 
+TEST_F(SavedAtTheEnd, APageOpenedAgainAfterARenameIsAnother)
+{
+    const QPointer<ViewerWindow> opened = openWithThreeEdits();
+    m_app->closeResultWindowsForDir(callDir(u"a"_s));
+    m_app->showResult(row(callDir(u"a"_s), u"New Name"_s), false);
+    EXPECT_EQ(viewer(callDir(u"a"_s)), nullptr) << "what it is to show is still being saved";
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([&] { return opened.isNull() && viewer(callDir(u"a"_s)); }));
+    EXPECT_EQ(viewer(callDir(u"a"_s))->windowTitle(), u"New Name"_s);
+    EXPECT_EQ(savedTexts(), allThree);
+}
+
 TEST_F(SavedAtTheEnd, AQuitWaits)
 {
     const QPointer<ViewerWindow> opened = openWithThreeEdits();
