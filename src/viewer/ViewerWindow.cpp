@@ -44,7 +44,8 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->setObjectName(u"viewerPage"_s);
     m_patience.setObjectName(u"patience"_s);
     m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(false); });
+    // In a page that is still loading nothing was corrected.
+    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(!m_pageRuns && m_unanswered == 0); });
     m_end.setObjectName(u"end"_s);
     m_end.setSingleShot(true);
     connect(&m_end, &QTimer::timeout, this, [this] {
@@ -53,10 +54,12 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
         deleteLater();
     });
     m_view->onMessage = [this](const QJsonObject &body) {
+        m_pageRuns = true;
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
     };
     m_view->onLoaded = [this] {
+        m_pageRuns = true;
         // A page that was still loading heard nothing.
         if (m_summary)
             m_view->run(ShowTabScript(*m_summary));
@@ -81,6 +84,7 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
 void ViewerWindow::load()
 {
     ++m_page;
+    m_pageRuns = false;
     m_pageGone = false;
     m_summary.reset();
     m_view->load();

@@ -55,6 +55,7 @@ private:
     WebView *m_view;
     int m_page = 0;
     std::optional<bool> m_summary;              ///< the tab asked for since the page was loaded
+    bool m_pageRuns = false;                    ///< it has been loaded, or has posted something
     bool m_pageGone = false;                    ///< crashed, and not loaded again
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages

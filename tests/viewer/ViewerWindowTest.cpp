@@ -190,6 +190,7 @@ TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
 {
     QList<bool> done;
     const auto note = [&](bool complete) { done.append(complete); };
+    page()->onLoaded();
     m_window->whenSaved(note);
     page()->sayUnsaved({});
     EXPECT_EQ(done, QList<bool>{true});
@@ -273,6 +274,31 @@ TEST_F(ViewerWindows, APageThatWasLoadingIsAskedAgainWhatItHasNotSaved)
     page()->onLoaded();
     page()->sayUnsaved({});
     EXPECT_EQ(done, QList<bool>{true});
+}
+
+TEST_F(ViewerWindows, APageThatIsStillLoadingHasNothingToSave)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    for (const bool again : {false, true}) {
+        SCOPED_TRACE(again);
+        if (again) {
+            page()->onLoaded();
+            page()->onCrash();
+            sheet()->answer(0);
+        }
+        done.clear();
+        m_window->whenSaved(note);
+        losePatience();
+        EXPECT_EQ(done, QList<bool>{true});
+    }
+    page()->post(u"one"_s); // it stands before all that it shows is loaded
+    m_window->whenSaved(note);
+    losePatience();
+    answer(u"one"_s);
+    m_window->whenSaved(note);
+    losePatience();
+    EXPECT_EQ(done, (QList<bool>{true, false, false}));
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)
