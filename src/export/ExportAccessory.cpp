@@ -29,11 +29,12 @@ ExportAccessory::ExportAccessory(QWidget *parent)
     connect(save, &QAbstractButton::clicked, this, [this] { Q_EMIT saveRequested(); });
     connect(share, &QAbstractButton::clicked, this, [this, share] { Q_EMIT shareRequested(share); });
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, Metrics::accessoryEnd, 1);
+    row->setContentsMargins(0, 0, 0, 1);
     row->setSpacing(Metrics::accessorySpacing);
     row->addStretch();
     row->addWidget(save);
     row->addWidget(share);
+    row->addSpacing(Metrics::accessoryEnd); // no margin: items are mirrored
 }
 
 void ExportAccessory::paintEvent(QPaintEvent *)

@@ -161,14 +161,7 @@ void AppDelegate::tellLost(const QString &title, const QString &reason, const QS
 
 void AppDelegate::closeResultWindowsForDir(const QString &callDir)
 {
-    if (callDir.isEmpty())
-        return;
-    const QStringList keys = m_viewer.resultWindows.keys();
-    for (const QString &key : keys) {
-        ResultWindow *window = m_viewer.resultWindows.value(key);
-        if (window && key.startsWith(ResultKeyPrefix(callDir)))
-            window->close();
-    }
+    m_viewer.closeForGood(callDir);
 }
 
 void AppDelegate::viewerMessage(ViewerWindow *window, const QJsonObject &body, int page)

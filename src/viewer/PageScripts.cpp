@@ -63,7 +63,8 @@ QString PauseScript()
 
 QString UnsavedScript()
 {
-    return u"window.tuppiUnsaved?window.tuppiUnsaved():[]"_s;
+    return u"({unsaved:window.tuppiUnsaved?window.tuppiUnsaved():[],"
+           "failed:window.tuppiFailed?window.tuppiFailed():[]})"_s;
 }
 
 } // namespace tuppi

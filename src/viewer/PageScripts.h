@@ -27,7 +27,8 @@ QString ShowTabScript(bool summary);
 /// Stops whatever the page plays.
 QString PauseScript();
 
-/// Ends an open edit; its value is what was written in each correction that is not saved yet.
+/// Ends an open edit; its value has what was written in each correction that is not saved yet (`unsaved`), and in each
+/// that failed and that the page still offers (`failed`).
 QString UnsavedScript();
 
 } // namespace tuppi

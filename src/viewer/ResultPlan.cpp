@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 QString ResultPlan::key() const
 {
-    return ResultKeyPrefix(callDir) + (isViewer() ? u"viewer"_s : u"text"_s);
+    return callDir + (isViewer() ? u"#viewer"_s : u"#text"_s);
 }
 
 QString ResultPlan::frame() const
@@ -37,11 +37,6 @@ std::optional<ResultPlan> PlanResult(const QJsonObject &row, bool summary)
 ResultPlan AsText(const ResultPlan &plan)
 {
     return {plan.callDir, {}, false, Fill(L(u"%@ — Summary and Text"_s), {plan.title})};
-}
-
-QString ResultKeyPrefix(const QString &callDir)
-{
-    return callDir + u'#';
 }
 
 } // namespace tuppi

@@ -28,7 +28,4 @@ std::optional<ResultPlan> PlanResult(const QJsonObject &row, bool summary);
 /// The same transcript as plain text.
 ResultPlan AsText(const ResultPlan &plan);
 
-/// What the keys of a call dir's windows begin with.
-QString ResultKeyPrefix(const QString &callDir);
-
 } // namespace tuppi

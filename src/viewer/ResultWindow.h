@@ -24,7 +24,7 @@ public:
     virtual void showTab(bool summary);
     void bringForward();
     /// Calls `then` when all that was corrected here is saved, or will not be; at once where nothing can be. Waiting
-    /// has an end: without `complete` some of it may still be under way.
+    /// has an end: without `complete` some of it failed meanwhile, or may still be under way.
     virtual void whenSaved(std::function<void(bool complete)> then);
     /// Takes a close back. False when it is too late for that.
     virtual bool stay();

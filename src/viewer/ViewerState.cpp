@@ -28,7 +28,7 @@ ResultWindow *ViewerState::window(const QString &key)
     if (ResultWindow *window = resultWindows.value(key))
         return window;
     for (ResultWindow *window : std::as_const(closing)) {
-        if (window->plan().key() != key || !window->stay())
+        if (window->plan().key() != key || outdated.contains(window) || !window->stay())
             continue;
         window->disconnect(this);
         closing.removeOne(window);
@@ -37,6 +37,19 @@ ResultWindow *ViewerState::window(const QString &key)
         return window;
     }
     return nullptr;
+}
+
+void ViewerState::closeForGood(const QString &callDir)
+{
+    const QList<ResultWindow *> open = resultWindows.values();
+    for (ResultWindow *window : open) {
+        if (window->callDir() == callDir)
+            window->close();
+    }
+    for (const ResultWindow *window : std::as_const(closing)) {
+        if (window->callDir() == callDir)
+            outdated.append(window);
+    }
 }
 
 void ViewerState::whenSaved(const QStringList &callDirs, const std::function<void(bool complete)> &then)
@@ -71,6 +84,7 @@ void ViewerState::forget(ResultWindow *window)
     closing.append(window);
     QObject::connect(window, &QObject::destroyed, this, [this, window] {
         closing.removeOne(window);
+        outdated.removeAll(window);
         if (quitsThen && closing.isEmpty())
             QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     });

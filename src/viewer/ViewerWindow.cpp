@@ -44,7 +44,8 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->setObjectName(u"viewerPage"_s);
     m_patience.setObjectName(u"patience"_s);
     m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(false); });
+    // In a page that is still loading nothing was corrected.
+    connect(&m_patience, &QTimer::timeout, this, [this] { goOn(!m_pageRuns && m_unanswered == 0); });
     m_end.setObjectName(u"end"_s);
     m_end.setSingleShot(true);
     connect(&m_end, &QTimer::timeout, this, [this] {
@@ -53,10 +54,12 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
         deleteLater();
     });
     m_view->onMessage = [this](const QJsonObject &body) {
+        m_pageRuns = true;
         ++m_unanswered;
         Q_EMIT messagePosted(body, m_page);
     };
     m_view->onLoaded = [this] {
+        m_pageRuns = true;
         // A page that was still loading heard nothing.
         if (m_summary)
             m_view->run(ShowTabScript(*m_summary));
@@ -81,6 +84,7 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
 void ViewerWindow::load()
 {
     ++m_page;
+    m_pageRuns = false;
     m_pageGone = false;
     m_summary.reset();
     m_view->load();
@@ -98,6 +102,8 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
     const bool pageIsThere = page == m_page && !m_pageGone && m_life != Life::Unloaded;
     if (!reply.failure.isEmpty() && (m_life != Life::Open || !pageIsThere))
         lose(reply.failure, {written});
+    if (!reply.failure.isEmpty() && !m_whenSaved.isEmpty())
+        m_failedMeanwhile = true;
     if (m_life == Life::Open)
         tellLost();
     if (pageIsThere)
@@ -117,16 +123,20 @@ void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 void ViewerWindow::askForUnsaved()
 {
     if (m_pageGone || m_life == Life::Unloaded) {
-        hearUnsaved({});
+        hearUnsaved({}, {});
         return;
     }
     m_patience.start(pagePatienceMilliseconds);
-    m_view->ask(UnsavedScript(), [this](const QVariant &unsaved) { hearUnsaved(unsaved.toStringList()); });
+    m_view->ask(UnsavedScript(), [this](const QVariant &said) {
+        const QVariantMap texts = said.toMap();
+        hearUnsaved(texts.value(u"unsaved"_s).toStringList(), texts.value(u"failed"_s).toStringList());
+    });
 }
 
-void ViewerWindow::hearUnsaved(const QStringList &unsaved)
+void ViewerWindow::hearUnsaved(const QStringList &unsaved, const QStringList &failed)
 {
     m_unsaved = unsaved;
+    m_failed = failed;
     if (m_unsaved.isEmpty() && m_unanswered == 0)
         goOn(true);
     else if (!m_whenSaved.isEmpty())
@@ -136,10 +146,12 @@ void ViewerWindow::hearUnsaved(const QStringList &unsaved)
 void ViewerWindow::goOn(bool complete)
 {
     m_patience.stop();
+    const bool allSaved = !std::exchange(m_failedMeanwhile, false) && complete;
     const QList<std::function<void(bool complete)>> all = std::exchange(m_whenSaved, {});
     for (const std::function<void(bool complete)> &then : all)
-        then(complete);
+        then(allSaved);
     m_unsaved.clear(); // what the page says next may be long after
+    m_failed.clear();
 }
 
 void ViewerWindow::setZoom(double factor)
@@ -169,8 +181,7 @@ bool ViewerWindow::stay()
 /// The page may still have something to say when it ends.
 void ViewerWindow::end()
 {
-    if (!m_unsaved.isEmpty())
-        lose(L(u"Could not save this change"_s), std::exchange(m_unsaved, {}));
+    losePage(std::exchange(m_unsaved, {}));
     tellLost();
     m_life = Life::Ending;
     m_view->unload();
@@ -183,6 +194,16 @@ void ViewerWindow::leaveWhenAnswered()
         return;
     tellLost();
     deleteLater();
+}
+
+/// What stood in the page alone.
+void ViewerWindow::losePage(const QStringList &unsaved)
+{
+    QStringList written = std::exchange(m_failed, {});
+    written.removeIf([this](const QString &text) { return m_lost.contains(text); }); // failed while the page ended
+    written += unsaved;
+    if (!written.isEmpty())
+        lose(L(u"Could not save this change"_s), written);
 }
 
 void ViewerWindow::lose(const QString &reason, const QStringList &written)
@@ -201,9 +222,7 @@ void ViewerWindow::reportCrash()
 {
     m_pageGone = true;
     // What is with the engine will be answered all the same.
-    const QStringList unposted = std::exchange(m_unsaved, {}).mid(m_unanswered);
-    if (!unposted.isEmpty())
-        lose(L(u"Could not save this change"_s), unposted);
+    losePage(std::exchange(m_unsaved, {}).mid(m_unanswered));
     if (m_life != Life::Open)
         m_life = Life::Unloaded;
     if (!m_whenSaved.isEmpty())

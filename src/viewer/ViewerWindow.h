@@ -43,10 +43,11 @@ private:
     void reportCrash();
     void offerToLoadAgain();
     void askForUnsaved();
-    void hearUnsaved(const QStringList &unsaved);
+    void hearUnsaved(const QStringList &unsaved, const QStringList &failed);
     void goOn(bool complete);
     void end();
     void leaveWhenAnswered();
+    void losePage(const QStringList &unsaved);
     void lose(const QString &reason, const QStringList &written);
     void tellLost();
     void openMenu(const QPoint &place, const QList<WebView::Command> &commands);
@@ -54,11 +55,14 @@ private:
     WebView *m_view;
     int m_page = 0;
     std::optional<bool> m_summary;              ///< the tab asked for since the page was loaded
+    bool m_pageRuns = false;                    ///< it has been loaded, or has posted something
     bool m_pageGone = false;                    ///< crashed, and not loaded again
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages
     QStringList m_unsaved;                      ///< as the page said last
+    QStringList m_failed;                       ///< likewise: what it offers to try again
     QList<std::function<void(bool complete)>> m_whenSaved;
+    bool m_failedMeanwhile = false;             ///< a correction that those wait for
     QTimer m_patience{this};
     QTimer m_end{this};                         ///< of a page that does not end
     QString m_lostReason;

@@ -108,6 +108,23 @@ TEST_F(ThePageByKeyboard, TheEditorAndTheMenuOfSpeakersAreOpenedAndLeft)
     EXPECT_TRUE(waitFor([this] { return where() == "headed"; }));
 }
 
+TEST_F(ThePageByKeyboard, ALineThatIsBeingWrittenWaitsWhileAnotherWindowIsUsed)
+{
+    openPage(false);
+    page(m_viewer)->run(u"openEditor(state.lines[1], 0); area.value = 'Half a li'; area.setSelectionRange(4, 4)"_s);
+    ASSERT_TRUE(becomes(m_viewer, u"document.activeElement === area"_s, "true"));
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(becomes(m_viewer, u"document.hasFocus()"_s, "false"));
+    EXPECT_EQ(ask(m_viewer, u"state.editor !== null && area.isConnected"_s), "true");
+    m_viewer->activateWindow();
+    ASSERT_TRUE(becomes(m_viewer, u"document.hasFocus()"_s, "true"));
+    EXPECT_EQ(ask(m_viewer, u"[document.activeElement === area, area.value, area.selectionStart]"_s),
+              R"([true,"Half a li",4])");
+    EXPECT_EQ(m_engine.count(u"edit"_s), 0);
+}
+
 TEST_F(ThePageByKeyboard, TheMenuOverALineThatIsBeingWrittenPastesIntoIt)
 {
     openPage(false);

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QTest>
 #include <QWindow>
 
@@ -190,12 +191,30 @@ TEST_F(ResultWindows, TheStripOffersToSaveAndToShare)
     EXPECT_TRUE(save->toolTip().contains(u"Save this transcript as a text file"_s));
     EXPECT_EQ(share->accessibleName(), u"Share"_s);
     EXPECT_TRUE(share->toolTip().contains(u"Share as a text file (AirDrop, Mail, Messages…)"_s));
-    EXPECT_LT(opened->width() - share->mapTo(opened, QPoint(share->width(), 0)).x(), 20) << "at the trailing end";
     save->click();
     EXPECT_EQ(saves, 1);
     share->click();
     EXPECT_EQ(saves, 1);
     EXPECT_EQ(anchors, QList<QWidget *>{share});
+}
+
+TEST_F(ResultWindows, TheStripKeepsItsDistancesInBothDirections)
+{
+    const auto restore = qScopeGuard([] { QApplication::setLayoutDirection(Qt::LeftToRight); });
+    for (const bool mirrored : {false, true}) {
+        SCOPED_TRACE(mirrored);
+        QApplication::setLayoutDirection(mirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        const QString call = makeTextCall(mirrored ? u"b"_s : u"a"_s);
+        m_app->showResult(row(call), true);
+        ResultWindow *opened = window(call, u"text"_s);
+        const auto place = [&](const QString &name) {
+            auto *button = opened->findChild<QAbstractButton *>(name);
+            return QRect(button->mapTo(opened, QPoint()), button->size());
+        };
+        const QRect save = place(u"saveWindowText"_s), share = place(u"shareWindowText"_s);
+        EXPECT_EQ(mirrored ? share.x() : opened->width() - share.x() - share.width(), 10);
+        EXPECT_EQ(mirrored ? save.x() - share.x() - share.width() : share.x() - save.x() - save.width(), 8);
+    }
 }
 
 /// A second of silence.

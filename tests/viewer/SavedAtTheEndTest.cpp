@@ -93,6 +93,23 @@ TEST_F(SavedAtTheEnd, AFailureIsToldInTheMainWindowWithWhatWasWritten)
     EXPECT_EQ(savedTexts(), allThree) << "the others are not held up";
 }
 
+TEST_F(SavedAtTheEnd, WhatFailedBeforeIsToldToo)
+{
+    m_engine.answer(u"edit"_s, test::Answer::failure(1, "Error: busy\n"));
+    const QPointer<ViewerWindow> opened = openReal();
+    page(opened)->run(u"saveLater(state.lines[1], 'Typed', 0)"_s);
+    ASSERT_TRUE(becomes(opened, u"tuppiFailed()"_s, R"(["Typed"])"));
+    EXPECT_EQ(sheet(), nullptr) << "the page tells of it, and offers it";
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    EXPECT_FALSE(quit.isAccepted());
+    ASSERT_TRUE(waitFor([&] { return opened.isNull(); }));
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_EQ(sheet()->text().message, u"A correction to “Talk” was not saved"_s);
+    EXPECT_EQ(sheet()->findChild<QPlainTextEdit *>(u"lostText"_s)->toPlainText(), u"Typed"_s);
+    EXPECT_FALSE(m_app->viewer().quitsThen);
+}
+
 TEST_F(SavedAtTheEnd, AnEngineThatHangsIsNotWaitedForForEver)
 {
     const QPointer<ViewerWindow> opened = openWithThreeEdits();
@@ -120,6 +137,18 @@ TEST_F(SavedAtTheEnd, APageOpenedAgainMeanwhileIsTheSame)
     EXPECT_TRUE(becomes(opened, u"state.lines.map(line => line.text)"_s, R"(["New 0","New 1","New 2"])"));
     EXPECT_EQ(savedTexts(), allThree);
     EXPECT_TRUE(opened->isVisible());
+}
+
+TEST_F(SavedAtTheEnd, APageOpenedAgainAfterARenameIsAnother)
+{
+    const QPointer<ViewerWindow> opened = openWithThreeEdits();
+    m_app->closeResultWindowsForDir(callDir(u"a"_s));
+    m_app->showResult(row(callDir(u"a"_s), u"New Name"_s), false);
+    EXPECT_EQ(viewer(callDir(u"a"_s)), nullptr) << "what it is to show is still being saved";
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([&] { return opened.isNull() && viewer(callDir(u"a"_s)); }));
+    EXPECT_EQ(viewer(callDir(u"a"_s))->windowTitle(), u"New Name"_s);
+    EXPECT_EQ(savedTexts(), allThree);
 }
 
 TEST_F(SavedAtTheEnd, AQuitWaits)
@@ -191,6 +220,23 @@ TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
     EXPECT_EQ(test::readFile(shared), "Old");
     m_engine.openGate("gate");
     EXPECT_TRUE(waitFor([this] { return savedTexts() == allThree; }));
+}
+
+TEST_F(SavedAtTheEnd, ATextWhoseCorrectionFailedIsSharedAfterAWord)
+{
+    ViewerWindow *opened = openWithThreeEdits(test::Answer::failure(1, "Error: disk full\n"));
+    qputenv("TMPDIR", QFile::encodeName(m_calls.path()));
+    const auto restore = qScopeGuard([] { qunsetenv("TMPDIR"); });
+    test::writeFile(callDir(u"a"_s) + u"/transcript.raw.txt"_s, "Old");
+    opened->findChild<QPushButton *>(u"shareWindowText"_s)->click();
+    m_engine.openGate("gate");
+    ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
+    EXPECT_EQ(sheet()->text().detail, u"The text is without it."_s);
+    EXPECT_EQ(savedTexts(), allThree) << "the others are not held up";
+    const QString shared = m_calls.filePath(u"Tuppi Transcriber/a.txt"_s);
+    EXPECT_FALSE(QFile::exists(shared));
+    sheet()->answer(0);
+    EXPECT_TRUE(waitFor([&] { return QFile::exists(shared); }));
 }
 
 TEST_F(SavedAtTheEnd, AFolderGoesToTheTrashWithAllThatWasCorrected)

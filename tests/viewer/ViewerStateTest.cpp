@@ -113,6 +113,29 @@ TEST_F(ViewerStates, AWindowThatIsTooFarGoneIsNot)
     EXPECT_EQ(m_state.window(window->plan().key()), nullptr);
 }
 
+TEST_F(ViewerStates, AWindowThatShowsWhatIsNoMoreIsNotTakenBack)
+{
+    for (const bool closedBefore : {false, true}) {
+        SCOPED_TRACE(closedBefore);
+        HeldWindow *a = open(u"/a"_s);
+        HeldWindow *longer = open(u"/ab"_s);
+        if (closedBefore)
+            a->close();
+        m_state.closeForGood(u"/a"_s);
+        EXPECT_FALSE(a->isVisible());
+        EXPECT_TRUE(longer->isVisible());
+        EXPECT_EQ(m_state.window(a->plan().key()), nullptr);
+        EXPECT_EQ(m_state.closing, QList<ResultWindow *>{a});
+        bool done = false;
+        m_state.whenSaved({u"/a"_s}, [&](bool) { done = true; });
+        EXPECT_FALSE(done) << "what it still saves is waited for";
+        a->save();
+        EXPECT_TRUE(done);
+        longer->close();
+        qDeleteAll(QList<HeldWindow *>{a, longer});
+    }
+}
+
 TEST_F(ViewerStates, WhatWaitsForAFolderWaitsForItsWindowOnly)
 {
     QStringList done;

@@ -31,11 +31,12 @@ public:
     void setZoom(double) override { }
 
     void post(const QString &text) { onMessage({{u"text"_s, text}}); }
-    void sayUnsaved(const QStringList &texts)
+    void sayUnsaved(const QStringList &texts, const QStringList &failed = {})
     {
+        const QVariantMap said{{u"unsaved"_s, texts}, {u"failed"_s, failed}};
         const QList<std::function<void(const QVariant &)>> all = std::exchange(questions, {});
         for (const std::function<void(const QVariant &)> &answered : all)
-            answered(texts);
+            answered(said);
     }
 
     int loads = 0;
@@ -147,6 +148,31 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
     EXPECT_TRUE(m_window.isNull());
 }
 
+TEST_F(ViewerWindows, WhatFailedAndIsStillOfferedIsToldWhenThePageGoes)
+{
+    m_window->close();
+    page()->post(u"one"_s);
+    page()->sayUnsaved({u"one"_s}, {u"zero"_s});
+    answer(u"one"_s, u"disk full"_s);
+    page()->sayUnsaved({}, {u"zero"_s, u"one"_s});
+    EXPECT_EQ(m_told, QStringList{u"Could not save this change|one|zero"_s}) << "each once";
+    page()->onUnloaded();
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatFailedStaysWithAPageThatIsTakenBack)
+{
+    m_window->close();
+    page()->post(u"one"_s);
+    page()->sayUnsaved({u"one"_s}, {u"zero"_s});
+    EXPECT_TRUE(m_window->stay());
+    answer(u"one"_s);
+    page()->sayUnsaved({}, {u"zero"_s});
+    EXPECT_EQ(m_told, QStringList());
+    EXPECT_FALSE(page()->unloads);
+}
+
 TEST_F(ViewerWindows, WhatTheEngineWasLateToSaveIsNotTakenForLost)
 {
     QList<bool> done;
@@ -164,12 +190,31 @@ TEST_F(ViewerWindows, ItIsSaidWhetherAllIsSaved)
 {
     QList<bool> done;
     const auto note = [&](bool complete) { done.append(complete); };
+    page()->onLoaded();
     m_window->whenSaved(note);
     page()->sayUnsaved({});
     EXPECT_EQ(done, QList<bool>{true});
     m_window->whenSaved(note);
     losePatience(); // with a page that hangs
     EXPECT_EQ(done, (QList<bool>{true, false}));
+}
+
+TEST_F(ViewerWindows, WhatFailedWhileItWasWaitedForIsNotSaved)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    page()->post(u"one"_s);
+    m_window->whenSaved(note);
+    page()->sayUnsaved({u"one"_s, u"two"_s});
+    answer(u"one"_s, u"busy"_s);
+    page()->post(u"two"_s);
+    page()->sayUnsaved({u"two"_s});
+    answer(u"two"_s);
+    page()->sayUnsaved({}, {u"one"_s});
+    EXPECT_EQ(done, QList<bool>{false});
+    m_window->whenSaved(note);
+    page()->sayUnsaved({}, {u"one"_s});
+    EXPECT_EQ(done, (QList<bool>{false, true})) << "the page told of it long ago";
 }
 
 TEST_F(ViewerWindows, AFailureWhileThePageEndsIsToldAlsoWhereThePageHangs)
@@ -229,6 +274,31 @@ TEST_F(ViewerWindows, APageThatWasLoadingIsAskedAgainWhatItHasNotSaved)
     page()->onLoaded();
     page()->sayUnsaved({});
     EXPECT_EQ(done, QList<bool>{true});
+}
+
+TEST_F(ViewerWindows, APageThatIsStillLoadingHasNothingToSave)
+{
+    QList<bool> done;
+    const auto note = [&](bool complete) { done.append(complete); };
+    for (const bool again : {false, true}) {
+        SCOPED_TRACE(again);
+        if (again) {
+            page()->onLoaded();
+            page()->onCrash();
+            sheet()->answer(0);
+        }
+        done.clear();
+        m_window->whenSaved(note);
+        losePatience();
+        EXPECT_EQ(done, QList<bool>{true});
+    }
+    page()->post(u"one"_s); // it stands before all that it shows is loaded
+    m_window->whenSaved(note);
+    losePatience();
+    answer(u"one"_s);
+    m_window->whenSaved(note);
+    losePatience();
+    EXPECT_EQ(done, (QList<bool>{true, false, false}));
 }
 
 TEST_F(ViewerWindows, NobodyWaitsForAPageThatIsGone)

@@ -160,6 +160,7 @@ class Edit(ViewerCase):
         self.fail(0, "First.", "Not saved: disk full")
         self.fail(1, "Second.", "Not saved: busy")
         self.fail(2, "Third.", "Not saved: too long")
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["First.", "Second.", "Third."])
         self.edit(0, 0)
         self.browser.keys("Enter")
         self.await_notice("Put the caret between two words to split the line.", failed=True)
@@ -170,9 +171,11 @@ class Edit(ViewerCase):
         self.browser.click("#notice-again")
         self.assertEqual(self.browser.get("document.activeElement.value"), "Second.")
         self.await_notice("Not saved: disk full", failed=True)
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["First."])
         self.browser.click("#notice-again")
         self.assertEqual(self.browser.get("document.activeElement.value"), "First.")
         self.assertTrue(self.browser.get("document.getElementById('notice').hidden"))
+        self.assertEqual(self.browser.get("tuppiFailed()"), [])
 
     def test_hostile_texts_pass_unchanged(self):
         self.rewrite(2, HOSTILE)
@@ -468,6 +471,7 @@ class Speaker(ViewerCase):
         self.message()
         self.answer("tuppiSpeakerSaved", 1, False, "Not saved", None)
         self.await_notice("Not saved", failed=True)
+        self.assertEqual(self.browser.get("tuppiFailed()"), [BORIS])
         self.await_settled()
         self.assertEqual(self.names(), NAMES)
 
@@ -589,6 +593,7 @@ class Rename(ViewerCase):
         self.rename("Cleo")
         self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
         self.await_notice("Not saved: busy", failed=True)
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["Cleo"])
         self.await_settled()
         self.assertEqual(self.names(), NAMES)
 
