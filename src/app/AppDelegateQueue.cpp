@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/NextTurn.h"
 #include "app/Scheduler.h"
 #include "engine/DebugLog.h"
 #include "engine/EngineCommands.h"
@@ -7,7 +8,6 @@
 #include "settings/L.h"
 
 #include <QFileInfo>
-#include <QTimer>
 
 #include <utility>
 
@@ -55,7 +55,7 @@ void AppDelegate::enqueue(const QStringList &paths, const StartChoices &choices)
     if (paths.size() < many)
         show();
     else
-        QTimer::singleShot(0, this, show);
+        InNextTurn(this, show);
 }
 
 /// Writes the queue and the start in flight in one replacement of the file, so that a file is always in

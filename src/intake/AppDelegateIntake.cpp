@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/NextTurn.h"
 #include "intake/AcceptedFiles.h"
 #include "intake/ChooseFiles.h"
 #include "intake/Languages.h"
@@ -14,7 +15,6 @@
 
 #include <QFileDialog>
 #include <QLocale>
-#include <QTimer>
 
 namespace tuppi {
 
@@ -45,11 +45,11 @@ void AppDelegate::addFiles(const QList<QUrl> &files)
         mediaLengths().measure(AddSetupFiles(m_setup, files));
         updateSetupList();
     };
-    constexpr qsizetype many = 1000; // taking them takes a good part of a frame, and so does opening the panel
+    constexpr qsizetype many = 1000; // taking them takes a good part of a frame; in the next turn, the panel may be shown
     if (files.size() < many)
         take();
     else
-        QTimer::singleShot(0, m_setup.panel, take);
+        InNextTurn(m_setup.panel, [this, take] { InNextTurn(m_setup.panel, take); });
 }
 
 MediaLengths &AppDelegate::mediaLengths()
@@ -80,7 +80,10 @@ void AppDelegate::openSetup()
     connect(panel, &SetupPanel::addMoreRequested, this, &AppDelegate::chooseFiles);
     connect(panel, &SetupPanel::filesDropped, this, &AppDelegate::addFiles);
     m_setup.panel = panel;
-    panel->open();
+    InNextTurn(panel, [this, panel] {
+        if (m_setup.panel == panel)
+            panel->open();
+    });
 }
 
 void AppDelegate::updateSetupList()

@@ -95,6 +95,7 @@ TEST_F(Scheduling, ShortenedQueueAndTheFileInFlightAreStoredWhenTheCommandRuns)
     prepare();
     poll();
     m_engine.answer(u"process"_s, Answer::script(copy + "\nwait_for process"));
+    const qint64 before = QDateTime::currentSecsSinceEpoch();
     m_app->enqueue({m_a, m_b}, m_choices);
     ASSERT_TRUE(waitFor([&] { return QFile::exists(m_engine.path(u"at-process.json"_s)); }));
     m_engine.openGate("process");
@@ -102,12 +103,15 @@ TEST_F(Scheduling, ShortenedQueueAndTheFileInFlightAreStoredWhenTheCommandRuns)
 
     const QJsonObject atProcess = test::object(test::readFile(m_engine.path(u"at-process.json"_s)));
     EXPECT_EQ(pathsIn(atProcess), QStringList{m_b});
-    EXPECT_EQ(atProcess.value(u"startInFlight"_s).toObject(), (QJsonObject{{u"path"_s, m_a},
-                                                                         {u"engine"_s, u"whisper"_s},
-                                                                         {u"language"_s, u"uk"_s},
-                                                                         {u"speakers"_s, false},
-                                                                         {u"quick"_s, true},
-                                                                         {u"knownJobs"_s, QJsonArray{u"old"_s, u"hidden"_s}}}));
+    QJsonObject start = atProcess.value(u"startInFlight"_s).toObject();
+    const qint64 startedAt = start.take(u"startedAt"_s).toInteger();
+    EXPECT_TRUE(startedAt >= before && startedAt <= QDateTime::currentSecsSinceEpoch()) << startedAt;
+    EXPECT_EQ(start, (QJsonObject{{u"path"_s, m_a},
+                                  {u"engine"_s, u"whisper"_s},
+                                  {u"language"_s, u"uk"_s},
+                                  {u"speakers"_s, false},
+                                  {u"quick"_s, true},
+                                  {u"knownJobs"_s, QJsonArray{u"old"_s, u"hidden"_s}}}));
 }
 
 TEST_F(Scheduling, TheStartsOwnJobIsNeverAmongTheKnownOnes)
