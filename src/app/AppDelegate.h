@@ -233,7 +233,7 @@ private:
     void offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox);
     void showResultAsText(const ResultPlan &plan);
     void addResultWindow(ResultWindow *window);
-    void forgetResultWindow(ResultWindow *window);
+    void rememberResultFrame(const ResultWindow *window);
     void tellLost(const QString &title, const QString &reason, const QStringList &written);
     void viewerMessage(ViewerWindow *window, const QJsonObject &body, int page);
 

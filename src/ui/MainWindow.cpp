@@ -6,6 +6,7 @@
 #include "ui/DropView.h"
 #include "ui/Fonts.h"
 #include "ui/Footer.h"
+#include "ui/FrameRest.h"
 #include "ui/Labels.h"
 #include "ui/MascotView.h"
 #include "ui/Metrics.h"
@@ -45,10 +46,7 @@ MainWindow::MainWindow(Stage &stage, QWidget *parent)
     m_untilPainted.setSingleShot(true);
     connect(&m_untilPainted, &QTimer::timeout, this, &MainWindow::firstPainted);
     m_untilPainted.start(longestWaitMilliseconds);
-    constexpr int restMilliseconds = 1000;
-    m_untilFrameRests.setSingleShot(true);
-    m_untilFrameRests.setInterval(restMilliseconds);
-    connect(&m_untilFrameRests, &QTimer::timeout, this, &MainWindow::frameChanged);
+    whenFrameRests(this, [this] { Q_EMIT frameChanged(); });
 }
 
 void MainWindow::buildMenuBar()
@@ -223,18 +221,6 @@ bool MainWindow::event(QEvent *event)
     if (event->type() == QEvent::Paint && m_untilPainted.isActive())
         m_untilPainted.start(0);
     return QMainWindow::event(event);
-}
-
-void MainWindow::moveEvent(QMoveEvent *event)
-{
-    m_untilFrameRests.start();
-    QMainWindow::moveEvent(event);
-}
-
-void MainWindow::resizeEvent(QResizeEvent *event)
-{
-    m_untilFrameRests.start();
-    QMainWindow::resizeEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -55,8 +55,6 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void buildMenuBar();
@@ -72,7 +70,6 @@ private:
     Footer *m_footer = nullptr;
     std::function<bool(const QString &, const QString &)> m_rowMenuRule;
     QTimer m_untilPainted;
-    QTimer m_untilFrameRests;
 };
 
 } // namespace tuppi

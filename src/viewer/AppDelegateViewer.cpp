@@ -121,7 +121,8 @@ void AppDelegate::addResultWindow(ResultWindow *window)
 {
     m_viewer.callQuitOff();
     m_viewer.resultWindows.insert(window->plan().key(), window);
-    connect(window, &ResultWindow::closing, this, [this, window] { forgetResultWindow(window); });
+    connect(window, &ResultWindow::frameChanged, this, [this, window] { rememberResultFrame(window); });
+    connect(window, &ResultWindow::closing, this, [this, window] { m_viewer.forget(window); });
     connect(window, &ResultWindow::command, this, &AppDelegate::perform);
     qApp->installEventFilter(&m_viewer); // here: without a result window no event comes this way
     connect(window, &ResultWindow::saveRequested, this, [this, window] { saveTextForDir(window->callDir(), window); });
@@ -133,10 +134,9 @@ void AppDelegate::addResultWindow(ResultWindow *window)
     window->bringForward();
 }
 
-void AppDelegate::forgetResultWindow(ResultWindow *window)
+void AppDelegate::rememberResultFrame(const ResultWindow *window)
 {
     m_queue.defaults.set({{window->plan().frame(), QString::fromLatin1(window->saveGeometry().toBase64())}});
-    m_viewer.forget(window);
 }
 
 /// Where the page that could have told it is gone. A quit is off: what was written stands nowhere else.

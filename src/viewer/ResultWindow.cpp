@@ -2,6 +2,7 @@
 
 #include "export/ExportAccessory.h"
 #include "ui/Colours.h"
+#include "ui/FrameRest.h"
 #include "ui/Metrics.h"
 #include "ui/WindowCommands.h"
 
@@ -34,6 +35,7 @@ ResultWindow::ResultWindow(const ResultPlan &plan)
     column->setSpacing(0);
     column->addWidget(accessory);
     addShortcuts();
+    whenFrameRests(this, [this] { Q_EMIT frameChanged(); });
 }
 
 void ResultWindow::addShortcuts()
@@ -93,6 +95,7 @@ void ResultWindow::dispose()
 void ResultWindow::closeEvent(QCloseEvent *event)
 {
     event->accept();
+    Q_EMIT frameChanged();
     Q_EMIT closing();
     dispose();
 }

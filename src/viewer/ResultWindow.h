@@ -34,7 +34,8 @@ Q_SIGNALS:
     void command(const QString &action);
     void saveRequested();
     void shareRequested(QWidget *anchor);
-    /// The window is being closed; its frame is still what it was.
+    /// The frame is worth remembering: the window is being closed, or was moved or sized a moment ago.
+    void frameChanged();
     void closing();
 
 protected:

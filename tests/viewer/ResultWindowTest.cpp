@@ -142,6 +142,20 @@ TEST_F(ResultWindows, TheFrameIsRememberedByKind)
     EXPECT_TRUE(settings().contains(u"TranscriberText"_s));
 }
 
+TEST_F(ResultWindows, TheFrameIsRememberedOnceItRests)
+{
+    const QString first = makeTextCall(u"a"_s), second = makeTextCall(u"b"_s);
+    m_app->showResult(row(first), true);
+    ResultWindow *opened = window(first, u"text"_s);
+    opened->setGeometry(30, 40, 500, 400);
+    const auto stored = [this] {
+        return QFile::exists(settingsPath()) ? settings().value(u"TranscriberText"_s).toString() : QString();
+    };
+    EXPECT_TRUE(waitFor([&] { return stored() == QString::fromLatin1(opened->saveGeometry().toBase64()); }));
+    m_app->showResult(row(second), true);
+    EXPECT_EQ(window(second, u"text"_s)->geometry(), QRect(30, 40, 500, 400)) << "the first is still open";
+}
+
 TEST_F(ResultWindows, KeysCloseSaveAndZoom)
 {
     const QString call = makeCall(u"a"_s);
