@@ -47,12 +47,25 @@ ENGINE_FLOORS = {
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
-def read_tree(root):
-    """Every text that git keeps or would keep."""
+def names_in(root):
+    """Every file that git keeps or would keep; where it does not serve, as in an unpacked archive, all but what is built."""
     command = ["git", "-C", root, "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
-    names = subprocess.run(command, stdout=subprocess.PIPE, check=True, encoding="utf-8").stdout
+    try:
+        listed = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True, encoding="utf-8")
+        return list(filter(None, listed.stdout.split("\0")))
+    except (OSError, subprocess.CalledProcessError):
+        names = []
+        for folder, folders, files in os.walk(root):
+            folders[:] = [name for name in folders if not re.match(r"\.|__pycache__$", name)
+                          and not (folder == root and name.startswith("build"))]
+            names += [os.path.relpath(os.path.join(folder, file), root) for file in files]
+        return names
+
+
+def read_tree(root):
+    """Every text of the repository."""
     tree = {}
-    for path in filter(None, names.split("\0")):
+    for path in names_in(root):
         try:
             with open(os.path.join(root, path), encoding="utf-8") as file:
                 tree[path] = file.read()
