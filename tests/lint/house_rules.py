@@ -212,10 +212,22 @@ def bare_waits(tree):
 
     found = _found(code, SOURCE, r"\bqWait\s*\(|\b(?:u|m|nano)?sleep(?:_for|_until)?\s*\(|waitForFinished\s*\(\s*-1\s*\)",
                    lambda match: "waits for a time: " + match[0], engine)
+    found += [line for path, text in sorted(code.items()) if kind(path, text) in SOURCE for line in _short_waits(path, text)]
     found += [line for path, text in sorted(code.items()) if kind(path, text) == ".py" for line in _python_sleeps(path, text)]
     found += _found(code, SOURCE, r"(?:\.|->)exec\s*\(\s*\)", lambda match: "runs an event loop of its own",
                     lambda path: "int main(" in tree[path] or engine(path))
     return found
+
+
+def _short_waits(path, text):
+    """Qt's own give up after five seconds, unless they are told how long."""
+    for match in re.finditer(r"\bQTRY_(?:COMPARE|VERIFY)\s*\(|\bqWaitFor\s*\(", text):
+        depth, end = 1, match.end()
+        while depth and end < len(text):
+            depth += {"(": 1, ")": -1}.get(text[end], 0)
+            end += 1
+        if "QTRY" in match[0] or not re.search(r",\s*[\w:']+\s*\)$", text[match.end():end]):
+            yield f"{path}:{_line(text, match.start())}: gives up after five seconds: {match[0]}"
 
 
 def _python_sleeps(path, text):
