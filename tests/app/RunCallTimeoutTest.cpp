@@ -139,19 +139,17 @@ TEST_F(RunCallTest, NoArgumentsAtAll)
 TEST_F(RunCallTest, EnvironmentAndWorkingFolderAreInherited)
 {
     m_engine.answer(u"doctor"_s, Answer::script(R"(printf '%s|%s' "$TUPPI_TEST_WORD" "$PWD")"));
-    qputenv("TUPPI_TEST_WORD", "handed on");
+    const test::Environment word("TUPPI_TEST_WORD", "handed on");
     const EngineReply reply = replyTo({u"doctor"_s});
-    qunsetenv("TUPPI_TEST_WORD");
     EXPECT_EQ(reply.out, u"handed on|"_s + QDir::currentPath());
 }
 
 TEST_F(RunCallTest, TheEnvironmentIsThatOfTheMomentOfTheCall)
 {
-    qputenv("TUPPI_TEST_WORD", "then");
+    const test::Environment word("TUPPI_TEST_WORD", "then");
     RunOptions options;
     options.before = [] { qputenv("TUPPI_TEST_WORD", "later"); }; // on the thread that runs the command
     const RawReply reply = RunAndWait(u"/bin/bash"_s, {u"-c"_s, u"printf %s \"$TUPPI_TEST_WORD\""_s}, options);
-    qunsetenv("TUPPI_TEST_WORD");
     EXPECT_EQ(reply.out, "then");
 }
 

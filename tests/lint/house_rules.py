@@ -47,12 +47,25 @@ ENGINE_FLOORS = {
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
-def read_tree(root):
-    """Every text that git keeps or would keep."""
+def names_in(root):
+    """Every file that git keeps or would keep; where it does not serve, as in an unpacked archive, all but what is built."""
     command = ["git", "-C", root, "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
-    names = subprocess.run(command, stdout=subprocess.PIPE, check=True, encoding="utf-8").stdout
+    try:
+        listed = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True, encoding="utf-8")
+        return list(filter(None, listed.stdout.split("\0")))
+    except (OSError, subprocess.CalledProcessError):
+        names = []
+        for folder, folders, files in os.walk(root):
+            folders[:] = [name for name in folders if not re.match(r"\.|__pycache__$", name)
+                          and not (folder == root and name.startswith("build"))]
+            names += [os.path.relpath(os.path.join(folder, file), root) for file in files]
+        return names
+
+
+def read_tree(root):
+    """Every text of the repository."""
     tree = {}
-    for path in filter(None, names.split("\0")):
+    for path in names_in(root):
         try:
             with open(os.path.join(root, path), encoding="utf-8") as file:
                 tree[path] = file.read()
@@ -199,10 +212,22 @@ def bare_waits(tree):
 
     found = _found(code, SOURCE, r"\bqWait\s*\(|\b(?:u|m|nano)?sleep(?:_for|_until)?\s*\(|waitForFinished\s*\(\s*-1\s*\)",
                    lambda match: "waits for a time: " + match[0], engine)
+    found += [line for path, text in sorted(code.items()) if kind(path, text) in SOURCE for line in _short_waits(path, text)]
     found += [line for path, text in sorted(code.items()) if kind(path, text) == ".py" for line in _python_sleeps(path, text)]
     found += _found(code, SOURCE, r"(?:\.|->)exec\s*\(\s*\)", lambda match: "runs an event loop of its own",
                     lambda path: "int main(" in tree[path] or engine(path))
     return found
+
+
+def _short_waits(path, text):
+    """Qt's own give up after five seconds, unless they are told how long."""
+    for match in re.finditer(r"\bQTRY_(?:COMPARE|VERIFY)\s*\(|\bqWaitFor\s*\(", text):
+        depth, end = 1, match.end()
+        while depth and end < len(text):
+            depth += {"(": 1, ")": -1}.get(text[end], 0)
+            end += 1
+        if "QTRY" in match[0] or not re.search(r",\s*[\w:']+\s*\)$", text[match.end():end]):
+            yield f"{path}:{_line(text, match.start())}: gives up after five seconds: {match[0]}"
 
 
 def _python_sleeps(path, text):

@@ -151,7 +151,8 @@ class TheRules(unittest.TestCase):
 
     def test_bare_waits(self):
         for line in ("QTest::qWait(100);", "QThread::msleep(5);", "sleep(1);", "std::this_thread::sleep_for(1s);", "usleep (1);",
-                     "process.waitForFinished(-1);", "dialog.exec();", "loop->exec();"):
+                     "process.waitForFinished(-1);", "dialog.exec();", "loop->exec();", "QTRY_COMPARE(a, b);", "QTRY_VERIFY(a);",
+                     "QTest::qWaitFor([&] { return seen(a, b); });", "qWaitFor(condition);"):
             self.assert_found(rules.bare_waits({"tests/a.cpp": "\n" + line + "\n"}), "tests/a.cpp:2:")
         self.assert_found(rules.bare_waits({"tests/a.py": "time" + ".sleep(1)\n"}), "tests/a.py:1:")
         self.assert_found(rules.bare_waits({"tests/a.py": "from time" + " import sleep\n"}), "tests/a.py:1:")
@@ -170,7 +171,7 @@ class TheRules(unittest.TestCase):
         self.assertEqual(rules.bare_waits({"tests/a.py": "def until(condition):\n    while not condition():\n        time" + ".sleep(1)\n"}), [])
         self.assertEqual(rules.bare_waits({"tests/a.py": "def test():\n    time" + ".sleep(chance.uniform(0, 1))\n"}), [])
         self.assertEqual(rules.bare_waits({"tests/AProgram.cpp": "int main() { return application.exec(); }"}), [])
-        for text in ("QTest::qWaitFor(condition);", "// sleep(1)\n", 'QString text = "sleep(1)";', "process.waitForFinished(1000);"):
+        for text in ("QTest::qWaitFor(condition, patience);", "qWaitFor([&] { return a(1); },\n    10'000);", "// sleep(1)\n", 'QString text = "sleep(1)";', "process.waitForFinished(1000);"):
             self.assertEqual(rules.bare_waits({"tests/a.cpp": text}), [], text)
         self.assertEqual(rules.bare_waits({"runtime/src/Store.cpp": "query.exec();"}), [])
 

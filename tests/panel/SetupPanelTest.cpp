@@ -8,6 +8,8 @@
 #include "ui/PillButton.h"
 #include "ui/TickBox.h"
 
+#include "support/Eventually.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QScrollArea>
@@ -127,7 +129,7 @@ private Q_SLOTS:
         open.panel->showTexts(TextsOfBatch(recordings(1), 0));
         QCOMPARE(open.child<FileList>(u"setupList"_s)->lines(), QStringList{u"Voice memo 1.m4a"_s});
         QCOMPARE(open.child<PillButton>(u"startButton"_s)->title(), u"Start Transcription"_s);
-        QTRY_COMPARE(open.child<QLabel>(u"setupDuration"_s)->text(), QString());
+        EVENTUALLY_COMPARE(open.child<QLabel>(u"setupDuration"_s)->text(), QString());
     }
 
     void aNameIsOneLineWhateverIsInIt()
@@ -137,7 +139,7 @@ private Q_SLOTS:
         QVERIFY(open.open());
         const int plain = open.child<FileList>(u"setupList"_s)->height();
         open.panel->showTexts(TextsOfBatch({u"/r/two\nlines\r\nand <b>marks & more.m4a"_s}, 0));
-        QTRY_VERIFY(open.child<FileList>(u"setupList"_s)->findChild<QLabel *>()->text().startsWith(u"two\nlines"_s));
+        EVENTUALLY_VERIFY(open.child<FileList>(u"setupList"_s)->findChild<QLabel *>()->text().startsWith(u"two\nlines"_s));
         QCoreApplication::sendPostedEvents();
         QCOMPARE(open.child<FileList>(u"setupList"_s)->height(), plain);
     }
@@ -149,10 +151,10 @@ private Q_SLOTS:
         QVERIFY(open.open());
         const int low = open.panel->height();
         open.panel->showTexts(TextsOfBatch(recordings(6), 0));
-        QTRY_VERIFY(open.panel->height() > low + 5 * 14);
+        EVENTUALLY_VERIFY(open.panel->height() > low + 5 * 14);
         QCOMPARE(open.child<QScrollArea>(u"setupScroll"_s)->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
         open.panel->showTexts(TextsOfBatch(recordings(1), 0));
-        QTRY_COMPARE(open.panel->height(), low);
+        EVENTUALLY_COMPARE(open.panel->height(), low);
     }
 
     void thousandsOfLengthsCostAFewLayouts()
@@ -169,7 +171,7 @@ private Q_SLOTS:
             QCoreApplication::sendPostedEvents();
         }
         QVERIFY2(layouts.count <= 3, qPrintable(QString::number(layouts.count)));
-        QTRY_COMPARE(open.child<QLabel>(u"setupDuration"_s)->text(), u"83h 20m"_s);
+        EVENTUALLY_COMPARE(open.child<QLabel>(u"setupDuration"_s)->text(), u"83h 20m"_s);
     }
 
     void startGivesTheChoicesAsTheyStand()

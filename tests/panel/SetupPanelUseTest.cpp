@@ -10,6 +10,8 @@
 #include "ui/PillButton.h"
 #include "ui/TickBox.h"
 
+#include "support/Eventually.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDropEvent>
@@ -136,7 +138,7 @@ private Q_SLOTS:
         buttons[0]->click();
         buttons[0]->click();
         QCOMPARE(answers, QList<bool>{true});
-        QTRY_VERIFY(!sheet);
+        EVENTUALLY_VERIFY(!sheet);
     }
 
     void aWarningWhoseWindowGoesAnswersNobody()
@@ -215,14 +217,14 @@ private Q_SLOTS:
         QVERIFY(tabTo(open, open.languages()));
         QTest::keyClick(open.languages(), Qt::Key_Down);
         QAbstractItemView *list = open.languages()->view();
-        QTRY_VERIFY(list->isVisible());
+        EVENTUALLY_VERIFY(list->isVisible());
         // Nothing is chosen, and nothing asked, in passing.
         for (int step = 0; step < 30; ++step)
             QTest::keyClick(list, Qt::Key_Down);
         QCOMPARE(open.language(), u"en"_s);
         QVERIFY(!warning(*open.panel));
         QTest::keyClick(list, Qt::Key_Return);
-        QTRY_VERIFY(!list->isVisible());
+        EVENTUALLY_VERIFY(!list->isVisible());
         QCOMPARE(open.language(), u"uk"_s);
         QCOMPARE(open.started->count(), 0);
     }
@@ -282,7 +284,7 @@ private Q_SLOTS:
         QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFiles);
         QCOMPARE(dialog->nameFilters().size(), 1);
         dialog->reject();
-        QTRY_VERIFY(!dialog);
+        EVENTUALLY_VERIFY(!dialog);
     }
 };
 

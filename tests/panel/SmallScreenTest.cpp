@@ -4,6 +4,8 @@
 
 #include "ui/PillButton.h"
 
+#include "support/Eventually.h"
+
 #include <QApplication>
 #include <QScreen>
 #include <QScrollArea>
@@ -79,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(open.open());
         open.panel->move(40, 300);
         open.panel->showTexts(TextsOfBatch(recordings(6), 0));
-        QTRY_VERIFY(open.panel->frameGeometry().bottom() < 520);
+        EVENTUALLY_VERIFY(open.panel->frameGeometry().bottom() < 520);
         QVERIFY(open.panel->y() >= 0);
     }
 };

@@ -1,5 +1,7 @@
 #include "platform/ActivateWindow.h"
 
+#include "support/Eventually.h"
+
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
@@ -132,7 +134,7 @@ private Q_SLOTS:
         m_window = std::make_unique<QWindow>();
         m_window->resize(200, 100);
         m_window->show();
-        QTRY_VERIFY((m_manager.work(), m_window->isExposed()));
+        EVENTUALLY_VERIFY((m_manager.work(), m_window->isExposed()));
         m_manager.activations.clear();
         m_manager.startupMessages.clear();
     }
@@ -141,7 +143,7 @@ private Q_SLOTS:
     void withoutAToken()
     {
         ActivateWindow(m_window.get(), QString());
-        QTRY_COMPARE((m_manager.work(), m_manager.activations.size()), 1);
+        EVENTUALLY_COMPARE((m_manager.work(), m_manager.activations.size()), 1);
         QCOMPARE(m_manager.activations.constFirst().window, xcb_window_t(m_window->winId()));
         QCOMPARE(m_manager.startupId(m_window->winId()), QByteArray());
         QCOMPARE(m_manager.startupMessages, QByteArray());
@@ -151,7 +153,7 @@ private Q_SLOTS:
     {
         const QString token = u"files/tuppi \"1\"/4711-0-host_TIME3000000123"_s;
         ActivateWindow(m_window.get(), token);
-        QTRY_VERIFY((m_manager.work(), m_manager.startupMessages.endsWith('\0')));
+        EVENTUALLY_VERIFY((m_manager.work(), m_manager.startupMessages.endsWith('\0')));
         QCOMPARE(m_manager.activations.size(), 1);
         QCOMPARE(m_manager.activations.constFirst().window, xcb_window_t(m_window->winId()));
         QCOMPARE(m_manager.activations.constFirst().source, 1u);
@@ -176,7 +178,7 @@ private Q_SLOTS:
     {
         QFETCH(const QString, token);
         ActivateWindow(m_window.get(), token);
-        QTRY_VERIFY((m_manager.work(), m_manager.startupMessages.endsWith('\0')));
+        EVENTUALLY_VERIFY((m_manager.work(), m_manager.startupMessages.endsWith('\0')));
         QCOMPARE(m_manager.activations.size(), 1); // Qt's own
         QCOMPARE(m_manager.startupId(m_window->winId()), token.toUtf8());
     }

@@ -2,6 +2,8 @@
 #include "intake/AcceptedFiles.h"
 #include "platform/MediaLength.h"
 
+#include "support/Eventually.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -252,7 +254,7 @@ private Q_SLOTS:
             Qt::DirectConnection);
         lengths.measure({path(u"tone.flac"_s)});
         QCOMPARE(seconds, -1.0); // not before the event loop
-        QTRY_VERIFY(thread);
+        EVENTUALLY_VERIFY(thread);
         QCOMPARE(thread, QThread::currentThread());
         QVERIFY(qAbs(seconds - toneSeconds) < 0.2);
     }
@@ -290,13 +292,13 @@ private Q_SLOTS:
         QSignalSpy answers(&lengths, &MediaLengths::measured);
         for (int i = 0; i < 2000; ++i)
             lengths.measure({QString::number(i)}); // none of them is let go on yet
-        QTRY_COMPARE(gate.entered(), 2);
+        EVENTUALLY_COMPARE(gate.entered(), 2);
         gate.open(2000);
         QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 2000, 60000);
         QCOMPARE(gate.mostAtOnce(), 2);
         gate.open(1);
         lengths.measure({u"again"_s}); // after its threads have ended
-        QTRY_COMPARE(answers.size(), 2001);
+        EVENTUALLY_COMPARE(answers.size(), 2001);
         QCOMPARE(answers.constLast(), (QVariantList{u"again"_s, 5.0}));
     }
 
@@ -307,11 +309,11 @@ private Q_SLOTS:
         QSignalSpy answers(lengths.get(), &MediaLengths::measured);
         for (int i = 0; i < 100; ++i)
             lengths->measure({QString::number(i)});
-        QTRY_COMPARE(gate.entered(), 2);
+        EVENTUALLY_COMPARE(gate.entered(), 2);
         lengths.reset(); // though both readings are held up
         QCOMPARE(gate.left(), 0);
         gate.open(100);
-        QTRY_COMPARE(gate.left(), 2);
+        EVENTUALLY_COMPARE(gate.left(), 2);
         QVERIFY(gate.sawCancelled());
         QCoreApplication::sendPostedEvents();
         QCOMPARE(gate.entered(), 2);

@@ -1,5 +1,7 @@
 #include "platform/Notifier.h"
 
+#include "support/Eventually.h"
+
 #include <QDBusConnectionInterface>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -29,7 +31,7 @@ class NotificationDaemonTest : public QObject
     }
     static bool shows(int count)
     {
-        return QTest::qWaitFor([&] { return control({u"count"_s, u"displayed"_s}).toInt() == count; }, 30'000);
+        return QTest::qWaitFor([&] { return control({u"count"_s, u"displayed"_s}).toInt() == count; }, test::patience);
     }
     /// What has been shown and is closed, latest first: "title: body".
     static QStringList history()
@@ -48,7 +50,7 @@ class NotificationDaemonTest : public QObject
         if (!shows(1))
             return false;
         control({u"action"_s, u"0"_s});
-        const bool told = QTest::qWaitFor([&] { return clicked.size() == 1; }, 30'000);
+        const bool told = QTest::qWaitFor([&] { return clicked.size() == 1; }, test::patience);
         control({u"close-all"_s});
         return told && clicked.at(0).at(0).toString() == identifier && shows(0);
     }
@@ -57,7 +59,7 @@ class NotificationDaemonTest : public QObject
         m_daemon.start(u"dunst"_s, {u"-conf"_s, m_dir.filePath(u"dunstrc"_s)});
         const QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
         return QTest::qWaitFor([&] { return bus->isServiceRegistered(u"org.freedesktop.Notifications"_s).value(); },
-                               30'000);
+                               test::patience);
     }
     void stopDaemon()
     {

@@ -1,6 +1,8 @@
 #include "platform/Notifier.h"
 #include "PrivateBus.h"
 
+#include "support/Eventually.h"
+
 #include <QDBusArgument>
 #include <QRegularExpression>
 #include <QSemaphore>
@@ -72,7 +74,7 @@ class NotifierTest : public QObject
     QList<Posted> posted() const { return posted(*m_service); }
     bool havePosted(int count)
     {
-        return QTest::qWaitFor([&] { return posted().size() == count; }, 30'000);
+        return QTest::qWaitFor([&] { return posted().size() == count; }, test::patience);
     }
     void makeNotifier(int limit = serviceLimit)
     {
@@ -199,11 +201,11 @@ private Q_SLOTS:
         if (withToken)
             tell(*m_service, u"ActivationToken"_s, 42, u"token-7"_s);
         tell(*m_service, u"ActionInvoked"_s, 42, action);
-        QTRY_COMPARE(clicked.size(), 1);
+        EVENTUALLY_COMPARE(clicked.size(), 1);
         QCOMPARE(clicked.at(0), (QVariantList{u"tr-2"_s, withToken ? u"token-7"_s : QString()}));
         // The token is spent; the notice can be clicked again.
         tell(*m_service, u"ActionInvoked"_s, 42, action);
-        QTRY_COMPARE(clicked.size(), 2);
+        EVENTUALLY_COMPARE(clicked.size(), 2);
         QCOMPARE(clicked.at(1), (QVariantList{u"tr-2"_s, QString()}));
     }
 
@@ -226,7 +228,7 @@ private Q_SLOTS:
         m_service->send(broken);
         settle();
         tell(*m_service, u"ActionInvoked"_s, 42, u"default"_s);
-        QTRY_COMPARE(clicked.size(), 1);
+        EVENTUALLY_COMPARE(clicked.size(), 1);
         QCOMPARE(clicked.at(0), (QVariantList{u"tr-2"_s, QString()}));
         // What was closed takes no place any more.
         const int count = int(posted().size());
@@ -251,15 +253,15 @@ private Q_SLOTS:
         QVERIFY(other.takeName());
         m_notifier->post(u"tr-1"_s, u"A again"_s, {});
         QVERIFY(QTest::qWaitFor([&] { return !posted(other).isEmpty() && posted(other).last().title() == u"A again"_s; },
-                                30'000));
+                                test::patience));
         QCOMPARE(posted(other).last().replaces(), 0u);
         QVERIFY(posted(other).last().actions().isEmpty());
         const uint number = m_number;
         m_notifier->post(u"tr-1"_s, u"A once more"_s, {});
-        QVERIFY(QTest::qWaitFor([&] { return posted(other).last().title() == u"A once more"_s; }, 30'000));
+        QVERIFY(QTest::qWaitFor([&] { return posted(other).last().title() == u"A once more"_s; }, test::patience));
         QCOMPARE(posted(other).last().replaces(), number);
         tell(other, u"ActionInvoked"_s, number, u"default"_s);
-        QTRY_COMPARE(clicked.size(), 1);
+        EVENTUALLY_COMPARE(clicked.size(), 1);
         QCOMPARE(posted().size(), 1);
     }
 
@@ -276,7 +278,7 @@ private Q_SLOTS:
         QVERIFY(posted().at(0).actions().isEmpty());
         serve(*m_service);
         m_notifier->post(u"tr-3"_s, u"C"_s, {});
-        QTRY_VERIFY(m_number == 41);
+        EVENTUALLY_VERIFY(m_number == 41);
         QCOMPARE(posted().last().title(), u"C"_s);
     }
 
@@ -309,7 +311,7 @@ private Q_SLOTS:
         QVERIFY(m_service->takeName());
         makeNotifier();
         m_notifier->post(u"tr-1"_s, u"A"_s, {});
-        QTRY_COMPARE(m_service->calls.size(), 1);
+        EVENTUALLY_COMPARE(m_service->calls.size(), 1);
         m_notifier.reset();
         m_service->send(m_service->calls.constFirst().createReply(m_capabilities));
         m_app->call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));

@@ -1,6 +1,8 @@
 #include "platform/ReducedMotion.h"
 #include "PrivateBus.h"
 
+#include "support/Eventually.h"
+
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDir>
@@ -176,15 +178,15 @@ private Q_SLOTS:
 
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
         QSignalSpy changed(&motionNow, &ReducedMotion::changed);
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         QCOMPARE(m_portal->calls.constFirst().arguments(), QVariantList{QStringList({appearance, gnome})});
         if (reduced) {
-            QTRY_VERIFY(motionNow.isReduced());
+            EVENTUALLY_VERIFY(motionNow.isReduced());
             QCOMPARE(changed, (QList<QVariantList>{{true}}));
         } else {
             // What the portal says next shows that the first answer has been read by then.
             changeMotion(1);
-            QTRY_VERIFY(motionNow.isReduced());
+            EVENTUALLY_VERIFY(motionNow.isReduced());
             QCOMPARE(changed, (QList<QVariantList>{{true}}));
             QCOMPARE(m_portal->count(u"ReadAll"_s), 2);
         }
@@ -217,7 +219,7 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         ReducedMotion motionNow(m_bus->connection(), kdeglobals(), 100);
         QVERIFY(!motionNow.isReduced());
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
     }
 
     void followsChanges()
@@ -226,14 +228,14 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
         QSignalSpy changed(&motionNow, &ReducedMotion::changed);
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         changeMotion(1);
-        QTRY_COMPARE(changed, (QList<QVariantList>{{true}}));
+        EVENTUALLY_COMPARE(changed, (QList<QVariantList>{{true}}));
         changeMotion(0);
-        QTRY_COMPARE(changed, (QList<QVariantList>{{true}, {false}}));
+        EVENTUALLY_COMPARE(changed, (QList<QVariantList>{{true}, {false}}));
         m_settings = animations(false);
         sendSettingChanged(gnome, u"enable-animations"_s, false);
-        QTRY_COMPARE(changed, (QList<QVariantList>{{true}, {false}, {true}}));
+        EVENTUALLY_COMPARE(changed, (QList<QVariantList>{{true}, {false}, {true}}));
     }
 
     void aChangeWhileAskingIsNotMissed()
@@ -242,24 +244,24 @@ private Q_SLOTS:
         QDBusMessage first;
         m_portal->answer = [&first](const QDBusMessage &call) { first = call; };
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         sendSettingChanged(appearance, u"reduced-motion"_s, 1u);
         sendSettingChanged(appearance, u"reduced-motion"_s, 1u);
         answerWithSettings();
         m_settings = motion(1);
         m_portal->send(first.createReply(QVariant::fromValue(motion(0))));
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
     }
 
     void otherSettingsAreNotFollowed()
     {
         QVERIFY(m_portal->takeName());
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         sendSettingChanged(appearance, u"color-scheme"_s, 1u);
         sendSettingChanged(gnome, u"reduced-motion"_s, 1u);
         changeMotion(1);
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
         QCOMPARE(m_portal->count(u"ReadAll"_s), 2);
     }
 
@@ -269,14 +271,14 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
         QSignalSpy changed(&motionNow, &ReducedMotion::changed);
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         sendSettingChanged(appearance, u"reduced-motion"_s, 1u); // the portal itself still says 0
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 2);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 2);
         m_settings = animations(true);
         sendSettingChanged(gnome, u"enable-animations"_s, true);
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 3);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 3);
         changeMotion(1);
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
         QCOMPARE(changed, (QList<QVariantList>{{true}}));
     }
 
@@ -287,12 +289,12 @@ private Q_SLOTS:
         QSignalSpy changed(&motionNow, &ReducedMotion::changed);
         QVERIFY(!motionNow.isReduced());
         QVERIFY(m_portal->takeName());
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
 
         QVERIFY(m_portal->dropName());
         m_settings = motion(0);
         QVERIFY(m_portal->takeName());
-        QTRY_VERIFY(!motionNow.isReduced());
+        EVENTUALLY_VERIFY(!motionNow.isReduced());
         // Its going alone changed nothing.
         QCOMPARE(changed, (QList<QVariantList>{{true}, {false}}));
     }
@@ -302,17 +304,17 @@ private Q_SLOTS:
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
         QSignalSpy changed(&motionNow, &ReducedMotion::changed);
         // Written only once it is watched: its folder is watched from the portal's answer on.
-        QTRY_VERIFY(motionNow.findChild<QFileSystemWatcher *>());
+        EVENTUALLY_VERIFY(motionNow.findChild<QFileSystemWatcher *>());
         replaceKdeglobals("[KDE]\nAnimationDurationFactor=0\n"); // appears
-        QTRY_COMPARE(changed.size(), 1);
+        EVENTUALLY_COMPARE(changed.size(), 1);
         replaceKdeglobals("[KDE]\nAnimationDurationFactor=2\n"); // is replaced
-        QTRY_COMPARE(changed.size(), 2);
+        EVENTUALLY_COMPARE(changed.size(), 2);
         writeKdeglobals("[KDE]\nAnimationDurationFactor=0\n"); // is written in place
-        QTRY_COMPARE(changed.size(), 3);
+        EVENTUALLY_COMPARE(changed.size(), 3);
         QVERIFY(QFile::remove(kdeglobals())); // vanishes
-        QTRY_COMPARE(changed.size(), 4);
+        EVENTUALLY_COMPARE(changed.size(), 4);
         replaceKdeglobals("[KDE]\nAnimationDurationFactor=0\n"); // comes back
-        QTRY_COMPARE(changed.size(), 5);
+        EVENTUALLY_COMPARE(changed.size(), 5);
         QVERIFY(motionNow.isReduced());
     }
 
@@ -321,9 +323,9 @@ private Q_SLOTS:
         m_settings = animations(true);
         QVERIFY(m_portal->takeName());
         ReducedMotion motionNow(m_bus->connection(), kdeglobals());
-        QTRY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"ReadAll"_s), 1);
         changeMotion(1);
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
         QVERIFY(!motionNow.findChild<QFileSystemWatcher *>());
     }
 
@@ -341,9 +343,9 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         const QDBusConnection connection = m_bus->connection();
         ReducedMotion motionNow(connection, kdeglobals());
-        QTRY_VERIFY(motionNow.isReduced());
+        EVENTUALLY_VERIFY(motionNow.isReduced());
         ::kill(pid_t(m_bus->processId()), SIGKILL);
-        QTRY_VERIFY(!connection.isConnected());
+        EVENTUALLY_VERIFY(!connection.isConnected());
         QVERIFY(motionNow.isReduced());
     }
 

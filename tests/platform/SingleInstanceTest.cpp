@@ -1,6 +1,8 @@
 #include "PrivateBus.h"
 #include "platform/ApplicationId.h"
 
+#include "support/Eventually.h"
+
 #include <QProcess>
 #include <QTest>
 
@@ -88,13 +90,13 @@ private Q_SLOTS:
     void filesGoToTheFirst()
     {
         const auto first = run();
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         const QStringList files{u"/tmp/one two.mp3"_s, u"/tmp/a%20b#c?.wav"_s, u"/tmp/line\nbreak.m4a"_s,
                                 u"/tmp/مقابلة.ogg"_s, u"/tmp/-x; $(true) 'q' \"Q\".mp3"_s};
         const auto second = run(u"run"_s, longLimit, files, {u"XDG_ACTIVATION_TOKEN=token-1"_s});
-        QTRY_COMPARE(second->role(), u"handed over"_s);
-        QTRY_VERIFY(!second->isRunning());
-        QTRY_COMPARE(first->heard().value(6), u"opened 5"_s);
+        EVENTUALLY_COMPARE(second->role(), u"handed over"_s);
+        EVENTUALLY_VERIFY(!second->isRunning());
+        EVENTUALLY_COMPARE(first->heard().value(6), u"opened 5"_s);
         QCOMPARE(first->heard().constFirst(), u"opened 0"_s);
         QVERIFY(first->heard().filter(u"activated"_s).isEmpty()); // what is no recording brings no window forward
         for (qsizetype i = 0; i < files.size(); ++i) {
@@ -122,10 +124,10 @@ private Q_SLOTS:
         QFETCH(const QStringList, variables);
         QFETCH(const QString, token);
         const auto first = run();
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         const auto second = run(u"run"_s, longLimit, {}, variables);
-        QTRY_COMPARE(second->role(), u"handed over"_s);
-        QTRY_COMPARE(first->heard(), QStringList{u"activated %1"_s.arg(token)});
+        EVENTUALLY_COMPARE(second->role(), u"handed over"_s);
+        EVENTUALLY_COMPARE(first->heard(), QStringList{u"activated %1"_s.arg(token)});
     }
 
     void manyAtOnce()
@@ -144,27 +146,27 @@ private Q_SLOTS:
         }
         QCOMPARE(roles.count(u"primary"_s), 1);
         QCOMPARE(roles.count(u"handed over"_s), 7);
-        QTRY_COMPARE(primary->heard().count(u"opened 1"_s), 7);
+        EVENTUALLY_COMPARE(primary->heard().count(u"opened 1"_s), 7);
     }
 
     void theNameIsFreeAfterTheFirst()
     {
         const auto first = run();
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         first->quit();
-        QTRY_VERIFY(!first->isRunning());
+        EVENTUALLY_VERIFY(!first->isRunning());
         const auto second = run();
-        QTRY_COMPARE(second->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(second->role(), u"primary"_s);
     }
 
     void anOwnerThatIsSlowIsWaitedFor()
     {
         const auto first = run(u"deaf"_s);
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         const auto second = run(u"run"_s, longLimit, {u"/tmp/a.mp3"_s});
         first->goOn();
-        QTRY_COMPARE(second->role(), u"handed over"_s);
-        QTRY_COMPARE(first->heard().value(2), u"opened 1"_s);
+        EVENTUALLY_COMPARE(second->role(), u"handed over"_s);
+        EVENTUALLY_COMPARE(first->heard().value(2), u"opened 1"_s);
     }
 
     void anOwnerThatHangs_data()
@@ -178,17 +180,17 @@ private Q_SLOTS:
     {
         QFETCH(const bool, stopped);
         const auto first = run(stopped ? u"run"_s : u"deaf"_s);
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         if (stopped)
             first->stop();
         const auto second = run(u"run"_s, shortLimit, {u"/tmp/a.mp3"_s});
-        QTRY_COMPARE(second->role(), u"alone"_s);
+        EVENTUALLY_COMPARE(second->role(), u"alone"_s);
         // The files stay with the process that runs alone: the other one, awake again, never gets them.
         first->resume();
         first->goOn();
         const auto third = run(u"run"_s, longLimit, {u"/tmp/b.mp3"_s});
-        QTRY_COMPARE(third->role(), u"handed over"_s);
-        QTRY_VERIFY(first->heard().contains(u"opened 1"_s));
+        EVENTUALLY_COMPARE(third->role(), u"handed over"_s);
+        EVENTUALLY_VERIFY(first->heard().contains(u"opened 1"_s));
         QVERIFY(!first->heard().join(u' ').contains(u"a.mp3"_s));
         QVERIFY(first->heard().join(u' ').contains(u"b.mp3"_s));
     }
@@ -196,10 +198,10 @@ private Q_SLOTS:
     void anOwnerThatDiesWhileItIsAsked()
     {
         const auto first = run(u"die"_s);
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         const auto second = run(u"run"_s, longLimit, {u"/tmp/a.mp3"_s});
-        QTRY_COMPARE(second->role(), u"primary"_s);
-        QTRY_VERIFY(!first->isRunning());
+        EVENTUALLY_COMPARE(second->role(), u"primary"_s);
+        EVENTUALLY_VERIFY(!first->isRunning());
     }
 
     void anOwnerThatKnowsNoneOfThis()
@@ -207,7 +209,7 @@ private Q_SLOTS:
         MockService owner(m_bus->connection(), QString(applicationId), u"/somewhere/else"_s);
         QVERIFY(owner.takeName());
         const auto instance = run(u"run"_s, longLimit, {u"/tmp/a.mp3"_s});
-        QTRY_COMPARE(instance->role(), u"alone"_s);
+        EVENTUALLY_COMPARE(instance->role(), u"alone"_s);
         QCOMPARE(instance->complaints(), QByteArray());
     }
 
@@ -222,26 +224,26 @@ private Q_SLOTS:
     {
         QFETCH(const QString, address);
         Instance instance(address, u"run"_s, longLimit, {u"/tmp/a.mp3"_s});
-        QTRY_COMPARE(instance.role(), u"alone"_s);
+        EVENTUALLY_COMPARE(instance.role(), u"alone"_s);
         instance.quit();
-        QTRY_VERIFY(!instance.isRunning());
+        EVENTUALLY_VERIFY(!instance.isRunning());
         QCOMPARE(instance.complaints(), QByteArray());
     }
 
     void outlivesTheBus()
     {
         const auto first = run();
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         m_bus.reset();
         first->quit();
-        QTRY_VERIFY(!first->isRunning());
+        EVENTUALLY_VERIFY(!first->isRunning());
         QCOMPARE(first->complaints(), QByteArray());
     }
 
     void theDesktopAsks()
     {
         const auto first = run();
-        QTRY_COMPARE(first->role(), u"primary"_s);
+        EVENTUALLY_COMPARE(first->role(), u"primary"_s);
         const QDBusConnection desktop = m_bus->connection();
         const auto ask = [&](const QString &method, const QVariantList &arguments) {
             QDBusMessage call = QDBusMessage::createMethodCall(applicationId, applicationObjectPath,
@@ -265,7 +267,7 @@ private Q_SLOTS:
                                    u"open https://example.org/x.mp3 t"_s,
                                    u"opened 2"_s,
                                    u"opened 0"_s};
-        QTRY_COMPARE(first->heard(), expected);
+        EVENTUALLY_COMPARE(first->heard(), expected);
     }
 };
 

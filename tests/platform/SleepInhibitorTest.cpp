@@ -1,6 +1,8 @@
 #include "platform/SleepInhibitor.h"
 #include "PrivateBus.h"
 
+#include "support/Eventually.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
@@ -176,7 +178,7 @@ private Q_SLOTS:
         QSignalSpy changes(m_inhibitor.get(), &SleepInhibitor::holderChanged);
         m_inhibitor->setInhibited(true);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
 
         const QDBusMessage call = m_portal->calls.constFirst();
         QCOMPARE(call.interface(), u"org.freedesktop.portal.Inhibit"_s);
@@ -187,7 +189,7 @@ private Q_SLOTS:
 
         m_inhibitor->setInhibited(false);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
-        QTRY_COMPARE(closed(), requested());
+        EVENTUALLY_COMPARE(closed(), requested());
         QCOMPARE(changes.size(), 2);
         QCOMPARE(m_logind->calls.size(), 0);
     }
@@ -200,12 +202,12 @@ private Q_SLOTS:
         m_inhibitor->setInhibited(false);
         for (int i = 0; i < 3; ++i)
             m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         m_inhibitor->setInhibited(true);
         for (int i = 0; i < 3; ++i)
             m_inhibitor->setInhibited(false);
         m_inhibitor->setInhibited(true); // comes after all of those
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         QCOMPARE(m_portal->count(u"Inhibit"_s), 2);
         QCOMPARE(m_portal->count(u"Close"_s), 1);
     }
@@ -216,10 +218,10 @@ private Q_SLOTS:
         makeInhibitor();
         QSignalSpy changes(m_inhibitor.get(), &SleepInhibitor::holderChanged);
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_portal->count(u"Inhibit"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"Inhibit"_s), 1);
         m_inhibitor->setInhibited(false);
         grant(m_portal->calls.constFirst());
-        QTRY_COMPARE(closed(), requested());
+        EVENTUALLY_COMPARE(closed(), requested());
         QCOMPARE(changes.size(), 0);
     }
 
@@ -230,15 +232,15 @@ private Q_SLOTS:
         m_inhibitor->setInhibited(true);
         m_inhibitor->setInhibited(false);
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_portal->count(u"Inhibit"_s), 2);
+        EVENTUALLY_COMPARE(m_portal->count(u"Inhibit"_s), 2);
         const QStringList requests = requested();
         QVERIFY(requests.value(0) != requests.value(1));
         grant(m_portal->calls.value(1));
         grant(m_portal->calls.value(0));
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
-        QTRY_COMPARE(closed(), requests.first(1));
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(closed(), requests.first(1));
         m_inhibitor->setInhibited(false);
-        QTRY_COMPARE(closed(), requests);
+        EVENTUALLY_COMPARE(closed(), requests);
     }
 
     void deathReleases()
@@ -247,9 +249,9 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         m_inhibitor.reset();
-        QTRY_COMPARE(closed(), requested());
+        EVENTUALLY_COMPARE(closed(), requested());
     }
 
     void deathWhileTheGrantIsOnItsWay()
@@ -257,10 +259,10 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_portal->count(u"Inhibit"_s), 1);
+        EVENTUALLY_COMPARE(m_portal->count(u"Inhibit"_s), 1);
         m_inhibitor.reset();
         grant(m_portal->calls.constFirst());
-        QTRY_COMPARE(closed(), requested());
+        EVENTUALLY_COMPARE(closed(), requested());
     }
 
     void aPathThatThePortalChose()
@@ -272,9 +274,9 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         m_inhibitor->setInhibited(false);
-        QTRY_COMPARE(closed(), QStringList{chosen});
+        EVENTUALLY_COMPARE(closed(), QStringList{chosen});
     }
 
     void logindWhereThePortalRefuses()
@@ -285,7 +287,7 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
         const QDBusMessage call = m_logind->calls.constFirst();
         QCOMPARE(call.interface(), u"org.freedesktop.login1.Manager"_s);
         QCOMPARE(call.member(), u"Inhibit"_s);
@@ -294,7 +296,7 @@ private Q_SLOTS:
         QVERIFY(!lock.isReleased());
         m_inhibitor->setInhibited(false);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
-        QTRY_VERIFY(lock.isReleased());
+        EVENTUALLY_VERIFY(lock.isReleased());
     }
 
     void logindLockEndsWithTheObject()
@@ -304,9 +306,9 @@ private Q_SLOTS:
         QVERIFY(m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
         m_inhibitor.reset();
-        QTRY_VERIFY(lock.isReleased());
+        EVENTUALLY_VERIFY(lock.isReleased());
     }
 
     void logindGrantsTooLate_data()
@@ -323,13 +325,13 @@ private Q_SLOTS:
         QVERIFY(m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_logind->calls.size(), 1);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 1);
         if (dies)
             m_inhibitor.reset();
         else
             m_inhibitor->setInhibited(false);
         m_logind->send(m_logind->calls.constFirst().createReply(QVariant::fromValue(lock.give())));
-        QTRY_VERIFY(lock.isReleased());
+        EVENTUALLY_VERIFY(lock.isReleased());
         QVERIFY(dies || m_inhibitor->holder() == Holder::Nobody);
     }
 
@@ -339,13 +341,13 @@ private Q_SLOTS:
         QVERIFY(m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_logind->calls.size(), 1);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 1);
         m_inhibitor->setInhibited(false);
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_logind->calls.size(), 2);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 2);
         m_logind->send(m_logind->calls.value(0).createErrorReply(QDBusError::AccessDenied, u"no"_s));
         m_logind->send(m_logind->calls.value(1).createReply(QVariant::fromValue(lock.give())));
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
         QVERIFY(!lock.isReleased());
     }
 
@@ -356,9 +358,9 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor(100);
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
         // What it may still grant has been given back.
-        QTRY_COMPARE(closed(), requested());
+        EVENTUALLY_COMPARE(closed(), requested());
     }
 
     void thePortalSaysNoLater()
@@ -369,7 +371,7 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         const auto respond = [this](const QString &path, uint code) {
             QDBusMessage response =
                 QDBusMessage::createSignal(path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
@@ -381,7 +383,7 @@ private Q_SLOTS:
         respond(request, 0);
         QCOMPARE(m_inhibitor->holder(), Holder::Portal);
         respond(request, 2);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
         QCOMPARE(m_logind->calls.size(), 1);
     }
 
@@ -393,9 +395,9 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Portal);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
         QVERIFY(m_portal->dropName());
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
     }
 
     void nobodyIsThereUntilLater_data()
@@ -414,7 +416,7 @@ private Q_SLOTS:
         makeInhibitor();
         m_inhibitor->setInhibited(true);
         QVERIFY(late == Holder::Portal ? m_portal->takeName() : m_logind->takeName());
-        QTRY_COMPARE(m_inhibitor->holder(), late);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), late);
     }
 
     void aRefusalIsNotAskedAgain()
@@ -426,11 +428,11 @@ private Q_SLOTS:
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_logind->calls.size(), 1);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 1);
         m_inhibitor->setInhibited(true);
         m_inhibitor->setInhibited(false);
         m_inhibitor->setInhibited(true); // new work is a new question
-        QTRY_COMPARE(m_logind->calls.size(), 2);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 2);
         QCOMPARE(m_portal->count(u"Inhibit"_s), 2);
         QCOMPARE(m_portal->count(u"Close"_s), 0);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
@@ -445,12 +447,12 @@ private Q_SLOTS:
         QVERIFY(m_logind->takeName());
         makeInhibitor();
         m_inhibitor->setInhibited(true);
-        QTRY_COMPARE(m_logind->calls.size(), 1);
+        EVENTUALLY_COMPARE(m_logind->calls.size(), 1);
         QVERIFY(m_logind->dropName());
         Lock lock;
         logindGives(lock);
         QVERIFY(m_logind->takeName()); // asked again only when the first answer counted as a refusal
-        QTRY_COMPARE(m_inhibitor->holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Logind);
     }
 
     void withoutABus()
@@ -466,7 +468,7 @@ private Q_SLOTS:
         QVERIFY(m_logind->takeName());
         SleepInhibitor other(NoBus(), *m_appSystem, u"Transcribing"_s);
         other.setInhibited(true);
-        QTRY_COMPARE(other.holder(), Holder::Logind);
+        EVENTUALLY_COMPARE(other.holder(), Holder::Logind);
         QCOMPARE(inhibitor.holder(), Holder::Nobody);
     }
 

@@ -1,6 +1,8 @@
 #include "platform/SoundPlayer.h"
 #include "SoundServer.h"
 
+#include "support/Eventually.h"
+
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
@@ -16,8 +18,6 @@ using namespace tuppi;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int generous = 60'000;
 
 /// An output that writes down what it is told, and waits as often as the test wants.
 struct FakeOutput : SoundOutput
@@ -72,7 +72,7 @@ public:
     void tell(const QByteArray &command) { m_process.write(command + '\n'); }
     bool hears(const QByteArray &line)
     {
-        return QTest::qWaitFor([&] { return said().contains(line); }, generous);
+        return QTest::qWaitFor([&] { return said().contains(line); }, test::patience);
     }
     QByteArrayList said()
     {
@@ -84,7 +84,7 @@ public:
         forget();
         tell("play " + name + " 0.5 loops");
         const QByteArray yes = "started " + name + " 1 1", no = "started " + name + " 1 0";
-        return QTest::qWaitFor([&] { return said().contains(yes) || said().contains(no); }, generous) &&
+        return QTest::qWaitFor([&] { return said().contains(yes) || said().contains(no); }, test::patience) &&
                said().contains(yes);
     }
     void forget() { m_said = {}; }
@@ -147,7 +147,7 @@ private Q_SLOTS:
             player.stop(u"purr"_s);
             player.play(u"mew"_s, 0.5, false);
             player.play(u"nothing"_s, 1, false);
-            QTRY_COMPARE_WITH_TIMEOUT(started.size(), 3, generous);
+            EVENTUALLY_COMPARE(started.size(), 3);
             QCOMPARE(started.at(0), (QVariantList{u"purr"_s, true, true}));
             QCOMPARE(started.at(1), (QVariantList{u"mew"_s, true, false}));
             QCOMPARE(started.at(2), (QVariantList{u"nothing"_s, false, false}));
@@ -175,7 +175,7 @@ private Q_SLOTS:
         player.setVolume(u"purr"_s, 1);
         player.play(u"purr"_s, 1, true);
         player.stop(u"purr"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(started.size(), 1, generous);
+        EVENTUALLY_COMPARE(started.size(), 1);
         QCOMPARE(started.at(0), (QVariantList{u"purr"_s, false, false}));
     }
 
@@ -185,9 +185,9 @@ private Q_SLOTS:
         SoundPlayer player([&] { return std::make_unique<FakeOutput>(book); });
         QSignalSpy started(&player, &SoundPlayer::started), lost(&player, &SoundPlayer::lost);
         player.play(u"purr"_s, 0.5, true);
-        QTRY_COMPARE_WITH_TIMEOUT(started.size(), 1, generous);
+        EVENTUALLY_COMPARE(started.size(), 1);
         book.output.load()->lost(u"purr"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, generous);
+        EVENTUALLY_COMPARE(lost.size(), 1);
         QCOMPARE(lost.at(0), QVariantList{u"purr"_s});
     }
 
@@ -202,11 +202,11 @@ private Q_SLOTS:
             player->play(u"purr"_s, 0.5, true);
             player->stop(u"purr"_s);
         }
-        QTRY_VERIFY_WITH_TIMEOUT(book.output, generous);
+        EVENTUALLY_VERIFY(book.output);
         player.reset(); // while the first call still hangs
         QVERIFY(book.calls.isEmpty());
         gate.release(1000);
-        QTRY_VERIFY_WITH_TIMEOUT(book.gone, generous);
+        EVENTUALLY_VERIFY(book.gone);
     }
 
     void thePurrHasNoSeam()
@@ -222,7 +222,7 @@ private Q_SLOTS:
         constexpr qsizetype half = 22050;
         // Once is enough: on a busy computer the server may run dry elsewhere, but not at every seam.
         const QList<qint16> overTheSeam = purr.last(half) + purr.first(half);
-        QVERIFY(QTest::qWaitFor([&] { return find(recording.samples(), overTheSeam) >= 0; }, generous));
+        QVERIFY(QTest::qWaitFor([&] { return find(recording.samples(), overTheSeam) >= 0; }, test::patience));
     }
 
     void theMewPlaysOnce()
@@ -241,8 +241,8 @@ private Q_SLOTS:
             program.tell("play cat-meow 0.5 once\nplay cat-meow 0.5 once");
             QVERIFY(program.hears("started cat-meow 1 1"));
             program.forget();
-            QTRY_VERIFY_WITH_TIMEOUT(!isSilent(recording.samples().sliced(from)), generous);
-            QTRY_VERIFY_WITH_TIMEOUT(recording.samples().size() > second && isSilent(recording.samples().last(second)), generous);
+            EVENTUALLY_VERIFY(!isSilent(recording.samples().sliced(from)));
+            EVENTUALLY_VERIFY(recording.samples().size() > second && isSilent(recording.samples().last(second)));
             const qsizetype start = find(recording.samples(), mew, from);
             if (start < 0)
                 continue;
@@ -261,7 +261,7 @@ private Q_SLOTS:
         program.tell("play cat-bark 0.5 once");
         QVERIFY(program.hears("started cat-bark 0 0"));
         program.tell("quit");
-        QTRY_VERIFY_WITH_TIMEOUT(!program.isRunning(), generous);
+        EVENTUALLY_VERIFY(!program.isRunning());
         QCOMPARE(program.exitCode(), 7);
     }
 
@@ -272,7 +272,7 @@ private Q_SLOTS:
         QVERIFY(program.hears("started cat-purr 1 0"));
         QVERIFY(program.hears("started cat-meow 1 0"));
         program.tell("quit");
-        QTRY_VERIFY_WITH_TIMEOUT(!program.isRunning(), generous);
+        EVENTUALLY_VERIFY(!program.isRunning());
         QCOMPARE(program.exitCode(), 7);
     }
 
@@ -287,9 +287,9 @@ private Q_SLOTS:
         QVERIFY(program.hears("lost cat-purr"));
         QVERIFY(server.start());
         Recording recording(server);
-        QTRY_VERIFY_WITH_TIMEOUT(program.canStart("cat-purr"), generous);
+        EVENTUALLY_VERIFY(program.canStart("cat-purr"));
         const QList<qint16> purr = atVolume(SoundFile(u"cat-purr"_s), 0.5);
-        QTRY_VERIFY_WITH_TIMEOUT(find(recording.samples(), purr.first(22050)) >= 0, generous);
+        EVENTUALLY_VERIFY(find(recording.samples(), purr.first(22050)) >= 0);
     }
 
     void aServerThatNeverAnswers()
@@ -299,7 +299,7 @@ private Q_SLOTS:
         QVERIFY(silent.listen(folder.filePath(u"socket"_s)));
         Program program(u"unix:"_s + folder.filePath(u"socket"_s));
         program.tell("play cat-purr 0.5 loops");
-        QTRY_VERIFY_WITH_TIMEOUT(silent.hasPendingConnections(), generous);
+        EVENTUALLY_VERIFY(silent.hasPendingConnections());
         program.forget();
         program.tell("volume cat-purr 0.2");
         QVERIFY(program.hears("done"));

@@ -1,5 +1,7 @@
 #include "SoundServer.h"
 
+#include "support/Eventually.h"
+
 #include <QFile>
 #include <QTest>
 
@@ -56,7 +58,7 @@ bool SoundServer::start()
                     // What it plays again after a change of mind is not recorded again.
                     u"--load=module-null-sink sink_name=speaker rate=44100 channels=1 norewinds=1"_s,
                     u"--load=module-native-protocol-unix auth-anonymous=1 socket="_s + socket});
-    return QTest::qWaitFor([&] { return QFile::exists(socket); }, 30'000) && m_daemon.state() == QProcess::Running;
+    return QTest::qWaitFor([&] { return QFile::exists(socket); }, tuppi::test::patience) && m_daemon.state() == QProcess::Running;
 }
 
 void SoundServer::kill()
@@ -82,7 +84,7 @@ Recording::Recording(const SoundServer &server)
     // An idle loudspeaker is not recorded: what follows then lacks its beginning.
     m_silence.start(u"pacat"_s, format + QStringList{u"--playback"_s, u"--device=speaker"_s, u"/dev/zero"_s});
     m_recorder.start(u"parec"_s, format + QStringList{u"--device=speaker.monitor"_s, u"--latency-msec=20"_s});
-    (void)QTest::qWaitFor([this] { return !samples().isEmpty(); }, 30'000);
+    (void)QTest::qWaitFor([this] { return !samples().isEmpty(); }, tuppi::test::patience);
 }
 
 Recording::~Recording()

@@ -1,11 +1,12 @@
 #include "support/Support.h"
 
+#include "support/Eventually.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QSaveFile>
-#include <QTest>
 
 #include <ostream>
 
@@ -13,24 +14,31 @@ namespace tuppi::test {
 
 using namespace Qt::StringLiterals;
 
-HomeFolder::HomeFolder(const QString &path)
-    : m_before(qgetenv("HOME"))
+Environment::Environment(const char *name, const QByteArray &value)
+    : m_name(name)
+    , m_before(qgetenv(name))
 {
-    QDir().mkpath(path);
-    qputenv("HOME", QFile::encodeName(path));
-    for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
-        qunsetenv(name);
+    value.isNull() ? qunsetenv(name) : qputenv(name, value);
 }
 
-HomeFolder::~HomeFolder()
+Environment::~Environment()
 {
-    qputenv("HOME", m_before);
+    m_before.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_before);
+}
+
+HomeFolder::HomeFolder(const QString &path)
+    : m_variables{{"HOME", QFile::encodeName(path)},
+                  {"XDG_CONFIG_HOME", {}},
+                  {"XDG_DATA_HOME", {}},
+                  {"XDG_CACHE_HOME", {}},
+                  {"XDG_STATE_HOME", {}}}
+{
+    QDir().mkpath(path);
 }
 
 bool waitFor(const std::function<bool()> &condition)
 {
-    constexpr int generousMilliseconds = 60'000;
-    return QTest::qWaitFor(condition, generousMilliseconds);
+    return QTest::qWaitFor(condition, patience);
 }
 
 QByteArray readFile(const QString &path)

@@ -13,16 +13,28 @@
 
 namespace tuppi::test {
 
+/// An environment variable set, or with a null value taken away, while the object lives.
+class Environment
+{
+public:
+    Environment(const char *name, const QByteArray &value);
+    ~Environment();
+    Q_DISABLE_COPY(Environment)
+
+private:
+    const char *m_name;
+    QByteArray m_before;
+};
+
 /// Makes a folder the home of this process and of its children while the object lives.
 class HomeFolder
 {
 public:
     explicit HomeFolder(const QString &path);
-    ~HomeFolder();
     Q_DISABLE_COPY(HomeFolder)
 
 private:
-    QByteArray m_before;
+    Environment m_variables[5];
 };
 
 /// Runs the event loop until the condition holds. False when it still does not after a minute.

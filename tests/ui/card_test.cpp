@@ -228,7 +228,7 @@ TEST_F(ModelCardTest, theFocusRingIsRounded)
 {
     window.activateWindow();
     card->setFocus(Qt::TabFocusReason);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return card->hasFocus(); }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return card->hasFocus(); }, test::patience));
     const QImage picture = pictureOf(*card);
     const int middle = card->width() / 2;
     EXPECT_COLOUR(picture.pixelColor(middle, 0), Colours::focusRing);

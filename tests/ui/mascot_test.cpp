@@ -30,11 +30,11 @@ struct MascotTest : testing::Test
 
     bool runs(const QString &pose = u"waiting"_qs)
     {
-        return QTest::qWaitFor([&] { return mascots.isRunning(pose); });
+        return QTest::qWaitFor([&] { return mascots.isRunning(pose); }, test::patience);
     }
     bool rests(const QString &pose = u"waiting"_qs)
     {
-        return QTest::qWaitFor([&] { return !mascots.isRunning(pose); });
+        return QTest::qWaitFor([&] { return !mascots.isRunning(pose); }, test::patience);
     }
     static QColor centre(MascotView &view)
     {
@@ -84,7 +84,7 @@ TEST_F(MascotTest, anAnimatedViewShowsTheFrames)
     const std::unique_ptr<MascotView> view(TuppiAnim(mascots, u"waiting"_qs, 160));
     showAndWait(*view);
     for (Qt::GlobalColor colour : {Qt::red, Qt::green, Qt::blue, Qt::yellow, Qt::red}) {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return near(centre(*view), QColor(colour)); }))
+        EXPECT_TRUE(QTest::qWaitFor([&] { return near(centre(*view), QColor(colour)); }, test::patience))
             << QColor(colour).name().toStdString();
     }
 }
@@ -94,7 +94,7 @@ TEST_F(MascotTest, anAnimationThatPlaysOnceGoesOnAllTheSame)
     const std::unique_ptr<MascotView> view(TuppiAnim(mascots, u"writing"_qs, 160));
     showAndWait(*view);
     for (Qt::GlobalColor colour : {Qt::red, Qt::green, Qt::red, Qt::green, Qt::red})
-        EXPECT_TRUE(QTest::qWaitFor([&] { return near(centre(*view), QColor(colour)); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return near(centre(*view), QColor(colour)); }, test::patience));
 }
 
 TEST_F(MascotTest, poseWithoutAnAnimationFallsBackToItsStill)
@@ -134,7 +134,7 @@ TEST_F(MascotTest, allViewsOfAPoseShareOneMovie)
             EXPECT_COLOUR(centre(*view), first);
         met.insert(first.rgb());
         return met.size() == 4;
-    }));
+    }, test::patience));
 }
 
 TEST_F(MascotTest, everyViewOfAPoseIsRepainted)
@@ -150,7 +150,7 @@ TEST_F(MascotTest, everyViewOfAPoseIsRepainted)
     PaintCounter countFirst(first);
     PaintCounter countSecond(second);
     PaintCounter countStill(still);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 3 && countSecond.count > 3; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 3 && countSecond.count > 3; }, test::patience));
     EXPECT_EQ(countStill.count, 0);
 }
 
@@ -196,7 +196,7 @@ TEST_F(MascotTest, restsWhenScrolledAwayAndWhileOneViewIsLeftGoesOn)
     EXPECT_TRUE(runs());
     PaintCounter counter(below);
     delete top;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > 5; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > 5; }, test::patience));
     area.verticalScrollBar()->setValue(1000);
     EXPECT_TRUE(rests());
     area.verticalScrollBar()->setValue(0);

@@ -128,10 +128,10 @@ TEST(PillButton, pressingAndReleasingRedrawAtOnce)
     showAndWait(*pill);
     PaintCounter counter(pill.get());
     QTest::mousePress(pill.get(), Qt::LeftButton);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }, test::patience));
     const int pressed = counter.count;
     QTest::mouseRelease(pill.get(), Qt::LeftButton);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > pressed; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > pressed; }, test::patience));
 }
 
 TEST(PillButton, answersMouseAndKeys)
@@ -184,7 +184,7 @@ TEST(PillButton, theFocusRingShowsOnEveryFill)
         pill->clearFocus();
         const QImage without = pictureOf(*pill);
         pill->setFocus(Qt::TabFocusReason);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return pill->hasFocus(); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return pill->hasFocus(); }, test::patience));
         const QImage with = pictureOf(*pill);
         const int middle = pill->width() / 2;
         EXPECT_COLOUR(with.pixelColor(middle, 0), Colours::focusRing);
@@ -214,7 +214,7 @@ TEST(PillButton, isAButtonForAssistiveTools)
     showAndWait(*pill);
     QSignalSpy clicked(pill.get(), &PillButton::clicked);
     interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return clicked.size() == 1; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return clicked.size() == 1; }, test::patience));
 }
 
 TEST(IconPill, isRoundedSquareNamedByItsTip)

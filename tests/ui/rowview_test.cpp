@@ -182,7 +182,7 @@ TEST_F(RowViewTest, theSameLookRedrawsNothing)
     showAndWait(row);
     PaintCounter counter(&row);
     row.update();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }, test::patience));
     const int before = counter.count;
     row.setLook(look(u"transcribing"_qs, u"1"_qs, 0.1));
     QCoreApplication::processEvents();

@@ -29,11 +29,11 @@ struct SkyBarTest : testing::Test
     }
     bool starts()
     {
-        return QTest::qWaitFor([this] { return clock.isRunning(); });
+        return QTest::qWaitFor([this] { return clock.isRunning(); }, test::patience);
     }
     bool stops()
     {
-        return QTest::qWaitFor([this] { return !clock.isRunning(); });
+        return QTest::qWaitFor([this] { return !clock.isRunning(); }, test::patience);
     }
 };
 
@@ -130,13 +130,13 @@ TEST_F(SkyBarTest, settingAValueAloneDoesNotRedraw)
     showAndWait(*made);
     PaintCounter counter(made.get());
     made->update();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 0; }, test::patience));
     const int before = counter.count;
     made->setValue(0.9);
     QCoreApplication::processEvents();
     EXPECT_EQ(counter.count, before);
     made->applyLayout();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > before; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > before; }, test::patience));
 }
 
 TEST_F(SkyBarTest, theSweepCrossesTheWholeBar)
@@ -194,13 +194,13 @@ TEST_F(SkyBarTest, aWindowThatComesBackMovesThoughAnotherNeverWentAway)
     showAndWait(*stays);
     showAndWait(*comesBack);
     PaintCounter counter(comesBack.get());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 2; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.count > 2; }, test::patience));
     comesBack->showMinimized();
     PaintCounter meanwhile(stays.get());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return meanwhile.count > 2; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return meanwhile.count > 2; }, test::patience));
     comesBack->showNormal();
     const int before = counter.count;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > before + 2; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.count > before + 2; }, test::patience));
 }
 
 TEST_F(SkyBarTest, oneClockMovesAllBarsAndEachOnlyWhereItChanges)
@@ -216,14 +216,14 @@ TEST_F(SkyBarTest, oneClockMovesAllBarsAndEachOnlyWhereItChanges)
     PaintCounter countFirst(first);
     PaintCounter countSecond(second);
     PaintCounter countWindow(&window);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 3 && countSecond.count > 3; }));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.last.boundingRect().width() < first->width(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 3 && countSecond.count > 3; }, test::patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.last.boundingRect().width() < first->width(); }, test::patience));
     // What lies behind a bar is painted with it, and no more of the window.
     EXPECT_EQ(countWindow.all - first->geometry() - second->geometry(), QRegion());
     EXPECT_EQ(timersOf(clock), 1);
     EXPECT_EQ(timersOf(*first) + timersOf(*second), 0) << "one timer, not one per bar";
     second->hide();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 6; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countFirst.count > 6; }, test::patience));
     EXPECT_TRUE(clock.isRunning());
     delete first;
     EXPECT_TRUE(stops());

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "support/Eventually.h"
+
 #include <QAccessible>
 #include <QEvent>
 #include <QImage>
 #include <QPaintEvent>
-#include <QTest>
 #include <QWidget>
 
 #include <gtest/gtest.h>

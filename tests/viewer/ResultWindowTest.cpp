@@ -292,27 +292,9 @@ TEST_F(ResultWindows, APageWhoseProcessDiedCanBeClosed)
     EXPECT_TRUE(waitFor([&] { return opened.isNull(); }));
 }
 
-/// An environment variable set, or taken away, for a while.
-class Environment
-{
-public:
-    Environment(const char *name, const char *value)
-        : m_name(name)
-        , m_before(qgetenv(name))
-    {
-        value ? qputenv(name, value) : qunsetenv(name);
-    }
-    ~Environment() { m_before.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_before); }
-    Q_DISABLE_COPY(Environment)
-
-private:
-    const char *m_name;
-    QByteArray m_before;
-};
-
 TEST_F(ResultWindows, WithoutTheWebEngineTheTextIsOffered)
 {
-    const Environment lacking("QTWEBENGINEPROCESS_PATH", "/nonexistent/QtWebEngineProcess");
+    const test::Environment lacking("QTWEBENGINEPROCESS_PATH", "/nonexistent/QtWebEngineProcess");
     const QString call = makeTextCall(u"a"_s);
     makeCall(u"a"_s);
     m_app->showResult(row(call), false);
@@ -329,7 +311,7 @@ TEST_F(ResultWindows, WithoutASandboxThePersonDecides)
 {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only an administrator's pages cannot be shut off";
-    const Environment lacking("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
+    const test::Environment lacking("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
     const QString call = makeCall(u"a"_s);
     m_app->showResult(row(call), false);
     EXPECT_EQ(count(), 0);
@@ -348,7 +330,7 @@ TEST_F(ResultWindows, AskedTwiceWithoutASandboxOpensOneWindow)
 {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only an administrator's pages cannot be shut off";
-    const Environment lacking("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
+    const test::Environment lacking("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
     const QString call = makeCall(u"a"_s);
     m_app->showResult(row(call), false); // by its row
     QPointer<Sheet> first = sheet();

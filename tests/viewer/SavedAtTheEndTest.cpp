@@ -7,7 +7,6 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QScopeGuard>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -183,8 +182,7 @@ TEST_F(SavedAtTheEnd, AQuitIsCalledOffByAFailure)
 TEST_F(SavedAtTheEnd, SharingWaitsForTheTextThatIsBeingWritten)
 {
     ViewerWindow *opened = openReal();
-    qputenv("TMPDIR", QFile::encodeName(m_calls.path()));
-    const auto restore = qScopeGuard([] { qunsetenv("TMPDIR"); });
+    const test::Environment temporary("TMPDIR", QFile::encodeName(m_calls.path()));
     const QString text = callDir(u"a"_s) + u"/transcript.raw.txt"_s;
     test::writeFile(text, "Old");
     test::Answer saved{"{}"};
@@ -204,8 +202,7 @@ TEST_F(SavedAtTheEnd, SharingWaitsForTheTextThatIsBeingWritten)
 TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
 {
     ViewerWindow *opened = openWithThreeEdits();
-    qputenv("TMPDIR", QFile::encodeName(m_calls.path()));
-    const auto restore = qScopeGuard([] { qunsetenv("TMPDIR"); });
+    const test::Environment temporary("TMPDIR", QFile::encodeName(m_calls.path()));
     test::writeFile(callDir(u"a"_s) + u"/transcript.raw.txt"_s, "Old");
     opened->findChild<QPushButton *>(u"shareWindowText"_s)->click();
     auto *patience = opened->findChild<QTimer *>(u"patience"_s);

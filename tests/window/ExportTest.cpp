@@ -1,5 +1,6 @@
 // A transcript on its way out: saved as a text file, or handed to other programs.
 
+#include "support/Drive.h"
 #include "window/Desktop.h"
 #include "window/WindowTest.h"
 
@@ -15,7 +16,6 @@
 #include <QMenu>
 #include <QTest>
 
-#include <sys/mount.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -34,18 +34,9 @@ class Export : public test::WindowTest
 protected:
     void SetUp() override
     {
-        m_tempBefore = qgetenv("TMPDIR");
-        m_pathBefore = qgetenv("PATH");
         QDir().mkpath(temp());
         QDir().mkpath(bin());
         QDir().mkpath(documents());
-        qputenv("TMPDIR", QFile::encodeName(temp()));
-    }
-    void TearDown() override
-    {
-        WindowTest::TearDown();
-        qputenv("PATH", m_pathBefore);
-        m_tempBefore.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", m_tempBefore);
     }
     QString temp() const { return m_engine.path(u"temp"_s); }
     QString bin() const { return m_engine.path(u"bin"_s); }
@@ -118,8 +109,8 @@ protected:
         FAIL() << qPrintable(title) << " is not offered";
     }
 
-    QByteArray m_tempBefore;
-    QByteArray m_pathBefore;
+    const test::Environment m_temp{"TMPDIR", QFile::encodeName(temp())};
+    const test::Environment m_programs{"PATH", qgetenv("PATH")};
 };
 
 // Saving
@@ -240,29 +231,22 @@ TEST_F(Export, AFailedWriteIsToldInTheSystemsWords)
 
 TEST_F(Export, OnAFullDiskNothingIsLostAndTheReasonTold)
 {
-    if (::geteuid() != 0)
-        GTEST_SKIP() << "only root can mount a drive";
-    const QByteArray drive = QFile::encodeName(documents());
-    if (::mount("none", drive.constData(), "tmpfs", 0, "size=16k") != 0)
-        GTEST_SKIP() << "nothing can be mounted here";
+    const test::Drive drive(documents(), 16);
+    if (!drive.isMounted())
+        GTEST_SKIP() << "only an administrator can mount a drive";
     openOne();
     writeFile(folder(u"A"_s) + u"/transcript.raw.txt"_s, QByteArray(60'000, 'x'));
     writeFile(documents() + u"/a.txt"_s, "earlier");
     m_app->saveRowText(u"a"_s);
     name()->setText(u"a.txt"_s);
     save();
-    const bool asked = waitFor([this] { return questionOn(dialog()) != nullptr; });
-    if (asked)
-        questionOn(dialog())->answer(1);
-    const bool told = dialogCloses() && waitFor([this] { return sheet() != nullptr; });
-    const QString detail = told ? sheet()->text().detail : QString();
-    const QByteArray kept = readFile(documents() + u"/a.txt"_s);
-    const QStringList files = QDir(documents()).entryList(QDir::Files | QDir::Hidden);
-    ::umount(drive.constData());
-    EXPECT_TRUE(asked);
-    EXPECT_EQ(detail, qt_error_string(ENOSPC));
-    EXPECT_EQ(kept, "earlier");
-    EXPECT_EQ(files, QStringList{u"a.txt"_s});
+    ASSERT_TRUE(waitFor([this] { return questionOn(dialog()) != nullptr; }));
+    questionOn(dialog())->answer(1);
+    ASSERT_TRUE(dialogCloses());
+    ASSERT_TRUE(waitFor([this] { return sheet() != nullptr; }));
+    EXPECT_EQ(sheet()->text().detail, qt_error_string(ENOSPC));
+    EXPECT_EQ(readFile(documents() + u"/a.txt"_s), "earlier");
+    EXPECT_EQ(QDir(documents()).entryList(QDir::Files | QDir::Hidden), QStringList{u"a.txt"_s});
 }
 
 TEST_F(Export, AFileIsReplacedOnlyAfterAQuestion)
