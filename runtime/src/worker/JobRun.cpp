@@ -64,7 +64,6 @@ void JobRun::enter(QStringView stage)
 
 void JobRun::run()
 {
-    m_recogniser = &m_recognisers(m_control.job());
     if (!m_control.job().planned)
         plan();
     recogniseMissing();
@@ -74,6 +73,7 @@ void JobRun::run()
 // Reads the whole recording once to know its length and where speech is.
 void JobRun::plan()
 {
+    m_recogniser = &m_recognisers(m_control.job()); // first: without one there is no use in reading
     AudioReader reader(audioPath());
     m_control.change([&](Job &job) {
         job.status = Status::transcribing.toString();
@@ -128,6 +128,8 @@ void JobRun::recogniseMissing()
     measure(segments, m_control.job().durationSeconds.value_or(0));
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
+    if (!m_recogniser)
+        m_recogniser = &m_recognisers(m_control.job());
     enter(Status::transcribing);
     if (m_control.job().recogniser != m_recogniser->name()) {
         const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);

@@ -16,7 +16,8 @@ namespace engine {
 // What the application compares word for word; no other text may stand around it.
 inline constexpr QStringView silenceError = u"Запис містить тишу";
 
-// Gives the recogniser for a job, loaded or not; it stays the giver's.
+// Gives the recogniser for a job, loaded or not; it stays the giver's. Asked only where there is something to hear.
+// Throws Failure with what is missing.
 using RecogniserSource = std::function<Recogniser &(const Job &)>;
 
 // Takes one job from wherever it stands to "ready". Every finished step is in the store before the next

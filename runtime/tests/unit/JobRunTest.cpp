@@ -59,9 +59,18 @@ protected:
 
     void run(const Job &job)
     {
-        JobRun(m_database, m_lock, *jobById(m_database, job.id), [this](const Job &) -> Recogniser & {
-            return m_recogniser;
-        }).run();
+        run(job, [this](const Job &) -> Recogniser & { return m_recogniser; });
+    }
+
+    void run(const Job &job, const RecogniserSource &source)
+    {
+        JobRun(m_database, m_lock, *jobById(m_database, job.id), source).run();
+    }
+
+    // What became of it since the last segment was kept is undone.
+    void setBack(const Job &job)
+    {
+        changeJob(m_database, job.id, [](Job &again) { again.status = Status::queued.toString(); });
     }
 
     // Of its first segments.
@@ -154,6 +163,20 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
     };
     for (int number = 0; number < 6; ++number)
         EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
+}
+
+TEST_F(JobRunTest, needsNoRecogniserWhereEverythingIsHeard)
+{
+    const RecogniserSource none = [](const Job &) -> Recogniser & { throw Failure(u"None."_s); };
+    EXPECT_EQ(test::sentenceOf([&] { run(m_job, none); }), u"None."_s);
+    EXPECT_FALSE(stored(m_job).planned) << "nothing is read in vain";
+    run(m_job);
+    const QByteArray expected = transcript(m_job);
+    setBack(m_job);
+    QFile::remove(m_job.callDir + u"/Transcript.txt"_s);
+    run(m_job, none);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+    EXPECT_EQ(transcript(m_job), expected);
 }
 
 namespace {
