@@ -73,7 +73,7 @@ void JobRun::run()
 // Reads the whole recording once to know its length and where speech is.
 void JobRun::plan()
 {
-    m_recogniser = &m_recognisers(m_control.job()); // first: without one there is no use in reading
+    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice); // first: without one there is no use in reading
     AudioReader reader(audioPath());
     m_control.change([&](Job &job) {
         job.status = Status::transcribing.toString();
@@ -120,6 +120,15 @@ void JobRun::nameRecogniser(Job &job, bool anythingKept) const
         job.language = m_recogniser->language();
 }
 
+// One that hears a single language would make words of it from any other one that was found in the first part.
+Recogniser &JobRun::recogniserForTheRest() const
+{
+    const Job &job = m_control.job();
+    Recogniser &chosen = m_recognisers(job, job.languageChoice);
+    const bool hearsIt = job.language == u"auto" || chosen.language() == u"auto" || chosen.language() == job.language;
+    return hearsIt ? chosen : m_recognisers(job, job.language);
+}
+
 void JobRun::recogniseMissing()
 {
     const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
@@ -128,11 +137,12 @@ void JobRun::recogniseMissing()
     measure(segments, m_control.job().durationSeconds.value_or(0));
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
+    const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
     if (!m_recogniser)
-        m_recogniser = &m_recognisers(m_control.job());
+        m_recogniser = anythingKept ? &recogniserForTheRest()
+                                    : &m_recognisers(m_control.job(), m_control.job().languageChoice);
     enter(Status::transcribing);
     if (m_control.job().recogniser != m_recogniser->name()) {
-        const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
         m_control.change([&](Job &job) { nameRecogniser(job, anythingKept); });
     }
     m_recogniser->prepare();

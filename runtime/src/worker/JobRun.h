@@ -16,9 +16,9 @@ namespace engine {
 // What the application compares word for word; no other text may stand around it.
 inline constexpr QStringView silenceError = u"Запис містить тишу";
 
-// Gives the recogniser for a job, loaded or not; it stays the giver's. Asked only where there is something to hear.
-// Throws Failure with what is missing.
-using RecogniserSource = std::function<Recogniser &(const Job &)>;
+// Gives the recogniser for a job and a language ("auto" among them), loaded or not; it stays the giver's, and until the
+// next one is asked for. Asked only where there is something to hear. Throws Failure with what is missing.
+using RecogniserSource = std::function<Recogniser &(const Job &, const QString &language)>;
 
 // Takes one job from wherever it stands to "ready". Every finished step is in the store before the next
 // begins, so that a run cut off at any point is gone on with by the next.
@@ -33,6 +33,7 @@ public:
 private:
     void plan();
     void recogniseMissing();
+    Recogniser &recogniserForTheRest() const;
     void nameRecogniser(Job &job, bool anythingKept) const;
     void noteBeginning(const SoundTask &task);
     void attend(Decoders &decoders);

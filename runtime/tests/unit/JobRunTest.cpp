@@ -59,7 +59,7 @@ protected:
 
     void run(const Job &job)
     {
-        run(job, [this](const Job &) -> Recogniser & { return m_recogniser; });
+        run(job, [this](const Job &, const QString &) -> Recogniser & { return m_recogniser; });
     }
 
     void run(const Job &job, const RecogniserSource &source)
@@ -71,6 +71,16 @@ protected:
     void setBack(const Job &job)
     {
         changeJob(m_database, job.id, [](Job &again) { again.status = Status::queued.toString(); });
+    }
+
+    // From then on nothing longer than so many seconds is heard.
+    void failAt(int seconds)
+    {
+        m_recogniser.act = [seconds](std::span<const int16_t> samples) -> std::vector<Word> {
+            if (samples.size() > size_t(seconds) * 16000)
+                throw Failure(u"No."_s);
+            return test::FakeRecogniser::words(samples);
+        };
     }
 
     // Of its first segments.
@@ -167,7 +177,7 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
 
 TEST_F(JobRunTest, needsNoRecogniserWhereEverythingIsHeard)
 {
-    const RecogniserSource none = [](const Job &) -> Recogniser & { throw Failure(u"None."_s); };
+    const RecogniserSource none = [](const Job &, const QString &) -> Recogniser & { throw Failure(u"None."_s); };
     EXPECT_EQ(test::sentenceOf([&] { run(m_job, none); }), u"None."_s);
     EXPECT_FALSE(stored(m_job).planned) << "nothing is read in vain";
     run(m_job);
@@ -197,7 +207,7 @@ struct HandedOver
 const HandedOver handedOver[] = {
     {"all of it by the second", "whisper", "auto", "", "", "en", "", "en"},
     {"the other way round", "", "en", "", "whisper", "auto", "whisper", "auto"},
-    {"what was found is known", "whisper", "auto", "uk", "", "en", "whisper", "uk"},
+    {"what was found is known", "whisper", "auto", "uk", "", "uk", "whisper", "uk"},
     {"some heard, nothing found", "whisper", "auto", "?", "", "en", "whisper", "en"},
     {"a part by Whisper", "", "en", "en", "whisper", "auto", "whisper", "en"},
 };
@@ -214,11 +224,7 @@ TEST_F(JobRunTest, theHistoryTellsWhoHasHeardTheRecording)
         m_recogniser.contract = QString::fromUtf8(row.firstContract);
         m_recogniser.hears = QString::fromUtf8(row.firstHears);
         m_recogniser.heardLanguage = found == u"?" ? QString() : found;
-        m_recogniser.act = [&](std::span<const int16_t> samples) -> std::vector<Word> {
-            if (found.isEmpty() || samples.size() > 2 * 16000)
-                throw Failure(u"No."_s);
-            return test::FakeRecogniser::words(samples);
-        };
+        found.isEmpty() ? failAt(0) : failAt(2);
         EXPECT_EQ(test::sentenceOf([&] { run(job); }), u"No."_s);
         EXPECT_EQ(stored(job).recogniser, u"First"_s);
         EXPECT_EQ(keptCount(m_database, job.seq) > 0, !found.isEmpty());
@@ -232,6 +238,54 @@ TEST_F(JobRunTest, theHistoryTellsWhoHasHeardTheRecording)
         EXPECT_EQ(stored(job).recogniser, u"Second"_s);
         EXPECT_EQ(stored(job).engine, QString::fromUtf8(row.engine));
         EXPECT_EQ(stored(job).language, QString::fromUtf8(row.language));
+    }
+}
+
+namespace {
+
+// Whisper has heard the first part of a recording whose language it was to find out, and is gone.
+struct LanguageOfTheRest
+{
+    const char *comment;
+    const char *found;
+    const char *hears; // the only recogniser that is left
+    const char *refusal;
+};
+
+const LanguageOfTheRest languageOfTheRest[] = {
+    {"another language", "uk", "en", "Nothing knows uk."},
+    {"the same one", "en", "en", "no failure"},
+    {"any language", "uk", "auto", "no failure"},
+    {"none was found", "", "en", "no failure"},
+};
+
+} // namespace
+
+TEST_F(JobRunTest, theRestIsHeardInTheLanguageThatWasFound)
+{
+    for (const LanguageOfTheRest &row : languageOfTheRest) {
+        SCOPED_TRACE(row.comment);
+        const Job job = sameAgain();
+        m_recogniser.called = u"First"_s;
+        m_recogniser.hears = u"auto"_s;
+        m_recogniser.heardLanguage = QString::fromUtf8(row.found);
+        failAt(2);
+        EXPECT_EQ(test::sentenceOf([&] { run(job); }), u"No."_s);
+
+        m_recogniser.called = u"Second"_s;
+        m_recogniser.hears = QString::fromUtf8(row.hears);
+        m_recogniser.act = nullptr;
+        const RecogniserSource left = [&](const Job &, const QString &language) -> Recogniser & {
+            if (language != u"auto" && language != m_recogniser.hears)
+                throw Failure(u"Nothing knows %1."_s.arg(language));
+            return m_recogniser;
+        };
+        const int kept = keptCount(m_database, job.seq);
+        ASSERT_GT(kept, 0);
+        EXPECT_EQ(test::sentenceOf([&] { run(job, left); }), QString::fromUtf8(row.refusal));
+        const bool done = stored(job).status == u"ready";
+        EXPECT_EQ(keptCount(m_database, job.seq) == kept, !done);
+        EXPECT_EQ(stored(job).recogniser, done ? u"Second"_s : u"First"_s);
     }
 }
 
