@@ -129,11 +129,26 @@ Recogniser &JobRun::recogniserForTheRest() const
     return hearsIt ? chosen : m_recognisers(job, job.language);
 }
 
+// Where one recogniser has heard no word, another one may.
+void JobRun::forgetSilence(std::vector<Segment> &segments)
+{
+    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice);
+    if (m_recogniser->name() == m_control.job().recogniser)
+        return;
+    for (Segment &segment : segments)
+        segment.words.reset();
+    m_progress = JobProgress();
+    m_control.change([](Job &job) { job.progress.clear(); },
+                     [&] { planSegments(m_database, m_control.job().seq, segments); });
+}
+
 void JobRun::recogniseMissing()
 {
-    const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
+    std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (segments.empty())
         throw Failure(silenceError.toString());
+    if (std::ranges::all_of(segments, [](const Segment &one) { return one.kept() && one.words->empty(); }))
+        forgetSilence(segments);
     measure(segments, m_control.job().durationSeconds.value_or(0));
     if (std::ranges::all_of(segments, &Segment::kept))
         return;

@@ -34,6 +34,7 @@ private:
     void plan();
     void recogniseMissing();
     Recogniser &recogniserForTheRest() const;
+    void forgetSilence(std::vector<Segment> &segments);
     void nameRecogniser(Job &job, bool anythingKept) const;
     void noteBeginning(const SoundTask &task);
     void attend(Decoders &decoders);

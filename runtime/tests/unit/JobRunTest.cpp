@@ -437,6 +437,31 @@ TEST_F(JobRunTest, silenceIsToldInTheWordsOfTheContract)
     EXPECT_EQ(test::sentenceOf([&] { run(m_job); }), u"Запис містить тишу"_s);
 }
 
+TEST_F(JobRunTest, whatOneRecogniserHasHeardNothingInIsHeardByAnother)
+{
+    const auto begun = [this] {
+        return m_database.value(u"SELECT sum(attempts) FROM segments WHERE job = ?"_s, {m_job.seq}).toInt();
+    };
+    const auto isSilence = [this] { return test::sentenceOf([&] { run(m_job); }) == silenceError; };
+    m_recogniser.act = [](std::span<const int16_t>) { return std::vector<Word>(); };
+    EXPECT_TRUE(isSilence());
+    EXPECT_TRUE(isSilence());
+    EXPECT_EQ(begun(), 6) << "the same one hears no more the second time";
+
+    m_recogniser.called = u"Another"_s;
+    m_recogniser.hears = u"uk"_s;
+    m_recogniser.act = [this, id = m_job.id](std::span<const int16_t>) {
+        Database own(m_paths);
+        const bool afresh = jobById(own, id)->progress.section(u'/', 0, 0).toInt() < 6;
+        return std::vector<Word>{{afresh ? u"afresh"_s : u"later"_s, 0, 1}};
+    };
+    run(m_job);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+    EXPECT_EQ(stored(m_job).language, u"uk"_s);
+    EXPECT_EQ(stored(m_job).recogniser, u"Another"_s);
+    EXPECT_TRUE(transcript(m_job).startsWith("[00:00:01] Afresh\n")) << transcript(m_job).toStdString();
+}
+
 TEST_F(JobRunTest, doesOnlyWhatWasAskedFor)
 {
     Job plain = test::sampleJob(u"Plain"_s);
