@@ -16,6 +16,7 @@
 #include "worker/TextModel.h"
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +34,12 @@ std::vector<Segment> numbered(const std::vector<Span> &spans)
     for (const Span &span : spans)
         segments.push_back({int(segments.size()), span.startMs, span.endMs, std::nullopt, {}});
     return segments;
+}
+
+std::ptrdiff_t rank(QStringView status)
+{
+    static constexpr std::array order{Status::queued, Status::transcribing, Status::cleaning, Status::analyzing};
+    return std::ranges::find(order, status) - order.begin();
 }
 
 qint64 lengthMs(const Segment &segment)
@@ -56,10 +63,16 @@ QString JobRun::audioPath() const
     return m_control.job().callDir + u'/' + m_control.job().audio;
 }
 
+// A job that goes on keeps the stage that it had reached, and what it showed there, while the steps before it are gone
+// through once more.
 void JobRun::enter(QStringView stage)
 {
-    if (m_control.job().status != stage)
-        m_control.change([stage](Job &job) { job.status = stage.toString(); });
+    m_stage = stage;
+    if (rank(m_control.job().status) >= rank(stage))
+        return;
+    if (stage != Status::transcribing)
+        m_progress = JobProgress(); // of parts now
+    m_control.change([stage](Job &job) { job.status = stage.toString(); });
 }
 
 void JobRun::run()
@@ -150,13 +163,13 @@ void JobRun::recogniseMissing()
     if (std::ranges::all_of(segments, [](const Segment &one) { return one.kept() && one.words->empty(); }))
         forgetSilence(segments);
     measure(segments, m_control.job().durationSeconds.value_or(0));
+    enter(Status::transcribing);
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
     const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
     if (!m_recogniser)
         m_recogniser = anythingKept ? &recogniserForTheRest()
                                     : &m_recognisers(m_control.job(), m_control.job().languageChoice);
-    enter(Status::transcribing);
     if (m_control.job().recogniser != m_recogniser->name()) {
         m_control.change([&](Job &job) { nameRecogniser(job, anythingKept); });
     }
@@ -230,6 +243,8 @@ void JobRun::measure(const std::vector<Segment> &segments, double recordingSecon
 
 void JobRun::showProgress(qint64 done)
 {
+    if (m_control.job().status != m_stage)
+        return;
     if (done < m_work.whole() && m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs))
         return;
     const std::optional<QString> text = m_progress.advance(done, m_work.whole());
@@ -268,7 +283,10 @@ void JobRun::finish()
 
 void JobRun::showParts(int done, int total)
 {
-    m_control.progress([&](Job &job) { job.progress = u"%1/%2"_s.arg(done).arg(total); });
+    if (m_control.job().status != m_stage)
+        return;
+    if (const std::optional<QString> text = m_progress.advance(done, total))
+        m_control.progress([&](Job &job) { job.progress = *text; });
 }
 
 // By the text model, where there is one that answers; else by rules.

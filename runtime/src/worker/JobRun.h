@@ -58,6 +58,7 @@ private:
     qint64 m_keptMs = 0; // of the speech
     WorkMeter m_work;
     JobProgress m_progress;
+    QStringView m_stage = Status::transcribing; // of the step at work, which a job that goes on may be ahead of
     QElapsedTimer m_sinceShown;
 };
 

@@ -3,6 +3,7 @@
 #include "core/Cores.h"
 #include "output/CallDirWriter.h"
 #include "store/Segments.h"
+#include "store/Settings.h"
 #include "store/Transcripts.h"
 #include "text/CleanText.h"
 
@@ -328,6 +329,52 @@ TEST_F(JobRunTest, whatWasShownAsDoneStaysSo)
     run(m_job);
     EXPECT_TRUE(transcript(m_job).contains("More"));
     EXPECT_FALSE(transcript(m_job).contains("Less"));
+}
+
+namespace {
+
+// Each status that the job shows one after another, with its progress where that is told in parts.
+QStringList shownWhile(Database &database, const std::function<void()> &action)
+{
+    database.run(u"CREATE TEMP TABLE shown (status TEXT, progress TEXT)"_s);
+    database.run(u"CREATE TEMP TRIGGER showing AFTER UPDATE ON main.jobs BEGIN "
+                 "INSERT INTO shown VALUES (new.status, new.progress); END"_s);
+    action();
+    QStringList all;
+    QSqlQuery rows = database.run(u"SELECT status, progress FROM shown ORDER BY rowid"_s);
+    while (rows.next()) {
+        const QString status = rows.value(0).toString();
+        const bool inParts = status == Status::cleaning || status == Status::analyzing;
+        const QString now = inParts ? status + u' ' + rows.value(1).toString() : status;
+        if (all.isEmpty() || all.last() != now)
+            all.append(now);
+    }
+    rows.finish();
+    database.run(u"DROP TRIGGER showing"_s);
+    database.run(u"DROP TABLE shown"_s);
+    return all;
+}
+
+} // namespace
+
+TEST_F(JobRunTest, aJobThatGoesOnDoesNotGoBack)
+{
+    setTextModel(m_database, u"one that never answers"_s);
+    m_database.run(u"UPDATE jobs SET speakers = 1"_s);
+    const QStringList first = shownWhile(m_database, [this] { run(m_job); });
+    EXPECT_EQ(first.first(), u"transcribing"_s);
+    EXPECT_EQ(first.filter(u"0/1"_s), QStringList({u"cleaning 0/1"_s, u"analyzing 0/1"_s}));
+    EXPECT_EQ(first.last(), u"ready"_s);
+    const auto again = [this](QStringView status) {
+        changeJob(m_database, m_job.id, [status](Job &job) {
+            job.status = status.toString();
+            job.progress = u"1/1"_s;
+        });
+        return shownWhile(m_database, [this] { run(m_job); });
+    };
+    EXPECT_EQ(again(Status::analyzing), QStringList({u"ready"_s}));
+    EXPECT_EQ(again(Status::cleaning).filter(u"cleaning"_s), QStringList());
+    EXPECT_EQ(again(Status::queued).first(), u"transcribing"_s);
 }
 
 TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)
