@@ -377,6 +377,19 @@ TEST_F(JobRunTest, aJobThatGoesOnDoesNotGoBack)
     EXPECT_EQ(again(Status::queued).first(), u"transcribing"_s);
 }
 
+TEST_F(JobRunTest, aJobThatIsCancelledAndBegunAgainAtOnceShowsItsStage)
+{
+    m_recogniser.act = [this, id = m_job.id](std::span<const int16_t>) {
+        Database own(m_paths);
+        const QString before = jobById(own, id)->status;
+        for (const QStringView status : {Status::cancelled, Status::queued})
+            changeJob(own, id, [status](Job &job) { job.status = status.toString(); });
+        return std::vector<Word>{{before, 0, 1}};
+    };
+    run(m_job);
+    EXPECT_EQ(transcript(m_job).count("Transcribing\n"), 6) << transcript(m_job).toStdString();
+}
+
 TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)
 {
     run(m_job);
