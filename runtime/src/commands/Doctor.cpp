@@ -4,6 +4,7 @@
 #include "core/ChildProgram.h"
 #include "core/Failure.h"
 #include "core/Files.h"
+#include "core/SpeechModel.h"
 #include "core/WorkerLock.h"
 #include "models/CustomModels.h"
 #include "store/Jobs.h"
@@ -17,6 +18,7 @@
 #include <QJsonObject>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -57,9 +59,29 @@ Check program(const QString &name, const QStringList &executables)
     return {name, true, u"Not installed: "_s + executables.join(u", "_s)};
 }
 
+bool hasWhisperModel()
+{
+    try {
+        return std::ranges::any_of(customModels(Paths::ofThisUser()),
+                                   [](const CustomModel &model) { return model.kind == u"whisper"; });
+    } catch (const Failure &) {
+        return false; // the list is damaged, which is told of by itself
+    }
+}
+
+Check whisper()
+{
+    Check found = program(u"Whisper (whisper-cli)"_s, {qEnvironmentVariable("TUPPI_WHISPER_CLI", u"whisper-cli"_s)});
+    if (found.trouble.isEmpty() && !hasWhisperModel())
+        found.trouble = u"There is no model for it. Add a Whisper model in the Settings."_s;
+    return found;
+}
+
+// Where its model is not installed, English too is Whisper's.
 void appendWorkerChecks(std::vector<Check> &checks, const SelfTest::Troubles &found)
 {
-    checks.push_back({u"Speech recogniser (PocketSphinx, English)"_s, false, found.recogniser});
+    const bool spare = !findSpeechModel() && whisper().trouble.isEmpty();
+    checks.push_back({u"Speech recogniser (PocketSphinx, English)"_s, spare, found.recogniser});
     checks.push_back({u"Decoding of audio and video (FFmpeg)"_s, false, found.decoding});
 }
 
@@ -176,8 +198,7 @@ std::vector<Check> allChecks()
     checks.insert(checks.end(), ofStore.begin(), ofStore.end());
     appendModelChecks(checks);
     checks.insert(checks.end(), ofOllama.begin(), ofOllama.end());
-    const QString whisper = qEnvironmentVariable("TUPPI_WHISPER_CLI", u"whisper-cli"_s);
-    checks.push_back(program(u"Whisper (whisper-cli)"_s, {whisper}));
+    checks.push_back(whisper());
     checks.push_back(
         program(u"Clipboard tool (wl-copy, xclip or xsel)"_s, {u"wl-copy"_s, u"xclip"_s, u"xsel"_s}));
     return checks;

@@ -3,6 +3,7 @@
 #include "core/WorkerLock.h"
 #include "core/WorkerStart.h"
 #include "correct/Correction.h"
+#include "correct/MovedFolders.h"
 #include "store/Jobs.h"
 
 #include <QFileInfo>
@@ -37,6 +38,7 @@ int resume(const Arguments &)
         return 0;
     Database database(paths);
     finishCorrections(database);
+    findMovedFolders(database);
     if (nextJob(database))
         startWorker(paths);
     return 0;

@@ -79,7 +79,8 @@ bool holds(const QString &path)
 {
     QFile file(path);
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    if (::access(QFile::encodeName(workerProgram()).constData(), X_OK) != 0 || !file.open(QIODevice::ReadOnly))
+    if (::access(QFile::encodeName(workerProgram()).constData(), X_OK) != 0 || !findSpeechModel() ||
+        !file.open(QIODevice::ReadOnly))
         return false;
     const qint64 age = now - file.fileTime(QFileDevice::FileModificationTime).toMSecsSinceEpoch();
     if (age < 0 || age > dayMs)

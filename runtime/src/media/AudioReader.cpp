@@ -75,6 +75,7 @@ private:
     void convert(AVFrame *frame);
     void prepareResampler(AVFrame *frame);
     void keepTime(const AVFrame *frame);
+    int64_t firstTime(int64_t pts) const;
 
     ffmpeg::File m_file; // outlives the format, which reads from it
     ffmpeg::Format m_format;
@@ -192,6 +193,15 @@ void AudioReader::Private::prepareResampler(AVFrame *frame)
     ::av_channel_layout_copy(&m_layout.value, &frame->ch_layout);
 }
 
+// Players count from where the first of a file's streams begins, which may be a picture before any sound.
+int64_t AudioReader::Private::firstTime(int64_t pts) const
+{
+    if (m_format->start_time == AV_NOPTS_VALUE)
+        return pts;
+    const int64_t start = av_rescale_q(m_format->start_time, AV_TIME_BASE_Q, m_stream->time_base);
+    return std::min(start, pts);
+}
+
 // A recording with a hole in it stays in step with its own clock.
 void AudioReader::Private::keepTime(const AVFrame *frame)
 {
@@ -199,7 +209,7 @@ void AudioReader::Private::keepTime(const AVFrame *frame)
     if (pts == AV_NOPTS_VALUE)
         return;
     if (!m_firstPts)
-        m_firstPts = pts;
+        m_firstPts = firstTime(pts);
     const double due = double(pts - *m_firstPts) * av_q2d(m_stream->time_base);
     const double delay = double(::swr_get_delay(m_resampler.get(), sampleRate)) / sampleRate;
     const double gap = due - double(m_made) / sampleRate - delay;

@@ -87,4 +87,7 @@ public:
 // language "auto" leaves it to the recogniser. Throws Failure with what is missing.
 std::unique_ptr<Recogniser> chooseRecogniser(const QString &engineChoice, const QString &languageChoice);
 
+// The one for English, whatever else is installed. Throws Failure without its model.
+std::unique_ptr<Recogniser> pocketSphinx();
+
 } // namespace engine

@@ -123,9 +123,8 @@ Failure missingLanguage(const QString &code)
 // Whisper where there is one that knows the language: for English there is PocketSphinx, which is quicker.
 std::unique_ptr<Recogniser> automatic(const QString &languageChoice)
 {
-    const std::optional<SpeechModel> english = findSpeechModel();
     const bool maybeOther = !isEnglish(languageChoice);
-    if ((maybeOther || !english) && !findWhisperCli().isEmpty() &&
+    if ((maybeOther || !findSpeechModel()) && !findWhisperCli().isEmpty() &&
         !whisperLanguage(languageChoice).isEmpty()) {
         for (const CustomModel &model : fitting(&isWhisper)) {
             if (knows(model, languageChoice))
@@ -134,12 +133,18 @@ std::unique_ptr<Recogniser> automatic(const QString &languageChoice)
     }
     if (maybeOther && languageChoice != u"auto")
         throw missingLanguage(languageChoice);
+    return pocketSphinx();
+}
+
+} // namespace
+
+std::unique_ptr<Recogniser> pocketSphinx()
+{
+    const std::optional<SpeechModel> english = findSpeechModel();
     if (!english)
         throw Failure(u"No speech model is installed. Install the package pocketsphinx-en-us."_s);
     return std::make_unique<PocketSphinxRecogniser>(*english);
 }
-
-} // namespace
 
 std::unique_ptr<Recogniser> chooseRecogniser(const QString &engineChoice, const QString &languageChoice)
 {

@@ -74,6 +74,15 @@ void writeWav(const QString &path, std::span<const int16_t> samples)
     }
 }
 
+// whisper-cli ends well also where its text did not fit on the disk.
+void requireRoomFor(const QString &path)
+{
+    constexpr qint64 moreThanAnyText = qint64(1) << 20;
+    const QFileInfo file(path);
+    if (const qint64 room = roomAt(file.path()); room >= 0 && room < moreThanAnyText)
+        throw systemFailure(u"“"_s + file.fileName() + u"” could not be written"_s, ENOSPC);
+}
+
 // Only this user may look into it: what was said is in there.
 class PrivateFolder
 {
@@ -161,14 +170,17 @@ Heard WhisperRecogniser::recognise(const Sound &sound)
     WhisperProgram program(m_setup.program, arguments(base, known ? m_setup.language : sound.language));
     requireSuccess(program.finish(m_setup.patience, sound.progress));
     QFile file(base + u".json"_s);
+    const bool opened = file.open(QIODevice::ReadOnly);
+    std::optional<Heard> heard;
+    if (opened)
+        heard = readWhisperOutput(file.readAll(), qint64(sound.samples.size()) / samplesPerMs);
+    if (heard)
+        return *std::move(heard);
+    requireRoomFor(file.fileName());
     // It ends well also where it knows neither the language nor an option.
-    if (!file.open(QIODevice::ReadOnly))
+    if (!opened)
         throw Failure(u"whisper-cli gave no text. Install a newer whisper.cpp."_s);
-    std::optional<Heard> heard =
-        readWhisperOutput(file.readAll(), qint64(sound.samples.size()) / samplesPerMs);
-    if (!heard)
-        throw RecogniserBroke();
-    return *std::move(heard);
+    throw RecogniserBroke();
 }
 
 QString findWhisperCli()

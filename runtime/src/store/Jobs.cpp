@@ -66,6 +66,16 @@ std::optional<Job> oneJob(Database &database, const QString &where,
     return jobFrom(query);
 }
 
+std::vector<Job> allJobs(Database &database, const QString &condition)
+{
+    QSqlQuery query =
+        database.run(u"SELECT "_s + columns + u" FROM jobs WHERE "_s + condition + u" ORDER BY seq"_s);
+    std::vector<Job> jobs;
+    while (query.next())
+        jobs.push_back(jobFrom(query));
+    return jobs;
+}
+
 QVariant orNull(const QString &text)
 {
     return text.isEmpty() ? QVariant() : QVariant(text);
@@ -160,6 +170,15 @@ bool hasCallDir(Database &database, const QString &callDir)
     return oneJob(database, u"WHERE call_dir = ?"_s, {callDir}).has_value();
 }
 
+QSet<QString> callDirs(Database &database)
+{
+    QSqlQuery query = database.run(u"SELECT call_dir FROM jobs"_s);
+    QSet<QString> folders;
+    while (query.next())
+        folders.insert(query.value(0).toString());
+    return folders;
+}
+
 bool hideAll(Database &database, bool hidden)
 {
     const QString which = hidden ? u" WHERE hidden = 0 AND NOT "_s + unfinished : u" WHERE hidden = 1"_s;
@@ -173,12 +192,12 @@ bool hideAll(Database &database, bool hidden)
 
 std::vector<Job> unfinishedJobs(Database &database)
 {
-    QSqlQuery query =
-        database.run(u"SELECT "_s + columns + u" FROM jobs WHERE "_s + unfinished + u" ORDER BY seq"_s);
-    std::vector<Job> jobs;
-    while (query.next())
-        jobs.push_back(jobFrom(query));
-    return jobs;
+    return allJobs(database, unfinished);
+}
+
+std::vector<Job> readyJobs(Database &database)
+{
+    return allJobs(database, u"status = 'ready'"_s);
 }
 
 std::optional<Job> newestJob(Database &database)

@@ -3,6 +3,8 @@
 #include "store/Database.h"
 #include "store/Job.h"
 
+#include <QSet>
+
 #include <functional>
 #include <optional>
 #include <vector>
@@ -20,6 +22,7 @@ std::optional<Job> jobById(Database &database, const QString &id);
 Job requireJob(Database &database, const QString &id); // throws Failure when there is none
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
 bool hasCallDir(Database &database, const QString &callDir); // any of the jobs
+QSet<QString> callDirs(Database &database);                  // of all jobs
 
 // What "hide --all" does: marks every job that is not being worked on as hidden, or takes the mark off every job. Tells
 // whether any was changed.
@@ -27,6 +30,9 @@ bool hideAll(Database &database, bool hidden);
 
 // Those that are not done yet, the oldest first.
 std::vector<Job> unfinishedJobs(Database &database);
+
+// Those that are, the oldest first.
+std::vector<Job> readyJobs(Database &database);
 
 // The one that was added last.
 std::optional<Job> newestJob(Database &database);

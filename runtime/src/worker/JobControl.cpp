@@ -39,6 +39,8 @@ void JobControl::write(const std::function<void(Job &)> &change, const std::func
 {
     Transaction transaction(m_database);
     Job job = wanted();
+    if (job.status == Status::queued)
+        job.status = m_job.status; // cancelled and begun again between two looks: it never left our hands
     if (within)
         within();
     change(job);

@@ -16,6 +16,7 @@
 #include "worker/TextModel.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +35,12 @@ std::vector<Segment> numbered(const std::vector<Span> &spans)
     for (const Span &span : spans)
         segments.push_back({int(segments.size()), span.startMs, span.endMs, std::nullopt, {}});
     return segments;
+}
+
+std::ptrdiff_t rank(QStringView status)
+{
+    static constexpr std::array order{Status::queued, Status::transcribing, Status::cleaning, Status::analyzing};
+    return std::ranges::find(order, status) - order.begin();
 }
 
 qint64 lengthMs(const Segment &segment)
@@ -57,15 +64,20 @@ QString JobRun::audioPath() const
     return m_control.job().callDir + u'/' + m_control.job().audio;
 }
 
+// A job that goes on keeps the stage that it had reached, and what it showed there, while the steps before it are gone
+// through once more.
 void JobRun::enter(QStringView stage)
 {
-    if (m_control.job().status != stage)
-        m_control.change([stage](Job &job) { job.status = stage.toString(); });
+    m_stage = stage;
+    if (rank(m_control.job().status) >= rank(stage))
+        return;
+    if (stage != Status::transcribing)
+        m_progress = JobProgress(); // of parts now
+    m_control.change([stage](Job &job) { job.status = stage.toString(); });
 }
 
 void JobRun::run()
 {
-    m_recogniser = &m_recognisers(m_control.job());
     if (!m_control.job().planned)
         plan();
     recogniseMissing();
@@ -75,6 +87,7 @@ void JobRun::run()
 // Reads the whole recording once to know its length and where speech is.
 void JobRun::plan()
 {
+    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice); // first: without one there is no use in reading
     AudioReader reader(audioPath());
     m_control.change([&](Job &job) {
         job.status = Status::transcribing.toString();
@@ -121,17 +134,44 @@ void JobRun::nameRecogniser(Job &job, bool anythingKept) const
         job.language = m_recogniser->language();
 }
 
+// One that hears a single language would make words of it from any other one that was found in the first part.
+Recogniser &JobRun::recogniserForTheRest() const
+{
+    const Job &job = m_control.job();
+    Recogniser &chosen = m_recognisers(job, job.languageChoice);
+    const bool hearsIt = job.language == u"auto" || chosen.language() == u"auto" || chosen.language() == job.language;
+    return hearsIt ? chosen : m_recognisers(job, job.language);
+}
+
+// Where one recogniser has heard no word, another one may.
+void JobRun::forgetSilence(std::vector<Segment> &segments)
+{
+    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice);
+    if (m_recogniser->name() == m_control.job().recogniser)
+        return;
+    for (Segment &segment : segments)
+        segment.words.reset();
+    m_progress = JobProgress();
+    m_control.change([](Job &job) { job.progress.clear(); },
+                     [&] { planSegments(m_database, m_control.job().seq, segments); });
+}
+
 void JobRun::recogniseMissing()
 {
-    const std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
+    std::vector<Segment> segments = segmentsOf(m_database, m_control.job().seq);
     if (segments.empty())
         throw Failure(silenceError.toString());
+    if (std::ranges::all_of(segments, [](const Segment &one) { return one.kept() && one.words->empty(); }))
+        forgetSilence(segments);
     measure(segments, m_control.job().durationSeconds.value_or(0));
+    enter(Status::transcribing);
     if (std::ranges::all_of(segments, &Segment::kept))
         return;
-    enter(Status::transcribing);
+    const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
+    if (!m_recogniser)
+        m_recogniser = anythingKept ? &recogniserForTheRest()
+                                    : &m_recognisers(m_control.job(), m_control.job().languageChoice);
     if (m_control.job().recogniser != m_recogniser->name()) {
-        const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
         m_control.change([&](Job &job) { nameRecogniser(job, anythingKept); });
     }
     m_recogniser->prepare();
@@ -204,6 +244,8 @@ void JobRun::measure(const std::vector<Segment> &segments, double recordingSecon
 
 void JobRun::showProgress(qint64 done)
 {
+    if (m_control.job().status != m_stage)
+        return;
     if (done < m_work.whole() && m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs))
         return;
     const std::optional<QString> text = m_progress.advance(done, m_work.whole());
@@ -243,7 +285,10 @@ void JobRun::finish()
 
 void JobRun::showParts(int done, int total)
 {
-    m_control.progress([&](Job &job) { job.progress = u"%1/%2"_s.arg(done).arg(total); });
+    if (m_control.job().status != m_stage)
+        return;
+    if (const std::optional<QString> text = m_progress.advance(done, total))
+        m_control.progress([&](Job &job) { job.progress = *text; });
 }
 
 // By the text model, where there is one that answers; else by rules.

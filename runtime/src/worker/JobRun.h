@@ -16,8 +16,9 @@ namespace engine {
 // What the application compares word for word; no other text may stand around it.
 inline constexpr QStringView silenceError = u"Запис містить тишу";
 
-// Gives the recogniser for a job, loaded or not; it stays the giver's.
-using RecogniserSource = std::function<Recogniser &(const Job &)>;
+// Gives the recogniser for a job and a language ("auto" among them), loaded or not; it stays the giver's, and until the
+// next one is asked for. Asked only where there is something to hear. Throws Failure with what is missing.
+using RecogniserSource = std::function<Recogniser &(const Job &, const QString &language)>;
 
 // Takes one job from wherever it stands to "ready". Every finished step is in the store before the next
 // begins, so that a run cut off at any point is gone on with by the next.
@@ -32,6 +33,8 @@ public:
 private:
     void plan();
     void recogniseMissing();
+    Recogniser &recogniserForTheRest() const;
+    void forgetSilence(std::vector<Segment> &segments);
     void nameRecogniser(Job &job, bool anythingKept) const;
     void noteBeginning(const SoundTask &task);
     void attend(Decoders &decoders);
@@ -55,6 +58,7 @@ private:
     qint64 m_keptMs = 0; // of the speech
     WorkMeter m_work;
     JobProgress m_progress;
+    QStringView m_stage = Status::transcribing; // of the step at work, which a job that goes on may be ahead of
     QElapsedTimer m_sinceShown;
 };
 

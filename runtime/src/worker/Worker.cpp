@@ -82,8 +82,8 @@ std::optional<Job> Worker::takeJob()
 void Worker::work(const Job &job)
 {
     try {
-        JobRun(m_database, m_lock, job, [this](const Job &wanted) -> Recogniser & {
-            return recogniserFor(wanted);
+        JobRun(m_database, m_lock, job, [this](const Job &wanted, const QString &language) -> Recogniser & {
+            return recogniserFor(wanted, language);
         }).run();
     } catch (const JobDropped &) {
         putDown(job);
@@ -131,10 +131,10 @@ void Worker::fail(const Job &job, const QString &sentence)
     }
 }
 
-Recogniser &Worker::recogniserFor(const Job &job)
+Recogniser &Worker::recogniserFor(const Job &job, const QString &language)
 {
     // Choosing is cheap, and models come and go: under a name that is known there may be another one.
-    std::unique_ptr<Recogniser> chosen = chooseRecogniser(job.engineChoice, job.languageChoice);
+    std::unique_ptr<Recogniser> chosen = chooseRecogniser(job.engineChoice, language);
     if (!m_recogniser || !m_recogniser->staysLoaded() || chosen->name() != m_recogniser->name())
         m_recogniser = std::move(chosen);
     return *m_recogniser;

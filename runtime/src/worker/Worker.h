@@ -22,7 +22,7 @@ private:
     void clearWork();
     void putDown(const Job &job);
     void fail(const Job &job, const QString &sentence);
-    Recogniser &recogniserFor(const Job &job);
+    Recogniser &recogniserFor(const Job &job, const QString &language);
 
     Paths m_paths;
     Database m_database;

@@ -21,7 +21,7 @@ namespace {
 QString recogniserTrouble()
 {
     try {
-        engine::chooseRecogniser(u"auto"_s, u"en"_s)->check();
+        engine::pocketSphinx()->check();
         return {};
     } catch (const engine::Failure &failure) {
         return failure.sentence();

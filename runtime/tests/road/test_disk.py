@@ -13,7 +13,7 @@ import sys
 import tempfile
 import unittest
 
-from road import ACTIVE, PATIENCE, SENTENCES, RoadTest, main, several, steady, transcript, until
+from road import ACTIVE, PATIENCE, SENTENCES, SOURCE, RoadTest, main, several, steady, transcript, until
 from seeded import assert_agreement, seed
 from servers import Hub, model
 
@@ -190,6 +190,21 @@ class Disk(RoadTest):
         self.assertEqual(engine.status()["latest_job"], None)
         os.remove(filler)
         engine.ask(*self.ADD)
+
+    def test_full_while_whisper_writes(self):
+        engine, *_ = self.engine_with_hub()
+        engine.ask(*self.ADD)
+        knobs = self.folder()
+        engine.environment |= {"STAND_IN_WHISPER": knobs,
+                               "TUPPI_WHISPER_CLI": os.path.join(SOURCE, "runtime/tests/stand-in/whisper-cli")}
+        path = self.long(engine)
+        for behaviour in ("full", "half-full"):
+            with self.subTest(behaviour):
+                with open(os.path.join(knobs, "behaviour"), "w", encoding="utf-8") as file:
+                    file.write(behaviour)
+                self.assertIn("the disk is full", self.refused(engine, path, language="uk"))
+        with open(os.path.join(knobs, "runs"), encoding="utf-8") as file:
+            self.assertEqual(len(file.readlines()), 2, "one try each")
 
     def test_full_when_the_model_is_recorded(self):
         engine, hub, body = self.engine_with_hub()

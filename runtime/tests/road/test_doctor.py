@@ -76,6 +76,17 @@ class Doctor(RoadTest):
         engine.transcribe(self.recording(engine))
         self.assertEqual(engine.troubles(), {})
 
+    def test_folder_of_a_finished_transcript_that_was_renamed(self):
+        engine = self.runtime
+        entry = engine.transcribe(self.recording(engine))
+        renamed = entry["call_dir"] + " with Ana"
+        os.rename(entry["call_dir"], renamed)
+        self.assertEqual(engine.history(), [])
+        engine.ask("resume")
+        self.assertEqual(engine.history(), [{**entry, "call_dir": renamed}])
+        engine.ask("edit", entry["id"], "0", "--", "Thanks a lot.")
+        self.assertEqual(transcript(engine.job(entry["id"])), "[00:00:00] Thanks a lot.\n")
+
     def test_worker_that_stands_still(self):
         engine = self.runtime
         job = self.working()

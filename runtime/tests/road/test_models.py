@@ -600,6 +600,8 @@ class Health(ModelTest):
 
     def test_all_is_well(self):
         self.ollama("qwen3:8b")
+        self.hub().add("someone/whisper-small", {SMALL: model()})
+        self.add()
         tools = os.path.join(self.tuppi.home, "tools")
         os.makedirs(tools)
         for tool in ("whisper-cli", "xclip"):
@@ -615,6 +617,22 @@ class Health(ModelTest):
         self.assertEqual({n for n, c in self.checks().items() if not c["ok"]},
                          {"Clipboard tool (wl-copy, xclip or xsel)", "Whisper (whisper-cli)"})
         self.assertEqual(self.bad(), set())
+
+    def test_recognisers(self):
+        """PocketSphinx has to be there, unless a whole Whisper hears English too."""
+        english, whisper = "Speech recogniser (PocketSphinx, English)", "Whisper (whisper-cli)"
+        self.hub().add("someone/whisper-small", {SMALL: model()})
+        self.tuppi.environment.update(TUPPI_WHISPER_CLI="/bin/true")
+        until(lambda: os.path.exists(self.tuppi.store.replace("jobs.sqlite", "self-test")) or self.bad(), "its memory")
+        self.assertIn("no model", self.checks()[whisper]["detail"])
+        self.tuppi.environment["TUPPI_POCKETSPHINX_MODEL"] = self.tuppi.scratch
+        self.assertEqual(self.bad(), {english})
+        self.add()
+        self.assertTrue(self.checks()[whisper]["ok"])
+        self.assertEqual(self.bad(), set())
+        self.assertIn("pocketsphinx-en-us", self.checks()[english]["detail"])
+        self.tuppi.environment["TUPPI_WHISPER_CLI"] = "/nonexistent"
+        self.assertEqual(self.bad(), {english})
 
     def test_ollama(self):
         check = "Text model (Ollama)"

@@ -118,6 +118,23 @@ TEST(AudioReader, skippingLeadsToTheSameSamplesAsReading)
     EXPECT_TRUE(std::equal(part.begin(), part.end(), all.begin() + 12345));
 }
 
+TEST(AudioReader, soundThatBeginsBehindThePictureHasSilenceInFrontOfIt)
+{
+    const test::Home home;
+    const QStringList picture{u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=duration=5:size=64x48:rate=5"_s};
+    for (const char *extension : {"mkv", "mp4", "ts", "mov"}) {
+        SCOPED_TRACE(extension);
+        const QString path = home.file(u"late."_s + QString::fromLatin1(extension));
+        ASSERT_NO_FATAL_FAILURE(ffmpeg(picture + QStringList{u"-itsoffset"_s, u"2"_s} + tone +
+                                       QStringList{u"-map"_s, u"0:v"_s, u"-map"_s, u"1:a"_s, path}));
+        const std::vector<int16_t> samples = everything(path);
+        EXPECT_NEAR(double(samples.size()) / sampleRate, 5.0, 0.15);
+        ASSERT_GT(samples.size(), 40000U);
+        EXPECT_LT(toneIn({samples.begin(), samples.begin() + 30000}, 440), 0.001);
+        EXPECT_NEAR(toneIn({samples.begin() + 34000, samples.end()}, 440), 0.125, 0.02);
+    }
+}
+
 TEST(AudioReader, refusesWhatIsNoRecording)
 {
     const test::Home home;

@@ -1,9 +1,11 @@
 #include "correct/Correction.h"
 
 #include "correct/FilesLock.h"
+#include "correct/MovedFolders.h"
 #include "output/CallDirWriter.h"
 #include "store/Jobs.h"
 #include "store/Segments.h"
+#include "store/Settings.h"
 #include "store/Transcripts.h"
 
 #include "Support.h"
@@ -308,6 +310,73 @@ TEST_F(CorrectionTest, whatTheUserWroteIntoTheFilesStays)
     EXPECT_TRUE(file(u"Summary.md"_s).contains("title: \"Another\"\n"));
     EXPECT_TRUE(file(u"Summary.md"_s).contains("\n# Another\n"));
     EXPECT_TRUE(file(u"Summary.md"_s).contains("- [x] Call the bank\n"));
+}
+
+namespace {
+
+// What was done by hand to the call dir of a finished transcript, in the library in use or beside it.
+struct MovedByHand
+{
+    const char *comment;
+    const char *from;
+    const char *to;
+    bool changed; // its segments, since
+    bool found;
+};
+
+const MovedByHand movedByHand[] = {
+    {"renamed", "library/call", "library/Talk with Ana", false, true},
+    {"moved along to a new library", "before/call", "library/call", false, true},
+    {"still in its place, beside a copy", "library/call", "", false, false},
+    {"moved out of the library", "library/call", "elsewhere", false, false},
+    {"another transcript", "library/call", "library/Talk with Ana", true, false},
+};
+
+} // namespace
+
+TEST_F(CorrectionTest, callDirsThatWereRenamedAreFound)
+{
+    nameSpeaker(u"Anna"_s); // gives it all its files
+    changeLibrary(m_database, m_home.file(u"library"_s));
+    QString place = m_job.callDir;
+    for (const MovedByHand &row : movedByHand) {
+        SCOPED_TRACE(row.comment);
+        const QString from = m_home.file(QString::fromUtf8(row.from));
+        QDir().mkpath(QFileInfo(from).path());
+        ASSERT_TRUE(place == from || QDir().rename(place, from));
+        changeJob(m_database, m_job.id, [&](Job &job) { job.callDir = from; });
+        place = from;
+        const QString segments = u"/Technical files/segments.json"_s;
+        if (row.to[0] != '\0') {
+            place = m_home.file(QString::fromUtf8(row.to));
+            ASSERT_TRUE(QDir().rename(from, place));
+        } else {
+            QDir().mkpath(m_home.file(u"library/copy/Technical files"_s));
+            ASSERT_TRUE(QFile::copy(from + segments, m_home.file(u"library/copy"_s) + segments));
+        }
+        if (row.changed)
+            test::write(place + segments, test::contentOf(place + segments).replace("three", "other"));
+        findMovedFolders(m_database);
+        EXPECT_EQ(jobById(m_database, m_job.id)->callDir, row.found ? place : from);
+        QDir(m_home.file(u"library/copy"_s)).removeRecursively();
+    }
+}
+
+TEST_F(CorrectionTest, aCallDirIsFoundForOneTranscriptOnly)
+{
+    nameSpeaker(u"Anna"_s);
+    changeLibrary(m_database, m_home.file(u"library"_s));
+    Job twin = m_job;
+    twin.id = newJobId();
+    twin.callDir = m_home.file(u"library/twin"_s);
+    twin = test::addJob(m_database, twin);
+    Transaction transaction(m_database);
+    keepTranscript(m_database, twin.seq, kept());
+    transaction.commit();
+    ASSERT_TRUE(QDir().rename(m_job.callDir, m_home.file(u"library/renamed"_s)));
+    findMovedFolders(m_database);
+    EXPECT_EQ(jobById(m_database, m_job.id)->callDir, m_home.file(u"library/renamed"_s));
+    EXPECT_EQ(jobById(m_database, twin.id)->callDir, twin.callDir);
 }
 
 } // namespace engine

@@ -3,6 +3,7 @@
 #include "core/Cores.h"
 #include "output/CallDirWriter.h"
 #include "store/Segments.h"
+#include "store/Settings.h"
 #include "store/Transcripts.h"
 #include "text/CleanText.h"
 
@@ -59,9 +60,28 @@ protected:
 
     void run(const Job &job)
     {
-        JobRun(m_database, m_lock, *jobById(m_database, job.id), [this](const Job &) -> Recogniser & {
-            return m_recogniser;
-        }).run();
+        run(job, [this](const Job &, const QString &) -> Recogniser & { return m_recogniser; });
+    }
+
+    void run(const Job &job, const RecogniserSource &source)
+    {
+        JobRun(m_database, m_lock, *jobById(m_database, job.id), source).run();
+    }
+
+    // What became of it since the last segment was kept is undone.
+    void setBack(const Job &job)
+    {
+        changeJob(m_database, job.id, [](Job &again) { again.status = Status::queued.toString(); });
+    }
+
+    // From then on nothing longer than so many seconds is heard.
+    void failAt(int seconds)
+    {
+        m_recogniser.act = [seconds](std::span<const int16_t> samples) -> std::vector<Word> {
+            if (samples.size() > size_t(seconds) * 16000)
+                throw Failure(u"No."_s);
+            return test::FakeRecogniser::words(samples);
+        };
     }
 
     // Of its first segments.
@@ -156,6 +176,20 @@ TEST_F(JobRunTest, goesOnBehindTheLastKeptSegment)
         EXPECT_EQ(begun(number), number == kept ? 2 : 1) << number;
 }
 
+TEST_F(JobRunTest, needsNoRecogniserWhereEverythingIsHeard)
+{
+    const RecogniserSource none = [](const Job &, const QString &) -> Recogniser & { throw Failure(u"None."_s); };
+    EXPECT_EQ(test::sentenceOf([&] { run(m_job, none); }), u"None."_s);
+    EXPECT_FALSE(stored(m_job).planned) << "nothing is read in vain";
+    run(m_job);
+    const QByteArray expected = transcript(m_job);
+    setBack(m_job);
+    QFile::remove(m_job.callDir + u"/Transcript.txt"_s);
+    run(m_job, none);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+    EXPECT_EQ(transcript(m_job), expected);
+}
+
 namespace {
 
 // What the history tells of a job after two recognisers: the first fails, at once or after some segments.
@@ -174,7 +208,7 @@ struct HandedOver
 const HandedOver handedOver[] = {
     {"all of it by the second", "whisper", "auto", "", "", "en", "", "en"},
     {"the other way round", "", "en", "", "whisper", "auto", "whisper", "auto"},
-    {"what was found is known", "whisper", "auto", "uk", "", "en", "whisper", "uk"},
+    {"what was found is known", "whisper", "auto", "uk", "", "uk", "whisper", "uk"},
     {"some heard, nothing found", "whisper", "auto", "?", "", "en", "whisper", "en"},
     {"a part by Whisper", "", "en", "en", "whisper", "auto", "whisper", "en"},
 };
@@ -191,11 +225,7 @@ TEST_F(JobRunTest, theHistoryTellsWhoHasHeardTheRecording)
         m_recogniser.contract = QString::fromUtf8(row.firstContract);
         m_recogniser.hears = QString::fromUtf8(row.firstHears);
         m_recogniser.heardLanguage = found == u"?" ? QString() : found;
-        m_recogniser.act = [&](std::span<const int16_t> samples) -> std::vector<Word> {
-            if (found.isEmpty() || samples.size() > 2 * 16000)
-                throw Failure(u"No."_s);
-            return test::FakeRecogniser::words(samples);
-        };
+        found.isEmpty() ? failAt(0) : failAt(2);
         EXPECT_EQ(test::sentenceOf([&] { run(job); }), u"No."_s);
         EXPECT_EQ(stored(job).recogniser, u"First"_s);
         EXPECT_EQ(keptCount(m_database, job.seq) > 0, !found.isEmpty());
@@ -209,6 +239,54 @@ TEST_F(JobRunTest, theHistoryTellsWhoHasHeardTheRecording)
         EXPECT_EQ(stored(job).recogniser, u"Second"_s);
         EXPECT_EQ(stored(job).engine, QString::fromUtf8(row.engine));
         EXPECT_EQ(stored(job).language, QString::fromUtf8(row.language));
+    }
+}
+
+namespace {
+
+// Whisper has heard the first part of a recording whose language it was to find out, and is gone.
+struct LanguageOfTheRest
+{
+    const char *comment;
+    const char *found;
+    const char *hears; // the only recogniser that is left
+    const char *refusal;
+};
+
+const LanguageOfTheRest languageOfTheRest[] = {
+    {"another language", "uk", "en", "Nothing knows uk."},
+    {"the same one", "en", "en", "no failure"},
+    {"any language", "uk", "auto", "no failure"},
+    {"none was found", "", "en", "no failure"},
+};
+
+} // namespace
+
+TEST_F(JobRunTest, theRestIsHeardInTheLanguageThatWasFound)
+{
+    for (const LanguageOfTheRest &row : languageOfTheRest) {
+        SCOPED_TRACE(row.comment);
+        const Job job = sameAgain();
+        m_recogniser.called = u"First"_s;
+        m_recogniser.hears = u"auto"_s;
+        m_recogniser.heardLanguage = QString::fromUtf8(row.found);
+        failAt(2);
+        EXPECT_EQ(test::sentenceOf([&] { run(job); }), u"No."_s);
+
+        m_recogniser.called = u"Second"_s;
+        m_recogniser.hears = QString::fromUtf8(row.hears);
+        m_recogniser.act = nullptr;
+        const RecogniserSource left = [&](const Job &, const QString &language) -> Recogniser & {
+            if (language != u"auto" && language != m_recogniser.hears)
+                throw Failure(u"Nothing knows %1."_s.arg(language));
+            return m_recogniser;
+        };
+        const int kept = keptCount(m_database, job.seq);
+        ASSERT_GT(kept, 0);
+        EXPECT_EQ(test::sentenceOf([&] { run(job, left); }), QString::fromUtf8(row.refusal));
+        const bool done = stored(job).status == u"ready";
+        EXPECT_EQ(keptCount(m_database, job.seq) == kept, !done);
+        EXPECT_EQ(stored(job).recogniser, done ? u"Second"_s : u"First"_s);
     }
 }
 
@@ -251,6 +329,65 @@ TEST_F(JobRunTest, whatWasShownAsDoneStaysSo)
     run(m_job);
     EXPECT_TRUE(transcript(m_job).contains("More"));
     EXPECT_FALSE(transcript(m_job).contains("Less"));
+}
+
+namespace {
+
+// Each status that the job shows one after another, with its progress where that is told in parts.
+QStringList shownWhile(Database &database, const std::function<void()> &action)
+{
+    database.run(u"CREATE TEMP TABLE shown (status TEXT, progress TEXT)"_s);
+    database.run(u"CREATE TEMP TRIGGER showing AFTER UPDATE ON main.jobs BEGIN "
+                 "INSERT INTO shown VALUES (new.status, new.progress); END"_s);
+    action();
+    QStringList all;
+    QSqlQuery rows = database.run(u"SELECT status, progress FROM shown ORDER BY rowid"_s);
+    while (rows.next()) {
+        const QString status = rows.value(0).toString();
+        const bool inParts = status == Status::cleaning || status == Status::analyzing;
+        const QString now = inParts ? status + u' ' + rows.value(1).toString() : status;
+        if (all.isEmpty() || all.last() != now)
+            all.append(now);
+    }
+    rows.finish();
+    database.run(u"DROP TRIGGER showing"_s);
+    database.run(u"DROP TABLE shown"_s);
+    return all;
+}
+
+} // namespace
+
+TEST_F(JobRunTest, aJobThatGoesOnDoesNotGoBack)
+{
+    setTextModel(m_database, u"one that never answers"_s);
+    m_database.run(u"UPDATE jobs SET speakers = 1"_s);
+    const QStringList first = shownWhile(m_database, [this] { run(m_job); });
+    EXPECT_EQ(first.first(), u"transcribing"_s);
+    EXPECT_EQ(first.filter(u"0/1"_s), QStringList({u"cleaning 0/1"_s, u"analyzing 0/1"_s}));
+    EXPECT_EQ(first.last(), u"ready"_s);
+    const auto again = [this](QStringView status) {
+        changeJob(m_database, m_job.id, [status](Job &job) {
+            job.status = status.toString();
+            job.progress = u"1/1"_s;
+        });
+        return shownWhile(m_database, [this] { run(m_job); });
+    };
+    EXPECT_EQ(again(Status::analyzing), QStringList({u"ready"_s}));
+    EXPECT_EQ(again(Status::cleaning).filter(u"cleaning"_s), QStringList());
+    EXPECT_EQ(again(Status::queued).first(), u"transcribing"_s);
+}
+
+TEST_F(JobRunTest, aJobThatIsCancelledAndBegunAgainAtOnceShowsItsStage)
+{
+    m_recogniser.act = [this, id = m_job.id](std::span<const int16_t>) {
+        Database own(m_paths);
+        const QString before = jobById(own, id)->status;
+        for (const QStringView status : {Status::cancelled, Status::queued})
+            changeJob(own, id, [status](Job &job) { job.status = status.toString(); });
+        return std::vector<Word>{{before, 0, 1}};
+    };
+    run(m_job);
+    EXPECT_EQ(transcript(m_job).count("Transcribing\n"), 6) << transcript(m_job).toStdString();
 }
 
 TEST_F(JobRunTest, severalDecodersGiveTheSameTextAsOne)
@@ -358,6 +495,31 @@ TEST_F(JobRunTest, silenceIsToldInTheWordsOfTheContract)
     EXPECT_EQ(test::sentenceOf([&] { run(newJob(silence)); }), u"Запис містить тишу"_s);
     m_recogniser.act = [](std::span<const int16_t>) { return std::vector<Word>(); };
     EXPECT_EQ(test::sentenceOf([&] { run(m_job); }), u"Запис містить тишу"_s);
+}
+
+TEST_F(JobRunTest, whatOneRecogniserHasHeardNothingInIsHeardByAnother)
+{
+    const auto begun = [this] {
+        return m_database.value(u"SELECT sum(attempts) FROM segments WHERE job = ?"_s, {m_job.seq}).toInt();
+    };
+    const auto isSilence = [this] { return test::sentenceOf([&] { run(m_job); }) == silenceError; };
+    m_recogniser.act = [](std::span<const int16_t>) { return std::vector<Word>(); };
+    EXPECT_TRUE(isSilence());
+    EXPECT_TRUE(isSilence());
+    EXPECT_EQ(begun(), 6) << "the same one hears no more the second time";
+
+    m_recogniser.called = u"Another"_s;
+    m_recogniser.hears = u"uk"_s;
+    m_recogniser.act = [this, id = m_job.id](std::span<const int16_t>) {
+        Database own(m_paths);
+        const bool afresh = jobById(own, id)->progress.section(u'/', 0, 0).toInt() < 6;
+        return std::vector<Word>{{afresh ? u"afresh"_s : u"later"_s, 0, 1}};
+    };
+    run(m_job);
+    EXPECT_EQ(stored(m_job).status, u"ready"_s);
+    EXPECT_EQ(stored(m_job).language, u"uk"_s);
+    EXPECT_EQ(stored(m_job).recogniser, u"Another"_s);
+    EXPECT_TRUE(transcript(m_job).startsWith("[00:00:01] Afresh\n")) << transcript(m_job).toStdString();
 }
 
 TEST_F(JobRunTest, doesOnlyWhatWasAskedFor)
