@@ -191,7 +191,7 @@ QString polishedText(const std::vector<Sentence> &sentences, const QString &lang
         const QString written = answer ? plainAnswer(*answer) : QString();
         if (!text.isEmpty())
             text += parts[i].front().startsParagraph ? u"\n\n"_s : u" "_s;
-        text += keepsWhatWasSaid(said, written) ? written : said;
+        text += keepsWhatWasSaid(said, written, language) ? written : said;
     }
     return text.isEmpty() ? text : text + u'\n';
 }

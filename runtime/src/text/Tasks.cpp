@@ -123,11 +123,6 @@ const QHash<QString, QRegularExpression> &dutyElsewhere()
     return patterns;
 }
 
-QString mainLanguage(const QString &language)
-{
-    return language.section(u'-', 0, 0).section(u'_', 0, 0).toLower();
-}
-
 bool speaksOfDuty(const QString &text, const QString &language)
 {
     if (countWords(text) < fewestInTask)

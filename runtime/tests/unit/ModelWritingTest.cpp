@@ -28,6 +28,7 @@ struct CheckCase
     const char *said;
     const char *written;
     bool kept;
+    const char *language = "en";
 };
 
 void PrintTo(const CheckCase &one, std::ostream *out)
@@ -41,8 +42,10 @@ class ModelCheck : public testing::TestWithParam<CheckCase>
 
 TEST_P(ModelCheck, takesOnlyWhatWasSaid)
 {
-    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(GetParam().said), QString::fromUtf8(GetParam().written)),
-              GetParam().kept);
+    const CheckCase &one = GetParam();
+    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(one.said), QString::fromUtf8(one.written),
+                               QString::fromUtf8(one.language)),
+              one.kept);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -57,8 +60,36 @@ INSTANTIATE_TEST_SUITE_P(
         CheckCase{"the money came from the bank", "The money never came from the bank.", false},
         CheckCase{"the money didn't come", "The money did come.", false},
         CheckCase{"the money came", "", false},
-        CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true},
-        CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false}));
+        CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true, "ru"},
+        CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false, "ru"}));
+
+// What denies comes and goes in no sentence, whatever the sentences around it deny.
+INSTANTIATE_TEST_SUITE_P(
+    Denials, ModelCheck,
+    testing::Values(
+        CheckCase{"we can't wait and the money came early", "We can't wait, and the money did not come early.", false},
+        CheckCase{"he did not come but she did", "He did come, but she did not.", false},
+        CheckCase{"we left without the money", "We left with the money.", false},
+        CheckCase{"there is no money left", "There is money left.", false},
+        CheckCase{"it isn't here and i can't see it", "It is not here, and I cannot see it.", true},
+        CheckCase{"i don't i don't know the place", "I don't know the place.", true},
+        CheckCase{"no no the money came", "No, the money came.", true},
+        CheckCase{"it is not that it's not good", "It is that it's not good.", false},
+        CheckCase{"not not the money came", "The money came.", false},
+        CheckCase{"das geld ist nicht gekommen und wir haben gewartet", "Das Geld ist gekommen, und wir haben gewartet.",
+                  false, "de"},
+        CheckCase{"wir haben kein geld", "Wir haben Geld.", false, "de-CH"},
+        CheckCase{"wir haben das nicht gesehen", "Wir haben das nicht gesehen.", true, "de"},
+        CheckCase{"on sait où il est", "On ne sait pas où il est.", false, "fr"},
+        CheckCase{"je sais pas où il est", "Je ne sais pas où il est.", true, "fr"},
+        CheckCase{"el dinero llegó ayer", "El dinero no llegó ayer.", false, "es"},
+        CheckCase{"il denaro è arrivato", "Il denaro non è arrivato.", false, "it"},
+        CheckCase{"o dinheiro não chegou", "O dinheiro chegou.", false, "pt"},
+        CheckCase{"het geld is niet gekomen", "Het geld is gekomen.", false, "nl"},
+        CheckCase{"pieniądze przyszły wczoraj", "Pieniądze nie przyszły wczoraj.", false, "pl"},
+        CheckCase{"мы поехали домой вечером", "Мы не поехали домой вечером.", false, "ru"},
+        CheckCase{"ми не поїхали додому ввечері", "Ми поїхали додому ввечері.", false, "uk"},
+        CheckCase{"ми не поїхали додому ввечері", "Ми не поїхали додому ввечері.", true, "uk"}));
 
 TEST(ModelWriting, partsAreAskedOneByOneAndNothingIsLost)
 {
