@@ -192,9 +192,9 @@ private:
     static constexpr qsizetype nowhere = -2;
     static constexpr qsizetype around = 60; // words
     static constexpr size_t mostCells = 30'000'000;
-    static constexpr int forSame = 4;
-    static constexpr int forChanging = 3;
-    static constexpr int forMissing = -2; // of a word that has no counterpart
+    static constexpr int forSame = 6;
+    static constexpr int forChanging = 5;
+    static constexpr int forMissing = -1; // of a word that has no counterpart
 
     void align(const QStringList &a, const QStringList &b, double expected, const QSet<qsizetype> &changing)
     {
@@ -513,9 +513,9 @@ private:
 
     bool isCertain(const Change &change) const
     {
-        constexpr auto around = qsizetype(certainWords);
+        constexpr auto around = 2 * qsizetype(certainWords); // some of them may be hesitation
         return m_alignment.found(m_begin + qsizetype(change.fromOld) - around,
-                                 m_begin + qsizetype(change.toOld) + around) >= around;
+                                 m_begin + qsizetype(change.toOld) + around) >= qsizetype(certainWords);
     }
 
     bool standsWordForWord(const Change &change) const
@@ -606,6 +606,20 @@ QString withCorrectedLine(const QString &text, const std::vector<Line> &lines, s
     else
         Pieces(whole.list, said, old.list, now.list).carry();
     return whole.text();
+}
+
+WordsFound wordsFound(const QString &text, const std::vector<Line> &lines, size_t line)
+{
+    const Said said(lines, line);
+    const QStringList keys = keysOf(Tokens(text).list);
+    const Alignment alignment(said.words, said.begin, said.end, keys);
+    qsizetype first = 0;
+    qsizetype behind = said.words.size();
+    while (first < behind && !alignment.place(first))
+        ++first;
+    while (first < behind && !alignment.place(behind - 1))
+        --behind;
+    return {keys.size(), alignment.found(first, behind), alignment.found(said.begin, said.end), behind - first};
 }
 
 } // namespace engine

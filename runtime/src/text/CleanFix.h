@@ -14,4 +14,15 @@ namespace engine {
 QString withCorrectedLine(const QString &text, const std::vector<Line> &lines, size_t line,
                           const QString &corrected);
 
+// How many words a text has, how many of them stand, in their order, in the line and around it, and over how many words
+// there they are spread.
+struct WordsFound
+{
+    qsizetype ofText = 0;
+    qsizetype all = 0;
+    qsizetype inLine = 0;
+    qsizetype spread = 0;
+};
+WordsFound wordsFound(const QString &text, const std::vector<Line> &lines, size_t line);
+
 } // namespace engine
