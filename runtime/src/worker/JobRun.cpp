@@ -267,6 +267,8 @@ void JobRun::write(Transcript &transcript, std::vector<Segment> segments)
     if (written) {
         transcript.summary->model = model.name();
         m_title = written->title;
+    } else if (model.chosen()) {
+        transcript.summary->missing.prepend(gaveNothing(model.name()));
     }
 }
 

@@ -151,6 +151,84 @@ TEST(ModelWriting, summariesOfPartsBecomeOne)
     EXPECT_TRUE(written->summary.missing.isEmpty());
 }
 
+// Of an hour and more: the summaries of the parts have no room in one question.
+TEST(ModelWriting, manyPartsAreJoinedInLevels)
+{
+    int asked = 0;
+    int joined = 0;
+    int last = -1;
+    const auto written = writtenSummary(
+        longTalk(1000), u"en"_s,
+        [&](const ModelQuestion &question) {
+            ++asked;
+            EXPECT_LT(question.text.size(), 8000);
+            const bool together = question.text.startsWith(u"Rooms"_s);
+            joined += together ? 1 : 0;
+            QStringList sentences;
+            for (int i = 0; i < (together ? 2 : 15); ++i)
+                sentences.append(u"\"Rooms and the school and what they are for %1.\""_s.arg(QString(asked, u'x') + QString(i, u'y')));
+            return std::optional(u"{\"summary\": ["_s + sentences.join(u", "_s) + u"]}"_s);
+        },
+        [&](int done, int total) {
+            EXPECT_GE(done, last);
+            EXPECT_LT(done, total);
+            last = done;
+        });
+    ASSERT_TRUE(written);
+    EXPECT_GT(joined, 2);
+    EXPECT_EQ(written->summary.sentences.size(), 2);
+    EXPECT_TRUE(written->summary.missing.isEmpty());
+}
+
+TEST(ModelWriting, partsThatCouldNotBeJoinedAreToldOf)
+{
+    const auto written = writtenSummary(
+        longTalk(200), u"en"_s,
+        [&](const ModelQuestion &question) {
+            return question.text.startsWith(u"Rooms"_s)
+                       ? std::nullopt
+                       : std::optional(uR"({"summary": ["Rooms %1."]})"_s.arg(question.text.left(30)));
+        },
+        &showNothing);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->summary.sentences.size(), 3);
+    ASSERT_EQ(written->summary.missing.size(), 1);
+    EXPECT_TRUE(filled(written->summary.missing[0]).startsWith(u"The summaries of the parts could not be made one"));
+}
+
+// An answer in another shape than the one that was asked for.
+struct ShapeCase
+{
+    const char *answer;
+    QStringList sentences;
+    QStringList tasks;
+};
+
+TEST(ModelWriting, answersOfOtherShapesAreTaken)
+{
+    const QString school = u"The school is told of."_s;
+    const QString rooms = u"A part of the school, no. 3, is told of."_s;
+    const QString big = u"The school is "_s + QString(350, u'x') + u"."_s;
+    const ShapeCase cases[] = {
+        {R"({"summary": "The school is told of. A part of the school, no. 3, is told of."})", {school, rooms}, {}},
+        {R"({"summary": "- The school is told of.\n- A part of the school, no. 3, is told of."})", {school, rooms}, {}},
+        {R"({"summary": [{"sentence": "The school is told of."}], "tasks": [{"task": "Tell of the school.",
+             "person": null, "date": "part 3"}, {"person": "none", "task": "Do it"}]})",
+         {school},
+         {u"Tell of the school. (part 3)"_s, u"Do it"_s}},
+        {R"({"summary": ["The school is told of."], "tasks": "Tell of it. Do it."})", {school}, {u"Tell of it."_s, u"Do it."_s}},
+        {R"({"summary": ["%BIG %BIG"]})", {big}, {}},
+    };
+    for (const ShapeCase &row : cases) {
+        const QString answer = QString::fromUtf8(row.answer).replace(u"%BIG"_s, big);
+        const auto written = writtenSummary(
+            longTalk(5), u"en"_s, [&](const ModelQuestion &) { return std::optional(answer); }, &showNothing);
+        ASSERT_TRUE(written) << row.answer;
+        EXPECT_EQ(written->summary.sentences, row.sentences) << row.answer;
+        EXPECT_EQ(written->summary.tasks, row.tasks) << row.answer;
+    }
+}
+
 TEST(ModelWriting, theSummaryIsAskedForWithTheSpeakers)
 {
     QString asked;
