@@ -616,9 +616,9 @@ class Rename(ViewerCase):
 class RenamedSummary(ViewerCase):
     """The same cases as the engine's own, which writes the files anew."""
 
-    def rename(self, old, name, paragraphs, tasks):
+    def rename(self, old, name, paragraphs, tasks, said="One."):
         self.answered = 0
-        self.load_lines((old, "One."), ("Ann", "Two."), summary={"note": [], "paragraphs": paragraphs, "tasks": tasks})
+        self.load_lines((old, said), ("Ann", "Two."), summary={"note": [], "paragraphs": paragraphs, "tasks": tasks})
         self.open_menu(0, everywhere=True)
         self.write_name(name)
         self.message()
@@ -638,11 +638,17 @@ class RenamedSummary(ViewerCase):
         self.message()
         self.answer("tuppiRenamed", True, "Renamed in 1 line", "Anna \\1 $&", "Speaker 1")
         self.await_notice("Undone: Rename")
-        self.assertEqual(self.summary()[1], ["Speaker 1: I will call Anna \\1 $&."])
+        self.assertEqual(self.summary()[1], ["Speaker 1: I will call Speaker 1."])
+
+    def test_a_name_that_nobody_said_changes_everywhere(self):
+        self.rename("A.na (1)", "Anna", ["- A.na (1) will call Bo.\n- A.na (1)'s dog."], ["A.na (1): I will call."])
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", "A.na (1)", "Anna")
+        self.await_settled()
+        self.assertEqual(self.summary(), [["Anna will call Bo.", "Anna's dog."], ["Anna: I will call."]])
 
     def test_another_name_changes_where_it_tells_who_speaks(self):
         self.rename("Bo", "Carl", ["- Bo: Yes.\n- Bo said so."],
-                    ["Ann: Can you call Bo? Bo: On Monday.", "Ann: Tell Bo that Ann comes."])
+                    ["Ann: Can you call Bo? Bo: On Monday.", "Ann: Tell Bo that Ann comes."], "I am bo.")
         self.answer("tuppiRenamed", True, "Renamed in 1 line", "Bo", "Carl")
         self.await_settled()
         self.assertEqual(self.summary(), [["Carl: Yes.", "Bo said so."],

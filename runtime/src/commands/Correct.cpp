@@ -5,7 +5,7 @@
 #include "output/ViewerPage.h"
 #include "store/Jobs.h"
 #include "text/CleanFix.h"
-#include "text/Tasks.h"
+#include "text/SummaryFix.h"
 #include "text/Words.h"
 
 #include <QJsonArray>
@@ -84,6 +84,7 @@ int renameSpeaker(const Arguments &arguments)
     int changed = 0;
     correct(database, arguments.words.first(), [&](Correction &correction) {
         bool known = false;
+        const std::vector<Line> before = correction.transcript.lines;
         for (Line &line : correction.transcript.lines) {
             if (line.speaker != old || old.isEmpty())
                 continue;
@@ -94,8 +95,8 @@ int renameSpeaker(const Arguments &arguments)
         if (!known)
             throw Failure(u"Nobody is called “"_s + old + u"” in this transcript."_s);
         if (std::optional<Summary> &summary = correction.transcript.summary) {
-            summary->sentences = speakerRenamed(summary->sentences, old, name);
-            summary->tasks = speakerRenamed(summary->tasks, old, name);
+            summary->sentences = speakerRenamed(summary->sentences, before, old, name);
+            summary->tasks = speakerRenamed(summary->tasks, before, old, name);
         }
     });
     answer(arguments, {{u"speaker"_s, name}, {u"changed"_s, changed}}, u"Renamed in %1 lines"_s.arg(changed));
@@ -109,8 +110,13 @@ int nameSpeaker(const Arguments &arguments)
                              ? QString()
                              : nameFrom(arguments.value(u"--name"), u"speaker's name"_s, longestName);
     Database database(Paths::ofThisUser());
-    correct(database, arguments.words.first(),
-            [&](Correction &correction) { lineAt(correction.transcript, number).speaker = name; });
+    correct(database, arguments.words.first(), [&](Correction &correction) {
+        Line &line = lineAt(correction.transcript, number);
+        std::optional<Summary> &summary = correction.transcript.summary;
+        if (summary && summary->model.isEmpty() && line.speaker != name)
+            summary->tasks = lineGiven(summary->tasks, correction.transcript.lines, size_t(number), name);
+        line.speaker = name;
+    });
     answer(arguments, {{u"speaker"_s, name.isEmpty() ? QJsonValue() : QJsonValue(name)}}, u"Speaker saved"_s);
     return 0;
 }
@@ -221,6 +227,11 @@ int edit(const Arguments &arguments)
             return withCorrectedLine(whole, lines, size_t(number), text);
         };
         cleanUpdated = correction.carriedOver(correction.transcript.clean) != correction.transcript.clean;
+        if (std::optional<Summary> &summary = correction.transcript.summary) {
+            const std::vector<Line> &lines = correction.transcript.lines;
+            summary->sentences = lineCorrected(summary->sentences, lines, size_t(number), text);
+            summary->tasks = lineCorrected(summary->tasks, lines, size_t(number), text);
+        }
         line = withText(line, text);
     });
     answer(arguments, {{u"clean_updated"_s, cleanUpdated}},

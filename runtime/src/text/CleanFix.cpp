@@ -3,6 +3,8 @@
 #include "text/WordParts.h"
 #include "text/Words.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <optional>
 
@@ -141,6 +143,100 @@ private:
     const QStringList &m_said;
     qsizetype m_begin;
     qsizetype m_end;
+};
+
+// Where the words of a line and around it have come to in a text that lacks some of them and has others instead: the
+// stretch of the text that is most like them.
+class Alignment
+{
+public:
+    // The line is what stands in `said` from `begin` to before `end`. Of what was said twice, but stands in the text
+    // once, the words that are not `changing` are there.
+    Alignment(const QStringList &said, qsizetype begin, qsizetype end, const QStringList &text,
+              const QSet<qsizetype> &changing = {})
+        : m_first(std::max<qsizetype>(begin - around, -1))
+        , m_places(size_t(std::min(end + around, said.size() + 1) - m_first), nowhere)
+    {
+        // Both begin and end with what no word is, so that a common beginning or end counts like a word.
+        const auto bounded = [](const QStringList &words, qsizetype from, qsizetype to) {
+            QStringList list;
+            for (qsizetype i = from; i < to; ++i)
+                list.append(i < 0 ? u"\n<"_s : i >= words.size() ? u"\n>"_s : words[i]);
+            return list;
+        };
+        const QStringList a = bounded(said, m_first, m_first + qsizetype(m_places.size()));
+        const QStringList b = bounded(text, -1, text.size() + 1);
+        if (size_t(a.size()) * size_t(b.size()) <= mostCells)
+            align(a, b, double(end) / double(said.size() + 1) * double(b.size()), changing);
+    }
+
+    // Of a word that was said, its place in the text; nothing where it is not there.
+    std::optional<qsizetype> place(qsizetype word) const
+    {
+        const qsizetype at = word - m_first;
+        const qsizetype found = at >= 0 && at < std::ssize(m_places) ? m_places[size_t(at)] : nowhere;
+        return found == nowhere ? std::nullopt : std::optional(found);
+    }
+
+    // How many of these words stand in the text.
+    qsizetype found(qsizetype from, qsizetype to) const
+    {
+        qsizetype sum = 0;
+        for (; from < to; ++from)
+            sum += place(from) ? 1 : 0;
+        return sum;
+    }
+
+private:
+    enum Step : char { Stop, Both, OnlyA, OnlyB };
+    static constexpr qsizetype nowhere = -2;
+    static constexpr qsizetype around = 60; // words
+    static constexpr size_t mostCells = 30'000'000;
+    static constexpr int forSame = 6;
+    static constexpr int forChanging = 5;
+    static constexpr int forMissing = -1; // of a word that has no counterpart
+
+    void align(const QStringList &a, const QStringList &b, double expected, const QSet<qsizetype> &changing)
+    {
+        const auto width = size_t(b.size()) + 1;
+        std::vector<char> steps((size_t(a.size()) + 1) * width, Stop);
+        std::vector<int> above(width);
+        std::vector<int> row(width);
+        std::pair<size_t, size_t> best;
+        int most = 0;
+        for (size_t i = 1; i <= size_t(a.size()); ++i) {
+            const int worth = changing.contains(m_first + qsizetype(i) - 1) ? forChanging : forSame;
+            for (size_t j = 1; j < width; ++j) {
+                const bool same = a[qsizetype(i) - 1] == b[qsizetype(j) - 1];
+                int score = same ? above[j - 1] + worth : 0;
+                char step = same ? Both : Stop;
+                for (const auto &[other, way] : {std::pair(above[j] + forMissing, OnlyA), {row[j - 1] + forMissing, OnlyB}}) {
+                    if (other > score) {
+                        score = other;
+                        step = way;
+                    }
+                }
+                row[j] = score;
+                steps[i * width + j] = step;
+                const auto far = [&](size_t place) { return std::abs(double(place) - expected); };
+                if (score > most || (score == most && score > 0 && far(j) < far(best.second))) {
+                    most = score;
+                    best = {i, j};
+                }
+            }
+            std::swap(above, row);
+        }
+        for (auto [i, j] = best; steps[i * width + j] != Stop;) {
+            const char step = steps[i * width + j];
+            if (step == Both)
+                m_places[i - 1] = qsizetype(j) - 2;
+            i -= step == OnlyB ? 0 : 1;
+            j -= step == OnlyA ? 0 : 1;
+        }
+    }
+
+    qsizetype m_first;
+    std::vector<qsizetype> m_places; // of the word number m_first + index; -1 is the beginning of the text
 };
 
 bool startsUpper(const QString &word)
@@ -330,30 +426,200 @@ private:
     QString m_beforeDue;
 };
 
+// The words of all lines, and which of them are one line's.
+struct Said
+{
+    QStringList words;
+    qsizetype begin = 0;
+    qsizetype end = 0;
+
+    Said(const std::vector<Line> &lines, size_t line)
+    {
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (i == line)
+                begin = words.size();
+            words += keysOf(Tokens(lines[i].text).list);
+            if (i == line)
+                end = words.size();
+        }
+    }
+};
+
+// Words of a line that became others, with their places in both.
+struct Change
+{
+    size_t fromOld = 0;
+    size_t toOld = 0;
+    size_t from = 0;
+    size_t to = 0;
+};
+
+std::vector<Change> changesOf(const std::vector<Token> &old, const std::vector<Token> &now)
+{
+    std::vector<Change> changes;
+    std::vector<std::pair<size_t, size_t>> kept = commonWords(keysOf(old), keysOf(now));
+    std::erase_if(kept, [&](const auto &pair) { return old[pair.first].text() != now[pair.second].text(); });
+    kept.emplace_back(old.size(), now.size());
+    Change next;
+    for (const auto &[place, at] : kept) {
+        next.toOld = place;
+        next.to = at;
+        if (next.toOld > next.fromOld || next.to > next.from)
+            changes.push_back(next);
+        next = {place + 1, 0, at + 1, 0};
+    }
+    return changes;
+}
+
+// Carries the changes of a line over of which the text holds what is around them.
+class Pieces
+{
+public:
+    Pieces(std::vector<Token> &text, const Said &said, const std::vector<Token> &old, const std::vector<Token> &now)
+        : m_text(text)
+        , m_begin(said.begin)
+        , m_old(old)
+        , m_now(now)
+        , m_changes(changesOf(old, now))
+        , m_alignment(said.words, said.begin, said.end, keysOf(text), changing())
+    {
+    }
+
+    void carry()
+    {
+        if (m_alignment.found(m_begin, m_begin + std::ssize(m_old)) == 0)
+            return;
+        // From the end, so that the places in front of a change stay what they are.
+        for (; !m_changes.empty(); m_changes.pop_back())
+            carry(m_changes.back());
+    }
+
+private:
+    QSet<qsizetype> changing() const
+    {
+        QSet<qsizetype> words;
+        for (const Change &change : m_changes) {
+            for (size_t i = change.fromOld; i < change.toOld; ++i)
+                words.insert(m_begin + qsizetype(i));
+        }
+        return words;
+    }
+
+    // Of a word of the line; those of other lines are in front of it and behind it.
+    std::optional<qsizetype> place(size_t word, int step = 0) const
+    {
+        return m_alignment.place(m_begin + qsizetype(word) + step);
+    }
+
+    bool isCertain(const Change &change) const
+    {
+        constexpr auto around = 2 * qsizetype(certainWords); // some of them may be hesitation
+        return m_alignment.found(m_begin + qsizetype(change.fromOld) - around,
+                                 m_begin + qsizetype(change.toOld) + around) >= qsizetype(certainWords);
+    }
+
+    bool standsWordForWord(const Change &change) const
+    {
+        const auto count = qsizetype(change.toOld - change.fromOld);
+        const qsizetype first = m_begin + qsizetype(change.fromOld);
+        return count > 0 && m_alignment.found(first, first + count) == count &&
+               *place(change.toOld, -1) - *place(change.fromOld) == count - 1;
+    }
+
+    void carry(const Change &change)
+    {
+        if (!isCertain(change))
+            return;
+        if (standsWordForWord(change)) {
+            put(*place(change.fromOld), *place(change.toOld, -1) + 1, change);
+            return;
+        }
+        // The text lacks the words, or has others for them and for those beside them.
+        Change wider = change;
+        for (; wider.fromOld > 0 && !place(wider.fromOld, -1); --wider.from)
+            --wider.fromOld;
+        for (; wider.toOld < m_old.size() && !place(wider.toOld); ++wider.to)
+            ++wider.toOld;
+        const std::optional<qsizetype> before = place(wider.fromOld, -1);
+        const std::optional<qsizetype> behind = place(wider.toOld);
+        if (!before || !behind)
+            return;
+        const qsizetype count = *behind - *before - 1;
+        if (count == 0)
+            put(*behind, *behind, {wider.fromOld, wider.toOld, change.from, change.to});
+        else if (count <= 2 * qsizetype(wider.toOld - wider.fromOld))
+            rewrite(*before + 1, *behind, wider);
+    }
+
+    // Where the text has the old words or nothing. A word of the line beside them tells how to join them.
+    void put(qsizetype begin, qsizetype end, const Change &change)
+    {
+        std::vector<Token> old;
+        std::vector<Token> now(m_now.begin() + qsizetype(change.from), m_now.begin() + qsizetype(change.to));
+        if (end > begin)
+            old.assign(m_old.begin() + qsizetype(change.fromOld), m_old.begin() + qsizetype(change.toOld));
+        if (change.fromOld > 0 && place(change.fromOld, -1) == begin - 1) {
+            old.insert(old.begin(), m_old[change.fromOld - 1]);
+            now.insert(now.begin(), m_old[change.fromOld - 1]);
+            --begin;
+        }
+        if (change.toOld < m_old.size() && place(change.toOld) == end) {
+            old.push_back(m_old[change.toOld]);
+            now.push_back(m_old[change.toOld]);
+        }
+        Carrier(m_text, size_t(begin), old, now).carry();
+    }
+
+    // Where the text has other words than were heard ("25").
+    void rewrite(qsizetype begin, qsizetype end, const Change &change)
+    {
+        std::vector<Token> old(m_text.begin() + begin, m_text.begin() + end);
+        const std::vector<Token> now(m_now.begin() + qsizetype(change.from), m_now.begin() + qsizetype(change.to));
+        if (!now.empty()) {
+            // Capital and signs are the text's own.
+            old.front().core[0] = old.front().core[0].toLower();
+            old.back().trail = now.back().trail;
+        }
+        Carrier(m_text, size_t(begin), old, now).carry();
+    }
+
+    std::vector<Token> &m_text;
+    qsizetype m_begin;
+    const std::vector<Token> &m_old;
+    const std::vector<Token> &m_now;
+    std::vector<Change> m_changes;
+    Alignment m_alignment;
+};
+
 } // namespace
 
 QString withCorrectedLine(const QString &text, const std::vector<Line> &lines, size_t line,
                           const QString &corrected)
 {
-    QStringList said;
-    qsizetype begin = 0;
-    qsizetype end = 0;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        if (i == line)
-            begin = said.size();
-        said += keysOf(Tokens(lines[i].text).list);
-        if (i == line)
-            end = said.size();
-    }
+    const Said said(lines, line);
     Tokens whole(text);
     const QStringList keys = keysOf(whole.list);
-    const std::optional<qsizetype> place = Search(keys, said, begin, end).place();
-    if (!place)
-        return text;
     const Tokens old(lines[line].text);
     const Tokens now(corrected);
-    Carrier(whole.list, size_t(*place), old.list, now.list).carry();
+    if (const std::optional<qsizetype> place = Search(keys, said.words, said.begin, said.end).place())
+        Carrier(whole.list, size_t(*place), old.list, now.list).carry();
+    else
+        Pieces(whole.list, said, old.list, now.list).carry();
     return whole.text();
+}
+
+WordsFound wordsFound(const QString &text, const std::vector<Line> &lines, size_t line)
+{
+    const Said said(lines, line);
+    const QStringList keys = keysOf(Tokens(text).list);
+    const Alignment alignment(said.words, said.begin, said.end, keys);
+    qsizetype first = 0;
+    qsizetype behind = said.words.size();
+    while (first < behind && !alignment.place(first))
+        ++first;
+    while (first < behind && !alignment.place(behind - 1))
+        --behind;
+    return {keys.size(), alignment.found(first, behind), alignment.found(said.begin, said.end), behind - first};
 }
 
 } // namespace engine

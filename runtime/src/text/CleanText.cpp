@@ -131,9 +131,14 @@ std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, bool 
 
 } // namespace
 
+QString mainLanguage(const QString &language)
+{
+    return language.section(u'-', 0, 0).section(u'_', 0, 0).toLower();
+}
+
 bool isEnglish(const QString &language)
 {
-    return language == u"en" || language.startsWith(u"en-") || language.startsWith(u"en_");
+    return mainLanguage(language) == u"en";
 }
 
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language)

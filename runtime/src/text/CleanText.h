@@ -18,6 +18,9 @@ struct Sentence
     QString speaker = {}; // empty: not known
 };
 
+// "de" of "de-CH".
+QString mainLanguage(const QString &language);
+
 bool isEnglish(const QString &language);
 
 // Sentences by the pauses that were spoken, or by the recogniser's own marks where it makes them, and by speakers;

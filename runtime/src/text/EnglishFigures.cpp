@@ -141,6 +141,15 @@ private:
         return start < m_parts.size() ? below100(start, false) : std::nullopt;
     }
 
+    // "about hundred and fifty"; not of "several hundred and fifty", nor where a number is before it.
+    bool beginsWithHundred(size_t at) const
+    {
+        static const QSet<QString> several{u"few"_s, u"several"_s, u"many"_s, u"couple"_s};
+        const QString word = key(at);
+        const QString before = keyBefore(at);
+        return (word == u"hundred" || word == u"thousand") && !several.contains(before) && !smallNumbers().contains(before);
+    }
+
     std::optional<Number> below1000(size_t at, bool first) const
     {
         std::optional<Number> number;
@@ -148,6 +157,8 @@ private:
         if (first && m_parts[at].key() == u"a" &&
             (next == u"hundred" || next == u"thousand" || next == u"million"))
             number = Number{1, at + 1, true};
+        else if (first && beginsWithHundred(at))
+            number = Number{1, at, true};
         else
             number = below100(at, first);
         if (!number || number->value == 0 || number->value > 19 || key(number->end) != u"hundred")
@@ -214,6 +225,25 @@ private:
         static const QSet<QString> words{u"at"_s,     u"by"_s,    u"until"_s, u"till"_s,
                                          u"before"_s, u"after"_s, u"around"_s};
         return words.contains(keyBefore(at));
+    }
+
+    // Behind a number: what is measured, which no time of day has behind it.
+    bool unitAt(size_t at) const
+    {
+        static const QSet<QString> units = [] {
+            const QStringList words =
+                u"percent per second seconds minute minutes hour hours day days week weeks month months year years page pages "
+                "dollar dollars euro euros cent cents pound pounds mile miles meter meters metre metres kilometer "
+                "kilometers kilometre kilometres inch inches foot feet degree degrees point points time times"_s.split(u' ');
+            return QSet<QString>(words.begin(), words.end());
+        }();
+        return units.contains(key(at));
+    }
+
+    bool peopleAt(size_t at) const
+    {
+        static const QSet<QString> people{u"people"_s, u"person"_s, u"persons"_s, u"men"_s, u"women"_s, u"children"_s};
+        return people.contains(key(at));
     }
 
     // "a.m." or "p.m." at this place, however it was heard.
@@ -335,7 +365,7 @@ private:
                             (word == u"quarter" ? keyBefore(at) != u"from" : clear.contains(keyBefore(at)));
         const std::vector<Number> hour = run(next + 1 < m_parts.size() ? next + 1 : m_parts.size());
         if ((direction != u"past" && !before) || hour.size() != 1 || key(next + 1).isEmpty() ||
-            hour[0].value < 1 || hour[0].value > 12 || hour[0].article)
+            hour[0].value < 1 || hour[0].value > 12 || hour[0].article || unitAt(hour[0].end) || peopleAt(hour[0].end))
             return std::nullopt;
         const qint64 shown = before ? (hour[0].value + 10) % 12 + 1 : hour[0].value;
         return withHalfOfDay(clock(shown, before ? 60 - minutes : minutes), hour[0].end);
@@ -361,7 +391,10 @@ private:
         const qint64 a = first.value;
         const qint64 b = second.value;
         const bool two = second.oh || (b >= 10 && b < 100);
-        if (!two || first.article || first.end != at + 1)
+        // "at nine thirty people came" has a time, "twenty thirty people came" has none.
+        static const QSet<QString> yearly{u"in"_s, u"since"_s, u"of"_s, u"from"_s};
+        const bool dated = clockBefore(at) || yearly.contains(keyBefore(at));
+        if (!two || first.article || first.end != at + 1 || unitAt(second.end) || (!dated && peopleAt(second.end)))
             return std::nullopt;
         const bool clockLike = clockBefore(at) || halfOfDay(second.end).has_value();
         const bool usual = b == 15 || b == 30 || b == 45;
@@ -402,8 +435,11 @@ private:
         if (value >= 20 && value < 100 && value % 10 == 0 && unit > 0 &&
             (unit != 2 || key(number.end + 1) == u"of"))
             return Written{QString::number(value + unit) + ordinalEnding(unit), number.end + 1};
-        const Written exact = decimals(digits(value), number.end);
+        Written exact = decimals(digits(value), number.end);
         const bool percent = key(exact.end) == u"percent";
+        // "At one point one of them left."
+        if (value == 1 && keyBefore(at) == u"at" && !unitAt(exact.end))
+            exact = {digits(value), number.end};
         if (percent || (key(exact.end) == u"per" && key(exact.end + 1) == u"cent"))
             return Written{exact.text + u'%', exact.end + (percent ? 1 : 2)};
         if (exact.end > number.end)

@@ -1,5 +1,8 @@
 #include "text/ModelCheck.h"
 
+#include "text/CleanText.h"
+#include "text/Words.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -71,12 +74,85 @@ bool alike(const QString &a, const QString &b)
            std::max(a.size(), b.size()) - stem <= longestEnding;
 }
 
-bool denies(const QStringList &words)
+// Words that turn a sentence into its opposite. French "ne" is not among them: it comes and goes with good style.
+const QSet<QString> &denialsIn(const QString &language)
 {
-    static const QSet<QString> denials{u"not"_s,     u"never"_s,  u"cannot"_s,
-                                       u"nothing"_s, u"nobody"_s, u"none"_s};
-    return std::ranges::any_of(
-        words, [](const QString &word) { return denials.contains(word) || word.endsWith(u"n't"); });
+    static const QHash<QString, QSet<QString>> languages = [] {
+        const QHash<QString, QString> lists{
+            {u"en"_s, u"not no never without nothing nobody nowhere none neither nor"_s},
+            {u"de"_s, u"nicht kein keine keinen keinem keiner keines keins nie niemals niemand niemanden niemandem "
+                      "nichts nirgends nein ohne weder"_s},
+            {u"fr"_s, u"pas jamais rien personne aucun aucune non sans ni"_s},
+            {u"es"_s, u"no nunca jamás nada nadie ningún ninguno ninguna sin tampoco ni"_s},
+            {u"it"_s, u"non no mai niente nulla nessun nessuno nessuna senza né neanche nemmeno neppure"_s},
+            {u"pt"_s, u"não nunca jamais nada ninguém nenhum nenhuma sem nem tampouco"_s},
+            {u"nl"_s, u"niet geen nooit niemand niets nergens zonder nee noch"_s},
+            {u"pl"_s, u"nie nigdy nikt nikogo nikomu nic niczego żaden żadna żadne żadnego żadnej bez ani"_s},
+            {u"ru"_s, u"не нет ни никогда никто никого никому ничего ничто нельзя без"_s},
+            {u"uk"_s, u"не ні ані немає нема ніколи ніхто нікого нікому нічого ніщо без"_s}};
+        QHash<QString, QSet<QString>> sets;
+        for (auto list = lists.begin(); list != lists.end(); ++list) {
+            const QStringList words = list->split(u' ');
+            sets[list.key()] = QSet<QString>(words.begin(), words.end());
+        }
+        return sets;
+    }();
+    const auto found = languages.find(mainLanguage(language));
+    return found != languages.end() ? *found : *languages.find(u"en"_s);
+}
+
+// "do not" for "don't".
+QStringList withNotApart(const QStringList &words)
+{
+    QStringList apart;
+    for (const QString &word : words) {
+        if (word.endsWith(u"n't"))
+            apart += {word.chopped(3), u"not"_s};
+        else if (word == u"cannot")
+            apart += {u"can"_s, u"not"_s};
+        else
+            apart.append(word);
+    }
+    return apart;
+}
+
+// What was said again at once is said once: "I don't I don't know".
+QStringList withoutRepetitions(const QStringList &words)
+{
+    constexpr qsizetype longest = 3;
+    QStringList kept;
+    for (const QString &word : words) {
+        kept.append(word);
+        for (qsizetype length = 1; length <= longest && 2 * length <= kept.size(); ++length) {
+            if (std::equal(kept.end() - length, kept.end(), kept.end() - 2 * length)) {
+                kept.remove(kept.size() - length, length);
+                break;
+            }
+        }
+    }
+    return kept;
+}
+
+// Whether as many denials stand between the same words of both texts.
+bool deniesTheSame(const QStringList &said, const QStringList &written, const QString &language)
+{
+    const QStringList before = withoutRepetitions(said);
+    const QStringList after = withoutRepetitions(written);
+    const auto count = [&denials = denialsIn(language)](const QStringList &words, size_t from, size_t to) {
+        return std::count_if(words.begin() + qsizetype(from), words.begin() + qsizetype(to),
+                             [&](const QString &word) { return denials.contains(word); });
+    };
+    std::vector<std::pair<size_t, size_t>> same = commonWords(before, after);
+    same.emplace_back(before.size(), after.size());
+    size_t fromBefore = 0;
+    size_t fromAfter = 0;
+    for (const auto &[place, at] : same) {
+        if (count(before, fromBefore, place) != count(after, fromAfter, at))
+            return false;
+        fromBefore = place + 1;
+        fromAfter = at + 1;
+    }
+    return true;
 }
 
 bool hasDigit(const QString &word)
@@ -181,15 +257,15 @@ bool Vocabulary::holdsInflected(const QString &name) const
     });
 }
 
-bool keepsWhatWasSaid(const QString &said, const QString &written)
+bool keepsWhatWasSaid(const QString &said, const QString &written, const QString &language)
 {
     if (written.size() > qsizetype(double(said.size()) * mostGrowth) + smallGrowth)
         return false;
-    const QStringList before = comparableWords(said);
-    const QStringList after = comparableWords(written);
+    const QStringList before = withNotApart(comparableWords(said));
+    const QStringList after = withNotApart(comparableWords(written));
     const Vocabulary known(before);
     if (!std::ranges::all_of(after, [&](const QString &word) { return !tells(word) || known.holds(word); }) ||
-        denies(before) != denies(after))
+        !deniesTheSame(before, after, language))
         return false;
     const Vocabulary kept(after);
     const auto telling = std::ranges::count_if(before, tells);

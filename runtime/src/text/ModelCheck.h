@@ -28,8 +28,9 @@ private:
 QStringList comparableWords(const QString &text);
 
 // Whether a text that a text model made of a part of a transcript says the same: no word that tells something
-// is new (another ending, or figures for a number, are not), and most of them are still there.
-bool keepsWhatWasSaid(const QString &said, const QString &written);
+// is new (another ending, or figures for a number, are not), most of them are still there, and what denies ("not",
+// "nicht", "pas") stands where it was said, in the languages in which these words are known.
+bool keepsWhatWasSaid(const QString &said, const QString &written, const QString &language);
 
 // Whether a sentence of a summary names only numbers and persons that were said. `said` holds the comparable words of
 // the transcript. A name is a word with a capital that does not begin a sentence; in German, where every noun has one,

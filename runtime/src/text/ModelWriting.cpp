@@ -7,6 +7,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -58,13 +61,53 @@ QString languageRule(const QString &language)
            (known ? u" (language code "_s + language + u")."_s : u"."_s);
 }
 
+// A text of several sentences, one by one, without the marks of a list.
+QStringList sentencesIn(const QString &text)
+{
+    static const QRegularExpression end(u"\\n|(?<=[.!?…।])\\s+(?![\\p{Ll}\\d])|(?<=[。？！])"_s);
+    static const QRegularExpression mark(u"^\\s*([-*•]|\\d+[.)])\\s+"_s);
+    QStringList sentences = text.split(end, Qt::SkipEmptyParts);
+    for (QString &sentence : sentences)
+        sentence = sentence.remove(mark).simplified();
+    return sentences;
+}
+
+// Every text in a value; of an object the longest in front, and the others, such as person and date, behind it.
+QString textOf(const QJsonValue &value)
+{
+    static const QSet<QString> nothing{u"none"_s, u"null"_s, u"n/a"_s, u"unknown"_s, u"unspecified"_s, u"not specified"_s};
+    QStringList texts;
+    if (value.isString() && !nothing.contains(value.toString().simplified().toLower()))
+        texts.append(value.toString());
+    for (const QJsonValue &item : value.toArray())
+        texts.append(textOf(item));
+    for (const QJsonValue &item : value.toObject())
+        texts.append(textOf(item));
+    texts.removeAll(QString());
+    if (!value.isObject() || texts.isEmpty())
+        return texts.join(u", "_s);
+    const auto longest = std::ranges::max_element(texts, {}, &QString::size);
+    const QString first = *longest;
+    texts.erase(longest);
+    return texts.isEmpty() ? first : first + u" ("_s + texts.join(u", "_s) + u')';
+}
+
+// Models write a list of texts, a list of objects, or one text for all of it.
 QStringList items(const QJsonValue &list)
 {
-    QStringList found;
+    QStringList all;
+    if (list.isString())
+        all = sentencesIn(list.toString());
     for (const QJsonValue &item : list.toArray()) {
-        const QString text = item.toString().simplified();
-        if (!text.isEmpty() && text.size() <= longestItem && found.size() < mostItems &&
-            !found.contains(text))
+        const QString text = textOf(item);
+        if (text.size() > longestItem)
+            all += sentencesIn(text);
+        else
+            all.append(text.simplified());
+    }
+    QStringList found;
+    for (const QString &text : all) {
+        if (!text.isEmpty() && text.size() <= longestItem && found.size() < mostItems && !found.contains(text))
             found.append(text);
     }
     return found;
@@ -169,6 +212,59 @@ void append(QStringList &list, const QStringList &more)
     }
 }
 
+// How many questions make one summary of so many, if an answer is a quarter of what it was made of.
+int joiningSteps(size_t parts)
+{
+    int steps = 0;
+    while (parts > 1) {
+        parts = (parts + 3) / 4;
+        steps += int(parts);
+    }
+    return steps;
+}
+
+// Sentences in groups that a question has room for.
+std::vector<QStringList> groupsOf(const QStringList &sentences)
+{
+    std::vector<QStringList> groups;
+    qsizetype filled = 0;
+    for (const QString &sentence : sentences) {
+        if (groups.empty() || filled + sentence.size() > summaryPart) {
+            groups.emplace_back();
+            filled = 0;
+        }
+        groups.back().append(sentence);
+        filled += sentence.size() + 1;
+    }
+    return groups;
+}
+
+// Makes one summary of several: of groups of them first, until one question has room for all.
+bool joinParts(WrittenSummary &whole, const QString &language, const AskModel &ask, const std::function<void()> &show,
+               Checked &checked)
+{
+    constexpr double leastGain = 0.8;
+    for (;;) {
+        const std::vector<QStringList> groups = groupsOf(whole.summary.sentences);
+        const qsizetype before = whole.summary.sentences.join(u'\n').size();
+        whole.summary.sentences.clear();
+        bool answered = true;
+        for (const QStringList &group : groups) {
+            show();
+            const std::optional<WrittenSummary> joined = summaryOf(group.join(u'\n'), language, ask);
+            const QStringList kept = joined ? checked.kept(joined->summary.sentences) : QStringList();
+            answered = answered && !kept.isEmpty();
+            append(whole.summary.sentences, kept.isEmpty() ? group : kept);
+            if (const QString title = joined ? checked.keptTitle(joined->title) : QString();
+                groups.size() == 1 && !title.isEmpty())
+                whole.title = title;
+        }
+        const qsizetype after = whole.summary.sentences.join(u'\n').size();
+        if (groups.size() == 1 || !answered || double(after) > leastGain * double(before))
+            return answered && groups.size() == 1;
+    }
+}
+
 } // namespace
 
 QString polishedText(const std::vector<Sentence> &sentences, const QString &language, const AskModel &ask,
@@ -191,7 +287,7 @@ QString polishedText(const std::vector<Sentence> &sentences, const QString &lang
         const QString written = answer ? plainAnswer(*answer) : QString();
         if (!text.isEmpty())
             text += parts[i].front().startsParagraph ? u"\n\n"_s : u" "_s;
-        text += keepsWhatWasSaid(said, written) ? written : said;
+        text += keepsWhatWasSaid(said, written, language) ? written : said;
     }
     return text.isEmpty() ? text : text + u'\n';
 }
@@ -200,39 +296,39 @@ std::optional<WrittenSummary> writtenSummary(const std::vector<Sentence> &senten
                                              const AskModel &ask, const ShowParts &show)
 {
     const std::vector<Part> parts = partsOf(sentences, summaryPart);
-    const int steps = int(parts.size()) + (parts.size() > 1 ? 1 : 0);
+    const int steps = int(parts.size()) + joiningSteps(parts.size());
+    int done = 0;
+    const auto showNext = [&] { show(std::min(done++, steps - 1), steps); };
     Checked checked(sentences, language);
     WrittenSummary whole;
-    for (size_t i = 0; i < parts.size(); ++i) {
-        show(int(i), steps);
-        const QString text = withSpeakers(parts[i]);
-        std::optional<WrittenSummary> part =
+    for (const Part &part : parts) {
+        showNext();
+        const QString text = withSpeakers(part);
+        std::optional<WrittenSummary> written =
             text.size() <= 2 * summaryPart ? summaryOf(text, language, ask) : std::nullopt;
-        if (part)
-            part->summary.sentences = checked.kept(part->summary.sentences);
-        if (!part || part->summary.sentences.isEmpty()) {
-            whole.summary.missing.append(missing(parts[i]));
+        if (written)
+            written->summary.sentences = checked.kept(written->summary.sentences);
+        if (!written || written->summary.sentences.isEmpty()) {
+            whole.summary.missing.append(missing(part));
             continue;
         }
-        append(whole.summary.sentences, part->summary.sentences);
-        append(whole.summary.tasks, checked.kept(part->summary.tasks));
+        append(whole.summary.sentences, written->summary.sentences);
+        append(whole.summary.tasks, checked.kept(written->summary.tasks));
         if (whole.title.isEmpty())
-            whole.title = checked.keptTitle(part->title);
+            whole.title = checked.keptTitle(written->title);
     }
     if (whole.summary.sentences.isEmpty())
         return std::nullopt;
-    const QString together = whole.summary.sentences.join(u'\n');
-    if (parts.size() > 1 && together.size() <= summaryPart) {
-        show(int(parts.size()), steps);
-        if (const std::optional<WrittenSummary> joined = summaryOf(together, language, ask)) {
-            const QStringList kept = checked.kept(joined->summary.sentences);
-            whole.summary.sentences = kept.isEmpty() ? whole.summary.sentences : kept;
-            const QString title = checked.keptTitle(joined->title);
-            whole.title = title.isEmpty() ? whole.title : title;
-        }
-    }
+    if (parts.size() > 1 && !joinParts(whole, language, ask, showNext, checked))
+        whole.summary.missing.append(
+            remark(u"The summaries of the parts could not be made one: the text model gave no answer that could be used."_s));
     whole.summary.missing += checked.note();
     return whole;
+}
+
+Remark gaveNothing(const QString &model)
+{
+    return remark(u"The text model “%@” gave no answer that could be used."_s, {model});
 }
 
 } // namespace engine

@@ -40,4 +40,7 @@ struct WrittenSummary
 std::optional<WrittenSummary> writtenSummary(const std::vector<Sentence> &sentences, const QString &language,
                                              const AskModel &ask, const ShowParts &show);
 
+// For the summary that was written without the model's help then.
+Remark gaveNothing(const QString &model);
+
 } // namespace engine

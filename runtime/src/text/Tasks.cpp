@@ -123,11 +123,6 @@ const QHash<QString, QRegularExpression> &dutyElsewhere()
     return patterns;
 }
 
-QString mainLanguage(const QString &language)
-{
-    return language.section(u'-', 0, 0).section(u'_', 0, 0).toLower();
-}
-
 bool speaksOfDuty(const QString &text, const QString &language)
 {
     if (countWords(text) < fewestInTask)
@@ -186,29 +181,6 @@ QStringList extractTasks(const std::vector<Sentence> &sentences, const QString &
     QStringList texts;
     for (const Task &task : tasks)
         texts.append(task.text);
-    return texts;
-}
-
-QStringList speakerRenamed(QStringList texts, const QString &oldName, const QString &newName)
-{
-    static const QRegularExpression ours(u"^Speaker \\d+$"_s);
-    if (ours.match(oldName).hasMatch()) {
-        const QRegularExpression whole(u"\\b"_s + oldName + u"\\b"_s);
-        for (QString &text : texts) {
-            // Backslashes in a name would stand for what was found.
-            for (QRegularExpressionMatch match = whole.match(text); match.hasMatch();
-                 match = whole.match(text, match.capturedStart() + newName.size()))
-                text.replace(match.capturedStart(), match.capturedLength(), newName);
-        }
-        return texts;
-    }
-    for (QString &text : texts) {
-        if (text.startsWith(oldName + u": "_s))
-            text.replace(0, oldName.size(), newName);
-        // In an answer behind the task.
-        text.replace(u". "_s + oldName + u": "_s, u". "_s + newName + u": "_s);
-        text.replace(u"? "_s + oldName + u": "_s, u"? "_s + newName + u": "_s);
-    }
     return texts;
 }
 

@@ -16,8 +16,4 @@ bool tellsTasks(const QString &language);
 // date are kept.
 QStringList extractTasks(const std::vector<Sentence> &sentences, const QString &language);
 
-// Tasks or sentences of a summary, with another name for a speaker: where it stands for who says something, and, of a
-// name that the engine gave ("Speaker 1"), wherever it stands.
-QStringList speakerRenamed(QStringList texts, const QString &oldName, const QString &newName);
-
 } // namespace engine

@@ -312,6 +312,8 @@ void JobRun::write(Transcript &transcript, const std::vector<Sentence> &sentence
     if (written) {
         transcript.summary->model = model.name();
         m_title = written->title;
+    } else if (model.chosen()) {
+        transcript.summary->missing.prepend(gaveNothing(model.name()));
     }
 }
 

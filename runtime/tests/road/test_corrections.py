@@ -57,6 +57,17 @@ class Commands(CorrectionTest):
         self.assertEqual(kept["clean"], "All was said in other words.\n")
         self.assertEqual(kept["lines"][2]["text"], "new words")
 
+    def test_the_summary_gets_what_was_picked_from_a_line(self):
+        self.edit(2, "we need to send the letter by friday")
+        self.reply("speaker", self.id, "2", "--json", "--name=Bo")
+        task = "Bo: We need to send the letter by Friday."
+        self.assertEqual(page_data(self.entry)["summary"]["tasks"], [task])
+        self.assertIn(f"- [ ] {task}\n", read(self.entry["call_dir"], "Summary.md"))
+        self.assertNotIn("report", read(self.entry["call_dir"], "Summary.md"))
+        self.reply("speaker", self.id, "--rename", "--old=Bo", "--new=Boris", "--json")
+        self.reply("speaker", self.id, "--rename", "--old=Boris", "--new=Bob", "--json")
+        self.assertEqual(page_data(self.entry)["summary"]["tasks"], ["Bob: We need to send the letter by Friday."])
+
     def test_an_emptied_line_keeps_its_place(self):
         self.edit(1, "")
         self.assertEqual(view(self.agreed())[1], (None, ""))

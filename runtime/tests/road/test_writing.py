@@ -73,6 +73,7 @@ class Writing(RoadTest):
         entry = self.runtime.wait(self.start(), "ready")
         self.assert_by_rules(entry)
         self.assertNotIn("Babylon", self.clean(entry))
+        self.assertIn("The text model “small:latest” gave no answer that could be used.", self.summary(entry))
 
     def test_a_summary_that_invents_is_not_taken(self):
         invented = {"title": "Boris", "summary": ["The team met Boris Babylon.", "It cost 7123 euros."], "tasks": []}

@@ -31,6 +31,12 @@ struct Case
 const QStringList greeting{u"good mourning how are you"_s, u"i am fine thanks"_s, u"see you on friday"_s};
 const QString greetingText = u"Good mourning. How are you.\n\nI am fine thanks. See you on Friday.\n"_s;
 
+// What was said with hesitation and numbers, and the text that the rules make of it.
+const QStringList spontaneous{u"so i came on monday"_s, u"um we we met boris um at the the station"_s,
+                              u"she paid twenty five euros for the ticket"_s, u"then we left"_s};
+const QString spontaneousText =
+    u"So I came on Monday. We met Boris at the station. She paid 25 euros for the ticket. Then we left.\n"_s;
+
 const std::vector<Case> cases{
     {"aWordIsReplacedWithinItsSentence", greeting, 0, u"good morning how are you"_s, greetingText,
      u"Good morning. How are you.\n\nI am fine thanks. See you on Friday.\n"_s},
@@ -113,6 +119,31 @@ const std::vector<Case> cases{
      u"i am anna maria"_s,
      u"I am Anna. Hello.\n"_s,
      u"I am Anna maria. Hello.\n"_s},
+    {"aLineThatHasLostItsHesitation", spontaneous, 1, u"um we we met doris um at the the station"_s, spontaneousText,
+     u"So I came on Monday. We met doris at the station. She paid 25 euros for the ticket. Then we left.\n"_s},
+    {"aWordBesideAHesitation", spontaneous, 1, u"um we we met boris um near the the station"_s, spontaneousText,
+     u"So I came on Monday. We met Boris near the station. She paid 25 euros for the ticket. Then we left.\n"_s},
+    {"aHesitationThatWasAWord", spontaneous, 1, u"um we we met boris tom at the the station"_s, spontaneousText,
+     u"So I came on Monday. We met Boris tom at the station. She paid 25 euros for the ticket. Then we left.\n"_s},
+    {"aLineWithANumberInFigures", spontaneous, 2, u"she paid twenty five dollars for the tickets"_s, spontaneousText,
+     u"So I came on Monday. We met Boris at the station. She paid 25 dollars for the tickets. Then we left.\n"_s},
+    {"theNumberItself", spontaneous, 2, u"she paid twenty nine euros for the ticket"_s, spontaneousText,
+     u"So I came on Monday. We met Boris at the station. She paid twenty nine euros for the ticket. Then we left.\n"_s},
+    {"severalWordsAround", spontaneous, 1, u"um we we met boris and eve um at the old station"_s, spontaneousText,
+     u"So I came on Monday. We met Boris and eve at the old station. She paid 25 euros for the ticket. Then we left.\n"_s},
+    {"theEndOfSuchALine", spontaneous, 1, u"um we we met boris um at the the airport"_s, spontaneousText,
+     u"So I came on Monday. We met Boris at the airport. She paid 25 euros for the ticket. Then we left.\n"_s},
+    {"onlyTheHesitation", spontaneous, 1, u"we we met boris at the the station"_s, spontaneousText, spontaneousText},
+    {"aLineOfWhichTheTextHasOtherWords", spontaneous, 1, u"um we we met doris um at the the station"_s,
+     u"They told of a journey. It was cheap, and Boris met them.\n"_s,
+     u"They told of a journey. It was cheap, and Boris met them.\n"_s},
+    {"theOnlyLine", {u"um good mourning"_s}, 0, u"um good morning"_s, u"Good mourning.\n"_s, u"Good morning.\n"_s},
+    {"ofTwoSuchLinesTheRightOne",
+     {u"um we saw the the bride"_s, u"then it rained"_s, u"um we saw the the bride"_s, u"and it was cold"_s},
+     2,
+     u"um we saw the the bridge"_s,
+     u"We saw the bride. Then it rained. We saw the bride. And it was cold.\n"_s,
+     u"We saw the bride. Then it rained. We saw the bridge. And it was cold.\n"_s},
 };
 
 class CleanFix : public testing::TestWithParam<Case>

@@ -28,6 +28,7 @@ struct CheckCase
     const char *said;
     const char *written;
     bool kept;
+    const char *language = "en";
 };
 
 void PrintTo(const CheckCase &one, std::ostream *out)
@@ -41,8 +42,10 @@ class ModelCheck : public testing::TestWithParam<CheckCase>
 
 TEST_P(ModelCheck, takesOnlyWhatWasSaid)
 {
-    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(GetParam().said), QString::fromUtf8(GetParam().written)),
-              GetParam().kept);
+    const CheckCase &one = GetParam();
+    EXPECT_EQ(keepsWhatWasSaid(QString::fromUtf8(one.said), QString::fromUtf8(one.written),
+                               QString::fromUtf8(one.language)),
+              one.kept);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -57,8 +60,36 @@ INSTANTIATE_TEST_SUITE_P(
         CheckCase{"the money came from the bank", "The money never came from the bank.", false},
         CheckCase{"the money didn't come", "The money did come.", false},
         CheckCase{"the money came", "", false},
-        CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true},
-        CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false}));
+        CheckCase{"мы поехали домой вечером", "Мы поехали домой вечером.", true, "ru"},
+        CheckCase{"мы поехали домой вечером", "Мы поехали на работу вечером.", false, "ru"}));
+
+// What denies comes and goes in no sentence, whatever the sentences around it deny.
+INSTANTIATE_TEST_SUITE_P(
+    Denials, ModelCheck,
+    testing::Values(
+        CheckCase{"we can't wait and the money came early", "We can't wait, and the money did not come early.", false},
+        CheckCase{"he did not come but she did", "He did come, but she did not.", false},
+        CheckCase{"we left without the money", "We left with the money.", false},
+        CheckCase{"there is no money left", "There is money left.", false},
+        CheckCase{"it isn't here and i can't see it", "It is not here, and I cannot see it.", true},
+        CheckCase{"i don't i don't know the place", "I don't know the place.", true},
+        CheckCase{"no no the money came", "No, the money came.", true},
+        CheckCase{"it is not that it's not good", "It is that it's not good.", false},
+        CheckCase{"not not the money came", "The money came.", false},
+        CheckCase{"das geld ist nicht gekommen und wir haben gewartet", "Das Geld ist gekommen, und wir haben gewartet.",
+                  false, "de"},
+        CheckCase{"wir haben kein geld", "Wir haben Geld.", false, "de-CH"},
+        CheckCase{"wir haben das nicht gesehen", "Wir haben das nicht gesehen.", true, "de"},
+        CheckCase{"on sait où il est", "On ne sait pas où il est.", false, "fr"},
+        CheckCase{"je sais pas où il est", "Je ne sais pas où il est.", true, "fr"},
+        CheckCase{"el dinero llegó ayer", "El dinero no llegó ayer.", false, "es"},
+        CheckCase{"il denaro è arrivato", "Il denaro non è arrivato.", false, "it"},
+        CheckCase{"o dinheiro não chegou", "O dinheiro chegou.", false, "pt"},
+        CheckCase{"het geld is niet gekomen", "Het geld is gekomen.", false, "nl"},
+        CheckCase{"pieniądze przyszły wczoraj", "Pieniądze nie przyszły wczoraj.", false, "pl"},
+        CheckCase{"мы поехали домой вечером", "Мы не поехали домой вечером.", false, "ru"},
+        CheckCase{"ми не поїхали додому ввечері", "Ми поїхали додому ввечері.", false, "uk"},
+        CheckCase{"ми не поїхали додому ввечері", "Ми не поїхали додому ввечері.", true, "uk"}));
 
 TEST(ModelWriting, partsAreAskedOneByOneAndNothingIsLost)
 {
@@ -118,6 +149,84 @@ TEST(ModelWriting, summariesOfPartsBecomeOne)
     EXPECT_EQ(written->summary.sentences, QStringList{u"All."_s});
     EXPECT_EQ(written->summary.tasks, (QStringList{u"Do 1."_s, u"Do 2."_s, u"Do 3."_s}));
     EXPECT_TRUE(written->summary.missing.isEmpty());
+}
+
+// Of an hour and more: the summaries of the parts have no room in one question.
+TEST(ModelWriting, manyPartsAreJoinedInLevels)
+{
+    int asked = 0;
+    int joined = 0;
+    int last = -1;
+    const auto written = writtenSummary(
+        longTalk(1000), u"en"_s,
+        [&](const ModelQuestion &question) {
+            ++asked;
+            EXPECT_LT(question.text.size(), 8000);
+            const bool together = question.text.startsWith(u"Rooms"_s);
+            joined += together ? 1 : 0;
+            QStringList sentences;
+            for (int i = 0; i < (together ? 2 : 15); ++i)
+                sentences.append(u"\"Rooms and the school and what they are for %1.\""_s.arg(QString(asked, u'x') + QString(i, u'y')));
+            return std::optional(u"{\"summary\": ["_s + sentences.join(u", "_s) + u"]}"_s);
+        },
+        [&](int done, int total) {
+            EXPECT_GE(done, last);
+            EXPECT_LT(done, total);
+            last = done;
+        });
+    ASSERT_TRUE(written);
+    EXPECT_GT(joined, 2);
+    EXPECT_EQ(written->summary.sentences.size(), 2);
+    EXPECT_TRUE(written->summary.missing.isEmpty());
+}
+
+TEST(ModelWriting, partsThatCouldNotBeJoinedAreToldOf)
+{
+    const auto written = writtenSummary(
+        longTalk(200), u"en"_s,
+        [&](const ModelQuestion &question) {
+            return question.text.startsWith(u"Rooms"_s)
+                       ? std::nullopt
+                       : std::optional(uR"({"summary": ["Rooms %1."]})"_s.arg(question.text.left(30)));
+        },
+        &showNothing);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->summary.sentences.size(), 3);
+    ASSERT_EQ(written->summary.missing.size(), 1);
+    EXPECT_TRUE(filled(written->summary.missing[0]).startsWith(u"The summaries of the parts could not be made one"));
+}
+
+// An answer in another shape than the one that was asked for.
+struct ShapeCase
+{
+    const char *answer;
+    QStringList sentences;
+    QStringList tasks;
+};
+
+TEST(ModelWriting, answersOfOtherShapesAreTaken)
+{
+    const QString school = u"The school is told of."_s;
+    const QString rooms = u"A part of the school, no. 3, is told of."_s;
+    const QString big = u"The school is "_s + QString(350, u'x') + u"."_s;
+    const ShapeCase cases[] = {
+        {R"({"summary": "The school is told of. A part of the school, no. 3, is told of."})", {school, rooms}, {}},
+        {R"({"summary": "- The school is told of.\n- A part of the school, no. 3, is told of."})", {school, rooms}, {}},
+        {R"({"summary": [{"sentence": "The school is told of."}], "tasks": [{"task": "Tell of the school.",
+             "person": null, "date": "part 3"}, {"person": "none", "task": "Do it"}]})",
+         {school},
+         {u"Tell of the school. (part 3)"_s, u"Do it"_s}},
+        {R"({"summary": ["The school is told of."], "tasks": "Tell of it. Do it."})", {school}, {u"Tell of it."_s, u"Do it."_s}},
+        {R"({"summary": ["%BIG %BIG"]})", {big}, {}},
+    };
+    for (const ShapeCase &row : cases) {
+        const QString answer = QString::fromUtf8(row.answer).replace(u"%BIG"_s, big);
+        const auto written = writtenSummary(
+            longTalk(5), u"en"_s, [&](const ModelQuestion &) { return std::optional(answer); }, &showNothing);
+        ASSERT_TRUE(written) << row.answer;
+        EXPECT_EQ(written->summary.sentences, row.sentences) << row.answer;
+        EXPECT_EQ(written->summary.tasks, row.tasks) << row.answer;
+    }
 }
 
 TEST(ModelWriting, theSummaryIsAskedForWithTheSpeakers)

@@ -125,19 +125,4 @@ TEST(Tasks, ofVeryManyThoseWithADateAreKept)
     EXPECT_EQ(tasks.last(), lines.last());
 }
 
-TEST(Tasks, aNewNameIsCarriedOver)
-{
-    const QStringList tasks{u"Speaker 1: Can you call? Speaker 2: On Monday."_s, u"Speaker 12: I will call."_s,
-                            u"Speaker 1 will call Speaker 2 and Speaker 1."_s};
-    const QStringList named = speakerRenamed(tasks, u"Speaker 1"_s, u"Anna \\1"_s);
-    EXPECT_EQ(named, (QStringList{u"Anna \\1: Can you call? Speaker 2: On Monday."_s, u"Speaker 12: I will call."_s,
-                                  u"Anna \\1 will call Speaker 2 and Anna \\1."_s}));
-    EXPECT_EQ(speakerRenamed(tasks, u"Speaker 1"_s, u"Speaker 1 (Anna)"_s).first(),
-              u"Speaker 1 (Anna): Can you call? Speaker 2: On Monday."_s);
-    EXPECT_EQ(speakerRenamed({u"Ann: Can you call Bo? Bo: On Monday."_s, u"Ann: Tell Bo that Ann comes."_s}, u"Bo"_s, u"Carl"_s),
-              (QStringList{u"Ann: Can you call Bo? Carl: On Monday."_s, u"Ann: Tell Bo that Ann comes."_s}));
-    EXPECT_EQ(speakerRenamed({u"Ann: Tell Bo that Ann comes."_s}, u"Ann"_s, u"Eve"_s),
-              QStringList{u"Eve: Tell Bo that Ann comes."_s});
-}
-
 } // namespace engine

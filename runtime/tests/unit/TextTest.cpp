@@ -193,6 +193,26 @@ INSTANTIATE_TEST_SUITE_P(
                     EnglishCase{"no one knows", "No one knows."}, EnglishCase{"for one thing", "For one thing."}));
 
 INSTANTIATE_TEST_SUITE_P(
+    Measures, English,
+    testing::Values(EnglishCase{"it's five to ten minutes", "It's five to ten minutes."},
+                    EnglishCase{"it rose by five to ten percent", "It rose by five to 10%."},
+                    EnglishCase{"at five to ten dollars", "At five to ten dollars."},
+                    EnglishCase{"by five to ten people", "By five to ten people."},
+                    EnglishCase{"by five to ten", "By 9:55."},
+                    EnglishCase{"two fifteen minute breaks", "Two fifteen minute breaks."},
+                    EnglishCase{"it takes ten fifteen minutes", "It takes 10 15 minutes."},
+                    EnglishCase{"at nine fifteen we left", "At 9:15 we left."},
+                    EnglishCase{"twenty thirty people", "20 30 people."},
+                    EnglishCase{"at nine thirty people came", "At 9:30 people came."},
+                    EnglishCase{"in nineteen ninety nine people came", "In 1999 people came."},
+                    EnglishCase{"at one point one of them left", "At one point one of them left."},
+                    EnglishCase{"at one point five percent", "At 1.5%."},
+                    EnglishCase{"about hundred and fifty of them", "About 150 of them."},
+                    EnglishCase{"thousand and one nights", "1001 nights."},
+                    EnglishCase{"some hundred people", "Some hundred people."},
+                    EnglishCase{"several hundred people", "Several hundred people."}));
+
+INSTANTIATE_TEST_SUITE_P(
     DatesAndTelephones, English,
     testing::Values(EnglishCase{"on june fifth", "On June 5th."}, EnglishCase{"by june first", "By June 1st."},
                     EnglishCase{"the third of may", "The 3rd of May."},
