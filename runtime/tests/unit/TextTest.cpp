@@ -345,6 +345,19 @@ TEST(Summary, picksWordForWordAndInOrder)
                            u"The town loves the library and its books."_s}));
 }
 
+TEST(Summary, everydayWordsOfOtherLanguagesTellNothing)
+{
+    QStringList said;
+    for (const QString &word : {u"hund"_s, u"baum"_s, u"tisch"_s, u"zug"_s, u"berg"_s, u"fluss"_s, u"garten"_s, u"himmel"_s})
+        said.append(u"und das ist nicht das was wir für einen %1 gehalten haben"_s.arg(word));
+    said.append(u"die bücherei verleiht bücher"_s);
+    said.append(u"bücher der bücherei sind alt"_s);
+    std::vector<Sentence> sentences;
+    for (const QString &text : said)
+        sentences.push_back({text, qint64(sentences.size()) * 5000, 0});
+    EXPECT_EQ(extractSummary(sentences, u"de"_s).sentences, (QStringList{said[8], said[9]}));
+}
+
 TEST(Summary, sentencesOfDutyAreTasks)
 {
     const std::vector<Sentence> sentences = cleanSentences({spoken(0, 0, u"we need to repair the roof"_s),
