@@ -247,7 +247,7 @@ bool startsUpper(const QString &word)
 QString withCapital(QString word)
 {
     if (!word.isEmpty())
-        word[0] = word[0].toUpper();
+        word[0] = word[0].toTitleCase();
     return word;
 }
 

@@ -3,6 +3,8 @@
 #include "text/EnglishText.h"
 #include "text/WordParts.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -51,14 +53,67 @@ bool hasMarks(const std::vector<Stretch> &stretches)
     return ends > 0 && ends * mostWordsPerMark >= words;
 }
 
-std::vector<std::vector<Word>> sentencesOf(const std::vector<Word> &words, bool marks)
+bool hasCapitals(const std::vector<Stretch> &stretches)
+{
+    const auto isUpper = [](QChar c) { return c.isUpper(); };
+    return std::ranges::any_of(stretches, [&](const Stretch &stretch) {
+        return std::ranges::any_of(stretch.words, [&](const Word &word) { return std::ranges::any_of(word.text, isUpper); });
+    });
+}
+
+// How the recogniser writes.
+struct Script
+{
+    QString language;
+    bool marks = false;
+    bool capitals = false;
+
+    Script(const std::vector<Stretch> &stretches, const QString &of)
+        : language(mainLanguage(of))
+        , marks(hasMarks(stretches))
+        , capitals(hasCapitals(stretches))
+    {
+    }
+};
+
+// Whether its point is a part of the word: "Dr.", "J.", and "3." where that means the third.
+bool isShortened(const WordParts &word, const QString &language)
+{
+    static const QSet<QString> shortened{u"dr"_s, u"prof"_s, u"mr"_s, u"mrs"_s, u"ms"_s, u"st"_s,  u"nr"_s,  u"hr"_s,
+                                         u"fr"_s, u"bzw"_s,  u"ca"_s, u"vs"_s,  u"sr"_s, u"sra"_s, u"mme"_s, u"г"_s,
+                                         u"ул"_s, u"вул"_s,  u"им"_s, u"ім"_s};
+    static const QSet<QString> withOrdinals{u"de"_s, u"da"_s, u"nb"_s, u"nn"_s, u"no"_s, u"fi"_s, u"et"_s, u"lv"_s, u"pl"_s, u"cs"_s,
+                                            u"sk"_s, u"hu"_s, u"sl"_s, u"hr"_s, u"sr"_s, u"bs"_s, u"tr"_s, u"is"_s, u"lb"_s};
+    constexpr qsizetype mostFigures = 2;
+    if (word.trail != u".")
+        return false;
+    const QString key = word.key();
+    const bool figures = !key.isEmpty() && std::ranges::all_of(key, [](QChar c) { return c.isDigit(); });
+    if (figures)
+        return key.size() <= mostFigures && withOrdinals.contains(language);
+    const bool initial = key.size() == 1 && key[0].isLetter() && word.core[0].isUpper() && key != u"i";
+    return initial || shortened.contains(key);
+}
+
+// Whether the recogniser's marks end a sentence between two words. Whoever writes capitals has one at each beginning.
+bool marksEnd(const QString &word, const QString &next, const Script &script)
+{
+    const WordParts parts(word);
+    if (!parts.endsSentence())
+        return false;
+    const QString core = SignedWord(next).core;
+    const bool goesOn = script.capitals && !core.isEmpty() && core.front().isLower();
+    return !goesOn && !isShortened(parts, script.language);
+}
+
+std::vector<std::vector<Word>> sentencesOf(const std::vector<Word> &words, const Script &script)
 {
     std::vector<std::vector<Word>> sentences;
     for (size_t i = 0; i < words.size(); ++i) {
         const qint64 pause = i > 0 ? words[i].startMs - words[i - 1].endMs : 0;
         const bool begins =
-            i == 0 || (marks ? WordParts(words[i - 1].text).endsSentence() || pause >= paragraphPauseMs
-                             : pause >= sentencePauseMs);
+            i == 0 || (script.marks ? marksEnd(words[i - 1].text, words[i].text, script) || pause >= paragraphPauseMs
+                                    : pause >= sentencePauseMs);
         if (begins)
             sentences.emplace_back();
         sentences.back().push_back(words[i]);
@@ -66,32 +121,40 @@ std::vector<std::vector<Word>> sentencesOf(const std::vector<Word> &words, bool 
     return sentences;
 }
 
+// But for words such as "iPhone".
 QString capitalised(QString text)
 {
     const auto first = std::ranges::find_if(text, [](QChar c) { return c.isLetterOrNumber(); });
-    if (first != text.end())
-        *first = first->toUpper();
+    if (first != text.end() && (first + 1 == text.end() || !(first + 1)->isUpper()))
+        *first = first->toTitleCase();
     return text;
 }
 
-// With a full stop, unless there is one ("at nine a.m.") or what may be a Greek question mark.
-QString stopped(QString text)
+// Without what leads on to more words, such as a comma; a ";" may be a Greek question mark.
+QString unfinished(QString text, const QString &language)
 {
-    const auto endsWith = [&](QStringView signs) { return !text.isEmpty() && signs.contains(text.back()); };
-    if (endsWith(u",،，、"))
+    const QString joints = u",،，、:：-–—"_s + (language == u"el" ? QString() : u";"_s);
+    const QString whole = text;
+    while (!text.isEmpty() && (joints.contains(text.back()) || text.back() == u' '))
         text.chop(1);
-    return endsWith(u".;") ? text : text + u'.';
+    return text.isEmpty() ? whole : text;
 }
 
-QString textOf(const std::vector<Word> &words, bool english)
+// With a full stop, unless there is one ("at nine a.m.").
+QString stopped(const QString &text)
 {
+    return text.endsWith(u'.') || text.endsWith(u';') ? text : text + u'.';
+}
+
+QString textOf(const std::vector<Word> &words, const QString &language)
+{
+    const bool english = isEnglish(language);
     const QStringList texts = textsOf(words);
     const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
     if (WordParts(texts.back()).endsSentence())
         return text;
-    if (english && english::asks(texts))
-        return text + u'?';
-    return stopped(text);
+    const QString said = unfinished(text, language);
+    return english && english::asks(texts) ? said + u'?' : stopped(said);
 }
 
 class Paragraphs
@@ -115,16 +178,15 @@ private:
     int m_inParagraph = 0;
 };
 
-std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, bool english)
+std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, const QString &language, bool rewrite)
 {
-    const bool marks = hasMarks(stretches);
+    const Script script(stretches, language);
     Paragraphs paragraphs;
     for (const Stretch &stretch : stretches) {
         const std::vector<Word> words =
-            english ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
-        for (const std::vector<Word> &said : sentencesOf(words, marks)) {
-            paragraphs.add(said, textOf(english ? english::withFigures(said) : said, english), stretch.speaker);
-        }
+            rewrite ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
+        for (const std::vector<Word> &said : sentencesOf(words, script))
+            paragraphs.add(said, textOf(rewrite ? english::withFigures(said) : said, script.language), stretch.speaker);
     }
     return paragraphs.take();
 }
@@ -144,9 +206,9 @@ bool isEnglish(const QString &language)
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language)
 {
     const std::vector<Stretch> stretches = stretchesOf(segments);
-    std::vector<Sentence> sentences = sentencesFrom(stretches, isEnglish(language));
+    std::vector<Sentence> sentences = sentencesFrom(stretches, language, isEnglish(language));
     // Whoever said nothing but "um" said that.
-    return sentences.empty() ? sentencesFrom(stretches, false) : sentences;
+    return sentences.empty() ? sentencesFrom(stretches, language, false) : sentences;
 }
 
 std::vector<Segment> asLines(std::vector<Segment> segments, const QString &language)

@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +31,26 @@ void leaveToLast(std::vector<Word> &kept, const Word &gone)
     WordParts last(kept.back().text);
     if (parts.endsSentence() && !last.endsSentence())
         kept.back().text = last.lead + last.core + parts.trail;
+}
+
+QString capitalised(const QString &word)
+{
+    const WordParts parts(word);
+    return parts.lead + parts.core.left(1).toUpper() + parts.core.mid(1) + parts.trail;
+}
+
+// With the capital of words that went in front of it: it begins their sentence now.
+Word following(Word word, bool capitalDue)
+{
+    if (capitalDue)
+        word.text = capitalised(word.text);
+    return word;
+}
+
+bool hasCapital(const Word &word)
+{
+    const WordParts parts(word.text);
+    return !parts.core.isEmpty() && parts.core.front().isUpper();
 }
 
 bool isFiller(const QString &key)
@@ -99,12 +120,6 @@ const QSet<QString> &properNames()
         "greek indian irish italian japanese korean mexican norwegian portuguese russian scottish spanish swedish "
         "ukrainian christmas easter google americans germans russians europeans canadians italians");
     return names;
-}
-
-QString capitalised(const QString &word)
-{
-    const WordParts parts(word);
-    return parts.lead + parts.core.left(1).toUpper() + parts.core.mid(1) + parts.trail;
 }
 
 bool isName(const QStringList &keys, qsizetype at)
@@ -206,13 +221,15 @@ bool endsWithTag(const QStringList &keys)
 std::vector<Word> withoutFillers(const std::vector<Word> &words)
 {
     std::vector<Word> kept;
+    bool capitalDue = false;
     for (size_t i = 0; i < words.size(); ++i) {
         if (isFiller(WordParts(words[i].text).key())) {
+            capitalDue = capitalDue || hasCapital(words[i]);
             leaveToLast(kept, words[i]);
         } else if (fillerAt(words, i, kept)) {
             leaveToLast(kept, words[++i]);
         } else {
-            kept.push_back(words[i]);
+            kept.push_back(following(words[i], std::exchange(capitalDue, false)));
         }
     }
     return kept;
@@ -221,12 +238,14 @@ std::vector<Word> withoutFillers(const std::vector<Word> &words)
 std::vector<Word> withoutStammers(const std::vector<Word> &words)
 {
     std::vector<Word> kept;
+    bool capitalDue = false;
     for (size_t i = 0; i < words.size(); ++i) {
         const size_t again = saidAgain(words, i, 2) ? 2 : saidAgain(words, i, 1) ? 1 : 0;
         if (again == 0) {
-            kept.push_back(words[i]);
+            kept.push_back(following(words[i], std::exchange(capitalDue, false)));
             continue;
         }
+        capitalDue = capitalDue || hasCapital(words[i]);
         leaveToLast(kept, words[i + again - 1]);
         i += again - 1;
     }

@@ -20,6 +20,7 @@ constexpr size_t sentencesPerPick = 6;
 constexpr size_t mostPicks = 7;
 constexpr qsizetype fewestWords = 4; // of a sentence that says something on its own
 constexpr size_t mostHolders = 300;  // sentences; a word that more of them hold tells nothing
+constexpr size_t fewestHolders = 5;  // likewise, where everyday words are told by their being in every tenth alone
 constexpr int rounds = 30;           // after which the order does not change any more
 constexpr double damping = 0.85;
 
@@ -61,7 +62,7 @@ QSet<QString> tellingWords(const Sentence &sentence)
 class Ties
 {
 public:
-    explicit Ties(const std::vector<QSet<QString>> &telling)
+    Ties(const std::vector<QSet<QString>> &telling, size_t most)
     {
         QMap<QString, std::vector<size_t>> holders; // in order: sums in another order would differ
         for (size_t i = 0; i < telling.size(); ++i) {
@@ -70,7 +71,7 @@ public:
                 holders[word].push_back(i);
         }
         for (std::vector<size_t> &sentences : holders) {
-            if (sentences.size() > 1 && sentences.size() <= mostHolders)
+            if (sentences.size() > 1 && sentences.size() <= most)
                 m_holders.push_back(std::move(sentences));
         }
     }
@@ -109,7 +110,7 @@ private:
 // A sentence counts by the sentences that it shares words with, and these by theirs: what a talk is about is
 // at the middle of it. What is said again word for word counts once: people repeat "yes, of course" more
 // often than what they came to say.
-std::vector<double> scores(const std::vector<Sentence> &sentences)
+std::vector<double> scores(const std::vector<Sentence> &sentences, const QString &language)
 {
     std::vector<QSet<QString>> telling;
     QSet<QString> said;
@@ -118,7 +119,9 @@ std::vector<double> scores(const std::vector<Sentence> &sentences)
         said.insert(sentence.text);
         telling.push_back(skipped ? QSet<QString>() : tellingWords(sentence));
     }
-    const Ties ties(telling);
+    // Everyday words are listed for English alone.
+    const size_t common = isEnglish(language) ? mostHolders : std::max(fewestHolders, sentences.size() / 10);
+    const Ties ties(telling, std::min(common, mostHolders));
     std::vector<double> score(telling.size(), 1);
     const std::vector<double> given = ties.spread(score);
     for (int round = 0; round < rounds; ++round) {
@@ -135,7 +138,7 @@ std::vector<double> scores(const std::vector<Sentence> &sentences)
 
 Summary extractSummary(const std::vector<Sentence> &sentences, const QString &language)
 {
-    const std::vector<double> score = scores(sentences);
+    const std::vector<double> score = scores(sentences, language);
     std::vector<size_t> order(sentences.size());
     for (size_t i = 0; i < order.size(); ++i)
         order[i] = i;

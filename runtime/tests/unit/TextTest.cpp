@@ -105,6 +105,21 @@ const MarksCase marksCases[] = {
     {"ja", "はい。 でも、", {u"はい。"_s, u"でも."_s}},
     {"el", "Ναι. Πού είναι;", {u"Ναι."_s, u"Πού είναι;"_s}},
     {"de", "Gut. Um 9 a.m.,", {u"Gut."_s, u"Um 9 a.m."_s}},
+    {"de", "Er kam vom 3. bis 5. Mai. Dann ging er.", {u"Er kam vom 3. bis 5. Mai."_s, u"Dann ging er."_s}},
+    {"de", "Im 19. und 20. Jahrhundert usw. und so weiter.", {u"Im 19. und 20. Jahrhundert usw. und so weiter."_s}},
+    {"de", "Ich... ich weiß. „Wirklich?“ fragte sie.", {u"Ich... ich weiß."_s, u"„Wirklich?“ fragte sie."_s}},
+    {"de", "Es war 2019. Dann kam Dr. Meier, ca. Zehn Tage.", {u"Es war 2019."_s, u"Dann kam Dr. Meier, ca. Zehn Tage."_s}},
+    {"en", "We left at 9. Then Mr. J. Smith came. Am I? Yes.",
+     {u"We left at 9."_s, u"Then Mr. J. Smith came."_s, u"Am I?"_s, u"Yes."_s}},
+    {"en", "Look. iPhone users | know it,", {u"Look. iPhone users know it."_s}},
+    {"en", "yes. we | came: no. he said", {u"Yes."_s, u"We came: no."_s, u"He said."_s}},
+    {"ru", "Это рядом, т. е. мы пришли. Да.", {u"Это рядом, т. е. мы пришли."_s, u"Да."_s}},
+    {"fr", "Le pain, etc. et le vin. Oui", {u"Le pain, etc. et le vin."_s, u"Oui."_s}},
+    {"en", "Yes. The the door. Um, er, no.", {u"Yes."_s, u"The door."_s, u"No."_s}},
+    {"en", "Yes. He said:", {u"Yes."_s, u"He said."_s}},
+    {"en", "Yes. Are you there,", {u"Yes."_s, u"Are you there?"_s}},
+    {"en", "Yes. Well -", {u"Yes."_s, u"Well."_s}},
+    {"ka", "კი. არა", {u"კი."_s, u"არა."_s}},
 };
 
 } // namespace
@@ -328,6 +343,19 @@ TEST(Summary, picksWordForWordAndInOrder)
     EXPECT_EQ(extractSummary(cleanSentences(segments, u"en"_s), u"en"_s).sentences,
               (QStringList{u"The library lends books to the whole town."_s,
                            u"The town loves the library and its books."_s}));
+}
+
+TEST(Summary, everydayWordsOfOtherLanguagesTellNothing)
+{
+    QStringList said;
+    for (const QString &word : {u"hund"_s, u"baum"_s, u"tisch"_s, u"zug"_s, u"berg"_s, u"fluss"_s, u"garten"_s, u"himmel"_s})
+        said.append(u"und das ist nicht das was wir für einen %1 gehalten haben"_s.arg(word));
+    said.append(u"die bücherei verleiht bücher"_s);
+    said.append(u"bücher der bücherei sind alt"_s);
+    std::vector<Sentence> sentences;
+    for (const QString &text : said)
+        sentences.push_back({text, qint64(sentences.size()) * 5000, 0});
+    EXPECT_EQ(extractSummary(sentences, u"de"_s).sentences, (QStringList{said[8], said[9]}));
 }
 
 TEST(Summary, sentencesOfDutyAreTasks)
