@@ -37,8 +37,8 @@ install_packages() {
     as_root apt-get update -qq && as_root env DEBIAN_FRONTEND=noninteractive "$@" >/dev/null
 }
 
-# Builds the given targets (all without any) in build/ and says so where there is something to do, configuring with the
-# given -D options first when there are any or when nothing is configured yet.
+# Builds the given targets (all without any) in build/, configuring with the given -D options first when
+# there are any or when nothing is configured yet.
 build_targets() {
     local options=() targets=() word
     for word in "$@"; do
@@ -47,8 +47,6 @@ build_targets() {
     if [ ${#options[@]} -gt 0 ] || [ ! -f build/build.ninja ]; then
         cmake --preset default "${options[@]}" >build-configure.log 2>&1 || { cat build-configure.log >&2; return 1; }
     fi
-    if ! cmake --build build "${targets[@]}" -- -n | grep -q 'no work to do'; then
-        printf 'Building; build/build.log tells how far it is.\n'
-    fi
+    printf 'Building; build/build.log tells how far it is.\n'
     cmake --build build "${targets[@]}" >build/build.log 2>&1 || { tail -n 60 build/build.log >&2; return 1; }
 }

@@ -11,6 +11,7 @@
 #include "settings/LibraryTexts.h"
 #include "ui/MainWindow.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QWindow>
 

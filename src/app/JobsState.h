@@ -4,7 +4,6 @@
 #include "app/WaitingQueue.h"
 #include "engine/EngineReplies.h"
 
-#include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 

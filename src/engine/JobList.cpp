@@ -2,6 +2,7 @@
 
 #include "settings/Val.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>

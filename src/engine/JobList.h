@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QJsonObject>
 #include <QList>
 #include <QString>

@@ -107,14 +107,6 @@ void SleepInhibitor::setInhibited(bool inhibited)
         askPortal();
 }
 
-void SleepInhibitor::setStage(Stage stage)
-{
-    const Holder before = holder();
-    m_stage = stage;
-    if (holder() != before)
-        Q_EMIT holderChanged();
-}
-
 void SleepInhibitor::askPortal()
 {
     m_portalCameLate = false;
@@ -122,7 +114,7 @@ void SleepInhibitor::askPortal()
     const QString request = requestPath(m_session, token);
     m_request = request;
     listen(request, true);
-    setStage(Stage::AskingPortal);
+    m_stage = Stage::AskingPortal;
 
     QDBusMessage call =
         QDBusMessage::createMethodCall(portalService, portalPath, inhibitPortal, u"Inhibit"_s);
@@ -151,7 +143,7 @@ void SleepInhibitor::takePortalReply(const QDBusMessage &reply)
         m_request = granted;
         listen(m_request, true);
     }
-    setStage(Stage::HeldByPortal);
+    m_stage = Stage::HeldByPortal;
 }
 
 void SleepInhibitor::portalResponded(const QDBusMessage &signal)
@@ -180,7 +172,7 @@ void SleepInhibitor::serviceAppeared(const QString &name)
 
 void SleepInhibitor::askLogind()
 {
-    setStage(Stage::AskingLogind);
+    m_stage = Stage::AskingLogind;
     QDBusMessage call =
         QDBusMessage::createMethodCall(logindService, logindPath, logindInterface, u"Inhibit"_s);
     call << u"sleep"_s << u"Tuppi Transcriber"_s << m_reason << u"block"_s;
@@ -195,7 +187,7 @@ void SleepInhibitor::takeLogindReply(const QDBusMessage &reply)
 {
     if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == u"h"_s)
         m_lock = reply.arguments().constFirst().value<QDBusUnixFileDescriptor>();
-    setStage(m_lock.isValid() ? Stage::HeldByLogind : Stage::Refused);
+    m_stage = m_lock.isValid() ? Stage::HeldByLogind : Stage::Refused;
     if (m_stage == Stage::Refused && m_portalCameLate)
         askPortal();
 }
@@ -210,7 +202,7 @@ void SleepInhibitor::release()
         listen(request, false);
     if (stage == Stage::HeldByPortal)
         closeRequest(m_session, request);
-    setStage(Stage::Idle);
+    m_stage = Stage::Idle;
 }
 
 void SleepInhibitor::listen(const QString &request, bool on)

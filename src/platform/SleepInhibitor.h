@@ -30,16 +30,12 @@ public:
     /// Who keeps the computer awake for this object now.
     Holder holder() const;
 
-Q_SIGNALS:
-    void holderChanged();
-
 private Q_SLOTS:
     void portalResponded(const QDBusMessage &signal);
 
 private:
     enum class Stage { Idle, AskingPortal, HeldByPortal, AskingLogind, HeldByLogind, Refused };
 
-    void setStage(Stage stage);
     void askPortal();
     void takePortalReply(const QDBusMessage &reply);
     void askLogind();

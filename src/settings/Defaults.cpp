@@ -89,20 +89,20 @@ QVariantMap allValues(const QSettings &settings)
 const QList<DefaultKey> &DefaultsTable()
 {
     static const QList<DefaultKey> table{
-        {u"engine"_s, u"auto"_s, u"starting speech model: a built-in model's id, or custom: and a custom one's"_s},
-        {u"language"_s, u"en"_s, u"starting language code of a transcription, or auto"_s},
-        {u"speakers"_s, true, u"tell speakers apart"_s},
-        {u"quickMode"_s, false, u"text only: skip summary, tasks and polishing"_s},
-        {u"notify"_s, true, u"post a notification when a transcript is ready"_s},
-        {u"sounds"_s, true, u"purr while working, mew when done"_s},
-        {u"txtFormat"_s, u"timestamps"_s, u"last chosen export format"_s},
-        {u"saveFolder"_s, u""_s, u"folder of the last saved text; empty for Documents"_s},
-        {u"waitingQueue"_s, QVariantList(), u"files not yet handed to the engine"_s},
-        {u"startInFlight"_s, QVariant(), u"the file being handed to the engine, and the jobs known before it"_s},
-        {u"windowFrame"_s, QVariant(), u"place and size of the main window, as the toolkit writes them"_s},
-        {u"TranscriberViewer"_s, QVariant(), u"place and size of the last viewer window, as the toolkit writes them"_s},
-        {u"TranscriberText"_s, QVariant(), u"place and size of the last text window, as the toolkit writes them"_s},
-        {u"AppleLanguages"_s, QVariant(), u"chosen interface language; absent means automatic"_s},
+        {u"engine"_s, u"auto"_s}, // starting speech model: a built-in model's id, or custom: and a custom one's
+        {u"language"_s, u"en"_s}, // starting language code of a transcription, or auto
+        {u"speakers"_s, true}, // tell speakers apart
+        {u"quickMode"_s, false}, // text only: skip summary, tasks and polishing
+        {u"notify"_s, true}, // post a notification when a transcript is ready
+        {u"sounds"_s, true}, // purr while working, mew when done
+        {u"txtFormat"_s, u"timestamps"_s}, // last chosen export format
+        {u"saveFolder"_s, u""_s}, // folder of the last saved text; empty for Documents
+        {u"waitingQueue"_s, QVariantList()}, // files not yet handed to the engine
+        {u"startInFlight"_s, QVariant()}, // the file being handed to the engine, and the jobs known before it
+        {u"windowFrame"_s, QVariant()}, // place and size of the main window, as the toolkit writes them
+        {u"TranscriberViewer"_s, QVariant()}, // place and size of the last viewer window, as the toolkit writes them
+        {u"TranscriberText"_s, QVariant()}, // place and size of the last text window, as the toolkit writes them
+        {u"AppleLanguages"_s, QVariant()}, // chosen interface language; absent means automatic
     };
     return table;
 }

@@ -12,12 +12,11 @@
 
 namespace tuppi {
 
-/// One key of the defaults store: its name, the value that an absent key reads as, and what it means.
+/// One key of the defaults store: its name, and the value that an absent key reads as.
 struct DefaultKey
 {
     QString name;
     QVariant fallback;
-    QString meaning;
 };
 
 /// Every key that the application stores, in one place.

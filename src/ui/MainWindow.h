@@ -2,7 +2,6 @@
 
 #include "list/ListContent.h"
 
-#include <QHash>
 #include <QMainWindow>
 #include <QTimer>
 #include <QUrl>

@@ -273,13 +273,11 @@ TEST_F(DefaultsTest, WriteThatEndsInTheMiddleLeavesTheOldFile)
     EXPECT_EQ(this->stored().value(u"waitingQueue"_s).toArray().size(), 100);
 }
 
-TEST_F(DefaultsTest, EveryKeyOfTheTableIsThereOnceWithItsMeaning)
+TEST_F(DefaultsTest, EveryKeyOfTheTableIsThereOnce)
 {
     QStringList names;
-    for (const DefaultKey &key : DefaultsTable()) {
+    for (const DefaultKey &key : DefaultsTable())
         names.append(key.name);
-        EXPECT_FALSE(key.meaning.isEmpty()) << key.name.toStdString();
-    }
     names.sort();
     EXPECT_EQ(names, (QStringList{u"AppleLanguages"_s, u"TranscriberText"_s, u"TranscriberViewer"_s, u"engine"_s, u"language"_s, u"notify"_s, u"quickMode"_s,
                                   u"saveFolder"_s, u"sounds"_s, u"speakers"_s, u"startInFlight"_s, u"txtFormat"_s, u"waitingQueue"_s, u"windowFrame"_s}));

@@ -8,7 +8,6 @@
 #include <QDBusUnixFileDescriptor>
 #include <QRegularExpression>
 #include <QSemaphore>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <array>
@@ -175,7 +174,6 @@ private Q_SLOTS:
         portalGrants();
         QVERIFY(m_portal->takeName() && m_logind->takeName());
         makeInhibitor();
-        QSignalSpy changes(m_inhibitor.get(), &SleepInhibitor::holderChanged);
         m_inhibitor->setInhibited(true);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
         EVENTUALLY_COMPARE(m_inhibitor->holder(), Holder::Portal);
@@ -190,7 +188,6 @@ private Q_SLOTS:
         m_inhibitor->setInhibited(false);
         QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
         EVENTUALLY_COMPARE(closed(), requested());
-        QCOMPARE(changes.size(), 2);
         QCOMPARE(m_logind->calls.size(), 0);
     }
 
@@ -216,13 +213,12 @@ private Q_SLOTS:
     {
         QVERIFY(m_portal->takeName());
         makeInhibitor();
-        QSignalSpy changes(m_inhibitor.get(), &SleepInhibitor::holderChanged);
         m_inhibitor->setInhibited(true);
         EVENTUALLY_COMPARE(m_portal->count(u"Inhibit"_s), 1);
         m_inhibitor->setInhibited(false);
         grant(m_portal->calls.constFirst());
         EVENTUALLY_COMPARE(closed(), requested());
-        QCOMPARE(changes.size(), 0);
+        QCOMPARE(m_inhibitor->holder(), Holder::Nobody);
     }
 
     void wantedAgainWhileTheFirstGrantIsOnItsWay()
