@@ -87,7 +87,7 @@ void JobRun::run()
 // Reads the whole recording once to know its length and where speech is.
 void JobRun::plan()
 {
-    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice); // first: without one there is no use in reading
+    m_recogniser = &chosenRecogniser(false); // first: without one there is no use in reading
     AudioReader reader(audioPath());
     m_control.change([&](Job &job) {
         job.status = Status::transcribing.toString();
@@ -134,19 +134,20 @@ void JobRun::nameRecogniser(Job &job, bool anythingKept) const
         job.language = m_recogniser->language();
 }
 
-// One that hears a single language would make words of it from any other one that was found in the first part.
-Recogniser &JobRun::recogniserForTheRest() const
+// One that hears a single language would make words of it from any other one that was found in what is kept.
+Recogniser &JobRun::chosenRecogniser(bool anythingKept) const
 {
     const Job &job = m_control.job();
     Recogniser &chosen = m_recognisers(job, job.languageChoice);
-    const bool hearsIt = job.language == u"auto" || chosen.language() == u"auto" || chosen.language() == job.language;
+    const bool hearsIt = !anythingKept || job.language == u"auto" || chosen.language() == u"auto" ||
+                         chosen.language() == job.language;
     return hearsIt ? chosen : m_recognisers(job, job.language);
 }
 
 // Where one recogniser has heard no word, another one may.
 void JobRun::forgetSilence(std::vector<Segment> &segments)
 {
-    m_recogniser = &m_recognisers(m_control.job(), m_control.job().languageChoice);
+    m_recogniser = &chosenRecogniser(false);
     if (m_recogniser->name() == m_control.job().recogniser)
         return;
     for (Segment &segment : segments)
@@ -169,8 +170,7 @@ void JobRun::recogniseMissing()
         return;
     const bool anythingKept = std::ranges::any_of(segments, &Segment::kept);
     if (!m_recogniser)
-        m_recogniser = anythingKept ? &recogniserForTheRest()
-                                    : &m_recognisers(m_control.job(), m_control.job().languageChoice);
+        m_recogniser = &chosenRecogniser(anythingKept);
     if (m_control.job().recogniser != m_recogniser->name()) {
         m_control.change([&](Job &job) { nameRecogniser(job, anythingKept); });
     }

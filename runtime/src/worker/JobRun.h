@@ -33,7 +33,7 @@ public:
 private:
     void plan();
     void recogniseMissing();
-    Recogniser &recogniserForTheRest() const;
+    Recogniser &chosenRecogniser(bool anythingKept) const;
     void forgetSilence(std::vector<Segment> &segments);
     void nameRecogniser(Job &job, bool anythingKept) const;
     void noteBeginning(const SoundTask &task);
