@@ -131,7 +131,7 @@ QString capitalised(QString text)
 }
 
 // Without what leads on to more words, such as a comma; a ";" may be a Greek question mark.
-QString unfinished(QString text, const QString &language)
+QString withoutJoint(QString text, const QString &language)
 {
     const QString joints = u",،，、:：-–—"_s + (language == u"el" ? QString() : u";"_s);
     const QString whole = text;
@@ -153,7 +153,7 @@ QString textOf(const std::vector<Word> &words, const QString &language)
     const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
     if (WordParts(texts.back()).endsSentence())
         return text;
-    const QString said = unfinished(text, language);
+    const QString said = withoutJoint(text, language);
     return english && english::asks(texts) ? said + u'?' : stopped(said);
 }
 
