@@ -125,13 +125,17 @@ SelfTest::Troubles SelfTest::finish()
 {
     if (!m_worker)
         return {};
+    const bool inTime = m_worker->ended(limitMs);
+    const auto silent = [inTime](const QString &why) {
+        return inTime ? why : u"The computer is too busy to try it out. Ask again later."_s;
+    };
     // A line for each part: the worker that falls over the speech model has told of decoding before.
-    const QList<QByteArray> lines = m_worker->finish(limitMs).output.split('\n');
+    const QList<QByteArray> lines = m_worker->finish(0).output.split('\n');
     const auto part = [&](qsizetype line) { return QJsonDocument::fromJson(lines.value(line)).object(); };
-    const QString broken = u"The worker program does not run. Install the engine again."_s;
+    const QString broken = silent(u"The worker program does not run. Install the engine again."_s);
     if (!part(0).contains(u"decoding"))
         return {broken, broken};
-    const QString fallen = u"The speech model is damaged. Install it again."_s;
+    const QString fallen = silent(u"The speech model is damaged. Install it again."_s);
     const Troubles found{part(1)[u"recogniser"].toString(fallen), part(0)[u"decoding"].toString()};
     if (found.recogniser.isEmpty() && found.decoding.isEmpty())
         remember(m_memory, part(2)[u"libraries"].toArray(), m_startedMs);

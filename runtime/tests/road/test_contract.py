@@ -225,6 +225,17 @@ class Contract(RoadTest):
                                  ["Speech recogniser (PocketSphinx, English)"] if damaged else [])
             shutil.rmtree(model)
 
+    def test_doctor_does_not_call_damaged_what_is_only_slow(self):
+        engine = self.engine()
+        worker = os.path.join(engine.folder, "runtime", "bin", "tuppi-engine-worker")
+        os.remove(worker)
+        with open(worker, "w", encoding="ascii") as file:
+            file.write("""#!/bin/sh\necho '{"decoding":""}'\nexec sleep 600\n""")
+        os.chmod(worker, 0o755)
+        troubles = engine.troubles()
+        self.assertEqual(troubles, {"Speech recogniser (PocketSphinx, English)":
+                                    "The computer is too busy to try it out. Ask again later."})
+
     def test_doctor_remembers_a_worker_that_is_well(self):
         """As long as nothing of it has changed; then it is looked at again."""
         engine = self.engine()
