@@ -203,6 +203,7 @@ class Disk(RoadTest):
                 with open(os.path.join(knobs, "behaviour"), "w", encoding="utf-8") as file:
                     file.write(behaviour)
                 self.assertIn("the disk is full", self.refused(engine, path, language="uk"))
+                until(lambda: engine.worker() is None, "the end of the worker, which frees what was filled")
         with open(os.path.join(knobs, "runs"), encoding="utf-8") as file:
             self.assertEqual(len(file.readlines()), 2, "one try each")
 
