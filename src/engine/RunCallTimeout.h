@@ -8,10 +8,11 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QThread>
 
 #include <functional>
 #include <memory>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace tuppi {
@@ -76,17 +77,24 @@ template<typename Work, typename Then>
 void RunAside(Work work, QObject *context, Then then)
 {
     auto result = std::make_shared<std::invoke_result_t<Work>>();
-    // Never waited for: what hangs must not hold the application's exit. The thread touches nothing but what it owns.
-    QThread *thread = QThread::create([work = std::move(work), result] {
-        *result = work();
-        GiveOver(result.get());
-    });
-    QObject::connect(thread, &QThread::finished, context, [result, then = std::move(then)] {
+    // What tells of the end, by its own. It is made here, where `context` cannot end meanwhile, and belongs to no event
+    // loop that would have to free it.
+    auto end = std::make_shared<QObject>();
+    const auto receive = [result, then = std::move(then)] {
         TakeOver(result.get());
         then(std::move(*result));
-    });
-    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
+    };
+    QObject::connect(end.get(), &QObject::destroyed, context, receive, Qt::QueuedConnection);
+    const auto run = [work = std::move(work), result, end = std::move(end)] {
+        *result = work();
+        GiveOver(result.get());
+    };
+    try {
+        // Never waited for: what hangs must not hold the application's exit. The thread touches nothing but what it owns.
+        std::thread(run).detach();
+    } catch (const std::system_error &) {
+        run(); // the system has no further thread: late is better than never
+    }
 }
 
 /// RunAside for `run`, which returns a RawReply, and `read`, which makes of it what `then` gets.

@@ -135,27 +135,39 @@ public:
     }
 
 private:
-    struct Later
+    struct End
     {
         void operator()(QAudioSink *sink) const
         {
-            sink->disconnect();
-            sink->stop();
-            sink->deleteLater(); // it may be telling its state right now
+            silence(sink);
+            delete sink;
         }
     };
 
+    static void silence(QAudioSink *sink)
+    {
+        sink->disconnect();
+        sink->stop();
+    }
+
     void close() { m_sink.reset(); }
+
+    /// From within what the sink itself tells, which it has to outlive.
+    void closeLater()
+    {
+        silence(m_sink.get());
+        m_sink.release()->deleteLater();
+    }
 
     void followState(QAudio::State state)
     {
         if (state == QAudio::StoppedState) {
             const bool wasPlaying = !m_voice.hasEnded();
-            close();
+            closeLater();
             if (wasPlaying && m_lost)
                 m_lost(m_name);
         } else if (state == QAudio::IdleState && m_voice.isOver()) {
-            close();
+            closeLater();
         }
     }
 
@@ -163,7 +175,7 @@ private:
     const Sound m_sound;
     Voice m_voice;
     const std::function<void(const QString &)> &m_lost;
-    std::unique_ptr<QAudioSink, Later> m_sink;
+    std::unique_ptr<QAudioSink, End> m_sink;
 };
 
 class Output : public tuppi::SoundOutput
