@@ -1,6 +1,7 @@
 #include "media/AudioReader.h"
 
 #include "core/Failure.h"
+#include "media/EditList.h"
 #include "media/Ffmpeg.h"
 
 #include <QFile>
@@ -108,6 +109,9 @@ void AudioReader::Private::open(const QString &path)
     AVDictionary *options = nullptr;
     ::av_dict_set(&options, "protocol_whitelist", "file", 0);
     ::av_dict_set(&options, "format_whitelist", acceptedForms, 0);
+    // To follow a list of edits, FFmpeg holds a long recording's table of packets twice.
+    if (isPlayedAsItStands(path))
+        ::av_dict_set(&options, "advanced_editlist", "0", 0);
     const int result = ::avformat_open_input(&opened, address.constData(), nullptr, &options);
     ::av_dict_free(&options);
     if (result < 0)
