@@ -1,5 +1,6 @@
 #include "text/CleanFix.h"
 
+#include "text/Scripts.h"
 #include "text/WordParts.h"
 #include "text/Words.h"
 
@@ -33,25 +34,19 @@ struct Tokens
 
     explicit Tokens(QStringView text)
     {
-        QString before;
         qsizetype at = 0;
         while (at < text.size()) {
             const qsizetype start = at;
             while (at < text.size() && isBlank(text[at]))
                 ++at;
-            const QString blanks = text.sliced(start, at - start).toString();
+            QString blanks = text.sliced(start, at - start).toString();
             const qsizetype word = at;
             while (at < text.size() && !isBlank(text[at]))
                 ++at;
-            const Token token{SignedWord(text.sliced(word, at - word).toString()), before + blanks};
-            if (!token.core.isEmpty()) {
-                list.push_back(token);
-                before.clear();
-            } else if (!list.empty()) {
-                list.back().trail += blanks + token.lead;
-            } else {
-                before += blanks + token.lead;
-            }
+            if (word == at)
+                add(blanks, {});
+            for (const QString &piece : piecesOf(text.sliced(word, at - word)))
+                add(std::exchange(blanks, {}), piece);
         }
         // Blanks at the very end are no part of the last word.
         if (!list.empty()) {
@@ -68,7 +63,29 @@ struct Tokens
             text += token.before + token.text();
         return text + rest;
     }
+
+private:
+    void add(const QString &blanks, const QString &piece)
+    {
+        const Token token{SignedWord(piece), m_before + blanks};
+        if (!token.core.isEmpty()) {
+            list.push_back(token);
+            m_before.clear();
+        } else if (!list.empty()) {
+            list.back().trail += blanks + token.lead;
+        } else {
+            m_before += blanks + token.lead;
+        }
+    }
+
+    QString m_before; // signs in front of the first word
 };
+
+// Between words of one line.
+QString blankBefore(const Token &token)
+{
+    return isUnspaced(token.core.front().unicode()) ? QString() : u" "_s;
+}
 
 QStringList keysOf(const std::vector<Token> &tokens)
 {
@@ -357,7 +374,7 @@ private:
             return;
         if (place < m_old.size()) {
             Token &next = m_text[m_begin + place];
-            m_made[first].before = std::exchange(next.before, u" "_s);
+            m_made[first].before = std::exchange(next.before, blankBefore(next));
             if (madeCapital(place)) {
                 m_made[first].core = withCapital(m_made[first].core);
                 next.core = m_old[place].core;
@@ -374,10 +391,10 @@ private:
         if (before && !endsSentence(before->trail))
             return;
         if (!before && m_begin < m_text.size())
-            m_made[first].before = std::exchange(m_text[m_begin].before, u" "_s);
+            m_made[first].before = std::exchange(m_text[m_begin].before, blankBefore(m_text[m_begin]));
         m_made[first].core = withCapital(m_made[first].core);
         if (m_made.back().trail.isEmpty())
-            m_made.back().trail = u"."_s;
+            m_made.back().trail = fullStopFor(m_made.back().core);
     }
 
     void drop(size_t fromOld, size_t toOld)
@@ -413,7 +430,7 @@ private:
 
     static Token withBlank(Token token)
     {
-        token.before = u" "_s;
+        token.before = blankBefore(token);
         return token;
     }
 

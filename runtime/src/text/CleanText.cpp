@@ -1,6 +1,8 @@
 #include "text/CleanText.h"
 
 #include "text/EnglishText.h"
+#include "text/Hesitation.h"
+#include "text/Scripts.h"
 #include "text/WordParts.h"
 
 #include <QSet>
@@ -143,14 +145,22 @@ QString withoutJoint(QString text, const QString &language)
 // With a full stop, unless there is one ("at nine a.m.").
 QString stopped(const QString &text)
 {
-    return text.endsWith(u'.') || text.endsWith(u';') ? text : text + u'.';
+    return text.endsWith(u'.') || text.endsWith(u';') ? text : text + fullStopFor(text);
+}
+
+QString joined(const QStringList &texts)
+{
+    QString text;
+    for (const QString &next : texts)
+        text += (text.isEmpty() ? QString() : jointBetween(text, next)) + next;
+    return text;
 }
 
 QString textOf(const std::vector<Word> &words, const QString &language)
 {
     const bool english = isEnglish(language);
     const QStringList texts = textsOf(words);
-    const QString text = capitalised((english ? english::withCapitals(texts) : texts).join(u' '));
+    const QString text = capitalised(joined(english ? english::withCapitals(texts) : texts));
     if (WordParts(texts.back()).endsSentence())
         return text;
     const QString said = withoutJoint(text, language);
@@ -178,15 +188,21 @@ private:
     int m_inParagraph = 0;
 };
 
+// Without what was said only to look for words.
+std::vector<Word> toThePoint(const std::vector<Word> &words, const QString &language)
+{
+    return isEnglish(language) ? english::withoutStammers(english::withoutFillers(words)) : withoutHesitation(words, language);
+}
+
 std::vector<Sentence> sentencesFrom(const std::vector<Stretch> &stretches, const QString &language, bool rewrite)
 {
+    const bool figures = rewrite && isEnglish(language);
     const Script script(stretches, language);
     Paragraphs paragraphs;
     for (const Stretch &stretch : stretches) {
-        const std::vector<Word> words =
-            rewrite ? english::withoutStammers(english::withoutFillers(stretch.words)) : stretch.words;
+        const std::vector<Word> words = rewrite ? toThePoint(stretch.words, language) : stretch.words;
         for (const std::vector<Word> &said : sentencesOf(words, script))
-            paragraphs.add(said, textOf(rewrite ? english::withFigures(said) : said, script.language), stretch.speaker);
+            paragraphs.add(said, textOf(figures ? english::withFigures(said) : said, script.language), stretch.speaker);
     }
     return paragraphs.take();
 }
@@ -206,7 +222,7 @@ bool isEnglish(const QString &language)
 std::vector<Sentence> cleanSentences(const std::vector<Segment> &segments, const QString &language)
 {
     const std::vector<Stretch> stretches = stretchesOf(segments);
-    std::vector<Sentence> sentences = sentencesFrom(stretches, language, isEnglish(language));
+    std::vector<Sentence> sentences = sentencesFrom(stretches, language, true);
     // Whoever said nothing but "um" said that.
     return sentences.empty() ? sentencesFrom(stretches, language, false) : sentences;
 }
@@ -247,7 +263,7 @@ QString paragraphs(const std::vector<Sentence> &sentences)
     QString text;
     for (const Sentence &sentence : sentences) {
         if (!text.isEmpty())
-            text += sentence.startsParagraph ? u"\n\n"_s : u" "_s;
+            text += sentence.startsParagraph ? u"\n\n"_s : jointBetween(text, sentence.text);
         text += sentence.text;
     }
     return text.isEmpty() ? text : text + u'\n';

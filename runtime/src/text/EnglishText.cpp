@@ -1,11 +1,11 @@
 #include "text/EnglishText.h"
 
 #include "text/WordParts.h"
+#include "text/WordSieve.h"
 
 #include <QSet>
 
 #include <algorithm>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -19,38 +19,6 @@ QSet<QString> setOf(QStringView words)
     for (const QStringView word : words.split(u' '))
         set.insert(word.toString());
     return set;
-}
-
-// A word goes: its time and the end of a sentence that it carried stay.
-void leaveToLast(std::vector<Word> &kept, const Word &gone)
-{
-    if (kept.empty())
-        return;
-    kept.back().endMs = gone.endMs;
-    const WordParts parts(gone.text);
-    WordParts last(kept.back().text);
-    if (parts.endsSentence() && !last.endsSentence())
-        kept.back().text = last.lead + last.core + parts.trail;
-}
-
-QString capitalised(const QString &word)
-{
-    const WordParts parts(word);
-    return parts.lead + parts.core.left(1).toUpper() + parts.core.mid(1) + parts.trail;
-}
-
-// With the capital of words that went in front of it: it begins their sentence now.
-Word following(Word word, bool capitalDue)
-{
-    if (capitalDue)
-        word.text = capitalised(word.text);
-    return word;
-}
-
-bool hasCapital(const Word &word)
-{
-    const WordParts parts(word.text);
-    return !parts.core.isEmpty() && parts.core.front().isUpper();
 }
 
 bool isFiller(const QString &key)
@@ -220,36 +188,34 @@ bool endsWithTag(const QStringList &keys)
 
 std::vector<Word> withoutFillers(const std::vector<Word> &words)
 {
-    std::vector<Word> kept;
-    bool capitalDue = false;
+    WordSieve sieve;
     for (size_t i = 0; i < words.size(); ++i) {
         if (isFiller(WordParts(words[i].text).key())) {
-            capitalDue = capitalDue || hasCapital(words[i]);
-            leaveToLast(kept, words[i]);
-        } else if (fillerAt(words, i, kept)) {
-            leaveToLast(kept, words[++i]);
+            sieve.drop(words[i]);
+        } else if (fillerAt(words, i, sieve.kept())) {
+            sieve.drop(words[i]);
+            sieve.drop(words[++i]);
         } else {
-            kept.push_back(following(words[i], std::exchange(capitalDue, false)));
+            sieve.keep(words[i]);
         }
     }
-    return kept;
+    return sieve.take();
 }
 
 std::vector<Word> withoutStammers(const std::vector<Word> &words)
 {
-    std::vector<Word> kept;
-    bool capitalDue = false;
+    WordSieve sieve;
     for (size_t i = 0; i < words.size(); ++i) {
         const size_t again = saidAgain(words, i, 2) ? 2 : saidAgain(words, i, 1) ? 1 : 0;
         if (again == 0) {
-            kept.push_back(following(words[i], std::exchange(capitalDue, false)));
+            sieve.keep(words[i]);
             continue;
         }
-        capitalDue = capitalDue || hasCapital(words[i]);
-        leaveToLast(kept, words[i + again - 1]);
-        i += again - 1;
+        for (const size_t behind = i + again; i + 1 < behind; ++i)
+            sieve.drop(words[i]);
+        sieve.drop(words[i]);
     }
-    return kept;
+    return sieve.take();
 }
 
 QStringList withCapitals(QStringList words)
@@ -257,7 +223,7 @@ QStringList withCapitals(QStringList words)
     const QStringList keys = keysOf(words);
     for (qsizetype i = 0; i < words.size(); ++i) {
         if (isName(keys, i))
-            words[i] = capitalised(words[i]);
+            words[i] = capitalisedWord(words[i]);
     }
     return words;
 }

@@ -1,6 +1,7 @@
 #include "text/ModelCheck.h"
 
 #include "text/CleanText.h"
+#include "text/Scripts.h"
 #include "text/Words.h"
 
 #include <QRegularExpression>
@@ -40,10 +41,10 @@ QStringList comparableWords(const QString &text)
         {u"five"_s, u"5"_s}, {u"six"_s, u"6"_s},  {u"seven"_s, u"7"_s},   {u"eight"_s, u"8"_s},
         {u"nine"_s, u"9"_s}, {u"ten"_s, u"10"_s}, {u"eleven"_s, u"11"_s}, {u"twelve"_s, u"12"_s}};
     static const QRegularExpression thousands(u"(?<=\\d)[,.'\u00a0\u202f](?=\\d{3}(?!\\d))"_s);
-    const QStringList said = text.toCaseFolded()
-                                 .replace(u'\u2019', u'\'')
-                                 .remove(thousands)
-                                 .split(notWord, Qt::SkipEmptyParts);
+    QStringList said;
+    for (const QString &word :
+         text.toCaseFolded().replace(u'\u2019', u'\'').remove(thousands).split(notWord, Qt::SkipEmptyParts))
+        said += piecesOf(word);
     QStringList words;
     int ten = 0;
     for (const QString &word : said) {
@@ -61,7 +62,8 @@ namespace {
 
 bool tells(const QString &word)
 {
-    return word.size() >= shortestTelling || std::ranges::any_of(word, [](QChar c) { return c.isDigit(); });
+    return word.size() >= shortestTelling || isTellingPiece(word) ||
+           std::ranges::any_of(word, [](QChar c) { return c.isDigit(); });
 }
 
 bool alike(const QString &a, const QString &b)
@@ -89,7 +91,9 @@ const QSet<QString> &denialsIn(const QString &language)
             {u"nl"_s, u"niet geen nooit niemand niets nergens zonder nee noch"_s},
             {u"pl"_s, u"nie nigdy nikt nikogo nikomu nic niczego żaden żadna żadne żadnego żadnej bez ani"_s},
             {u"ru"_s, u"не нет ни никогда никто никого никому ничего ничто нельзя без"_s},
-            {u"uk"_s, u"не ні ані немає нема ніколи ніхто нікого нікому нічого ніщо без"_s}};
+            {u"uk"_s, u"не ні ані немає нема ніколи ніхто нікого нікому нічого ніщо без"_s},
+            {u"zh"_s, u"不 没 沒 无 無 别 別 未 非"_s},
+            {u"ja"_s, u"ません なかっ なけれ ない なく 無 不 未 非"_s}};
         QHash<QString, QSet<QString>> sets;
         for (auto list = lists.begin(); list != lists.end(); ++list) {
             const QStringList words = list->split(u' ');

@@ -2,6 +2,7 @@
 
 #include "text/Clock.h"
 #include "text/ModelCheck.h"
+#include "text/Scripts.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -144,7 +145,7 @@ QString withSpeakers(const Part &part)
         const bool begins = sentence.speaker != speaker;
         speaker = sentence.speaker;
         if (!text.isEmpty())
-            text += begins || sentence.startsParagraph ? u"\n\n"_s : u" "_s;
+            text += begins || sentence.startsParagraph ? u"\n\n"_s : jointBetween(text, sentence.text);
         if (!speaker.isEmpty() && (begins || sentence.startsParagraph))
             text += speaker + u": "_s;
         text += sentence.text;
@@ -285,9 +286,10 @@ QString polishedText(const std::vector<Sentence> &sentences, const QString &lang
         const std::optional<QString> answer =
             said.size() <= summaryPart ? ask({system, said, false}) : std::nullopt;
         const QString written = answer ? plainAnswer(*answer) : QString();
+        const QString &kept = keepsWhatWasSaid(said, written, language) ? written : said;
         if (!text.isEmpty())
-            text += parts[i].front().startsParagraph ? u"\n\n"_s : u" "_s;
-        text += keepsWhatWasSaid(said, written, language) ? written : said;
+            text += parts[i].front().startsParagraph ? u"\n\n"_s : jointBetween(text, kept);
+        text += kept;
     }
     return text.isEmpty() ? text : text + u'\n';
 }

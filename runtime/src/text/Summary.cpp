@@ -1,5 +1,6 @@
 #include "text/Summary.h"
 
+#include "text/Scripts.h"
 #include "text/Tasks.h"
 
 #include <QMap>
@@ -40,17 +41,29 @@ const QSet<QString> &everydayWords()
     return words;
 }
 
+// Of Chinese and Japanese, Chinese letters in pairs, since most words are pairs of them.
 QStringList wordsOf(const Sentence &sentence)
 {
     static const QRegularExpression notWord(u"[^\\w']+"_s, QRegularExpression::UseUnicodePropertiesOption);
-    return sentence.text.toLower().split(notWord, Qt::SkipEmptyParts);
+    QStringList words;
+    for (const QString &unbroken : sentence.text.toLower().split(notWord, Qt::SkipEmptyParts)) {
+        const QStringList pieces = piecesOf(unbroken);
+        for (qsizetype i = 0; i < pieces.size(); ++i) {
+            const bool one = isTellingPiece(pieces[i]) && pieces[i].size() == 1;
+            if (!one)
+                words.append(pieces[i]);
+            else if (i + 1 < pieces.size() && isTellingPiece(pieces[i + 1]))
+                words.append(pieces[i] + pieces[i + 1]);
+        }
+    }
+    return words;
 }
 
 QSet<QString> tellingWords(const Sentence &sentence)
 {
     QSet<QString> telling;
     for (const QString &word : wordsOf(sentence)) {
-        if (word.size() > 2 && !everydayWords().contains(word))
+        if ((word.size() > 2 || isTellingPiece(word)) && !everydayWords().contains(word))
             telling.insert(word);
     }
     return telling;

@@ -52,6 +52,13 @@ INSTANTIATE_TEST_SUITE_P(
     Texts, ModelCheck,
     testing::Values(
         CheckCase{"we need to send the report by friday", "We need to send the report by Friday.", true},
+        CheckCase{"那个我们星期五 要发送报告", "我们星期五要发送报告。", true, "zh"},
+        CheckCase{"我们星期五要发送报告", "我们星期五要发送合同。", false, "zh"},
+        CheckCase{"我们星期五要发送报告", "我们星期五不要发送报告。", false, "zh"},
+        CheckCase{"我们星期五要发送报告", "我们星期五。", false, "zh"},
+        CheckCase{"えっと メールを送りません 明日", "メールを送りません、明日。", true, "ja"},
+        CheckCase{"メールを送りません 明日", "メールを送ります、明日。", false, "ja"},
+        CheckCase{"メールを送ります 明日", "ファックスを送ります、明日。", false, "ja"},
         CheckCase{"we needs sending the reports by friday", "We need to send the report by Friday.", true},
         CheckCase{"we met at nine and left", "We met at 9 and left.", true},
         CheckCase{"we met at nine and left", "We met at 8 and left.", false},

@@ -70,6 +70,25 @@ TEST(CleanText, otherLanguagesKeepEveryWord)
     EXPECT_EQ(clean, segment.text());
 }
 
+TEST(CleanText, soundsOfHesitationGoInOtherLanguagesToo)
+{
+    const std::vector<std::pair<QString, QStringList>> cases{
+        {u"de"_s, {u"Ähm, ich weiß äh nicht. Ja."_s, u"Ich weiß nicht."_s, u"Ja."_s}},
+        {u"de"_s, {u"Es geht um, ähm. Zehn Uhr."_s, u"Es geht um."_s, u"Zehn Uhr."_s}},
+        {u"fr"_s, {u"Oui, euh, je viens."_s, u"Oui, je viens."_s}},
+        {u"ru"_s, {u"Э, он эм ушёл."_s, u"Он ушёл."_s}},
+        {u"ja"_s, {u"はい。 でも、"_s, u"はい。"_s, u"でも。"_s}},
+        {u"de"_s, {u"Ähm."_s, u"Ähm."_s}}};
+    for (const auto &[language, rows] : cases)
+        EXPECT_EQ(texts(cleanSentences({spoken(0, 0, rows[0])}, language)), rows.mid(1));
+}
+
+TEST(CleanText, chineseSentencesStandWithoutABlankBetweenThem)
+{
+    const std::vector<Sentence> sentences = cleanSentences({spoken(0, 0, u"你好。 我们 走。 Yes. 好。"_s)}, u"zh"_s);
+    EXPECT_EQ(paragraphs(sentences), u"你好。我们走。 Yes. 好。\n"_s);
+}
+
 TEST(CleanText, speakersStartParagraphs)
 {
     Segment first = spoken(0, 0, u"we will see the"_s);
@@ -97,12 +116,14 @@ struct MarksCase
 };
 
 const MarksCase marksCases[] = {
-    {"hi", "यह अच्छा | है। हाँ", {u"यह अच्छा है।"_s, u"हाँ."_s}},
-    {"hi", "राम आया॥ हाँ", {u"राम आया॥"_s, u"हाँ."_s}},
+    {"hi", "यह अच्छा | है। हाँ", {u"यह अच्छा है।"_s, u"हाँ।"_s}},
+    {"hi", "राम आया॥ हाँ", {u"राम आया॥"_s, u"हाँ।"_s}},
     {"ar", "أين | هو؟ هنا،", {u"أين هو؟"_s, u"هنا."_s}},
     {"ur", "وہ یہاں | ہے۔", {u"وہ یہاں ہے۔"_s}},
-    {"zh", "你好。 我们 | 走，", {u"你好。"_s, u"我们 走."_s}},
-    {"ja", "はい。 でも、", {u"はい。"_s, u"でも."_s}},
+    {"zh", "你好。 我们 | 走，", {u"你好。"_s, u"我们走。"_s}},
+    {"zh", "你好。 我 有 iPhone 手机 了", {u"你好。"_s, u"我有 iPhone 手机了。"_s}},
+    {"ja", "はい。 でも、", {u"はい。"_s, u"でも。"_s}},
+    {"th", "สวัสดี ครับ", {u"สวัสดี ครับ"_s}},
     {"el", "Ναι. Πού είναι;", {u"Ναι."_s, u"Πού είναι;"_s}},
     {"de", "Gut. Um 9 a.m.,", {u"Gut."_s, u"Um 9 a.m."_s}},
     {"de", "Er kam vom 3. bis 5. Mai. Dann ging er.", {u"Er kam vom 3. bis 5. Mai."_s, u"Dann ging er."_s}},
@@ -356,6 +377,17 @@ TEST(Summary, everydayWordsOfOtherLanguagesTellNothing)
     for (const QString &text : said)
         sentences.push_back({text, qint64(sentences.size()) * 5000, 0});
     EXPECT_EQ(extractSummary(sentences, u"de"_s).sentences, (QStringList{said[8], said[9]}));
+}
+
+TEST(Summary, chineseSentencesAreTiedByWhatTheyTellOf)
+{
+    const QStringList said{u"今天天气很好我很高兴。"_s,  u"图书馆借书给全城的人。"_s, u"他昨天坐火车来的。"_s,
+                           u"图书馆里的书很旧。"_s,      u"我的狗已经饿了一天。"_s,   u"全城的人都喜欢图书馆。"_s,
+                           u"明年春天再去海边旅行。"_s};
+    std::vector<Sentence> sentences;
+    for (const QString &text : said)
+        sentences.push_back({text, qint64(sentences.size()) * 5000, 0});
+    EXPECT_EQ(extractSummary(sentences, u"zh"_s).sentences, (QStringList{said[1], said[5]}));
 }
 
 TEST(Summary, sentencesOfDutyAreTasks)
