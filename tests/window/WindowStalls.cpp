@@ -54,6 +54,8 @@ public:
     void restart()
     {
         m_longestClock = m_longestProcessor = 0;
+        m_turns = m_overClock = m_overProcessor = 0;
+        m_sinceRestart.start();
         begin();
     }
     void restartTurn() { begin(); }
@@ -67,7 +69,11 @@ public:
         m_longestProcessor = qMax(m_longestProcessor, processor);
         ++m_turns;
         m_overClock += clock > stallNanoseconds;
-        m_overProcessor += processor > stallNanoseconds;
+        if (processor > stallNanoseconds) {
+            ++m_overProcessor;
+            printf("  turn %lld, %.3f s from the beginning: %.2f ms at work\n", m_turns, double(m_sinceRestart.elapsed()) / 1000,
+                   double(processor) / 1e6);
+        }
         begin();
     }
     double longestAtWork() const { return double(m_longestProcessor) / 1e6; }
@@ -94,6 +100,7 @@ private:
     }
 
     QTimer m_timer;
+    QElapsedTimer m_sinceRestart;
     QElapsedTimer m_clock;
     qint64 m_processor = 0;
     qint64 m_longestClock = 0;
@@ -167,6 +174,8 @@ public:
         m_app.applicationDidFinishLaunching(AppDelegate::Face::Window);
         findWindow();
         turnUntil([this] { return m_app.jobs().loaded && !m_app.jobs().polling; });
+        m_probe.print("the start, which start-up measures");
+        m_probe.restart();
         QElapsedTimer since;
         since.start();
         QScrollBar *bar = m_window->list()->verticalScrollBar();
