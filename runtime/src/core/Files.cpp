@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +55,12 @@ bool tryWriteAll(int fd, QByteArrayView bytes)
 
 void writeFile(const QString &path, const QByteArray &bytes)
 {
+    writeFile(path, [&](const TakePiece &take) { take(bytes); });
+}
+
+void writeFile(const QString &path, const GivePieces &give)
+{
+    constexpr qsizetype enough = 1 << 16;
     const QString doing = u"“"_s + QFileInfo(path).fileName() + u"” could not be written"_s;
     const QByteArray name = QFile::encodeName(path);
     const QByteArray beside = name + ".part";
@@ -61,7 +68,13 @@ void writeFile(const QString &path, const QByteArray &bytes)
         FileDescriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
         if (!file.valid())
             throw systemFailure(doing, errno);
-        writeAll(file.get(), bytes, doing);
+        QByteArray waiting;
+        give([&](QByteArrayView piece) {
+            waiting.append(piece);
+            if (waiting.size() >= enough)
+                writeAll(file.get(), std::exchange(waiting, {}), doing);
+        });
+        writeAll(file.get(), waiting, doing);
         if (::fsync(file.get()) != 0)
             throw systemFailure(doing, errno);
         if (::rename(beside.constData(), name.constData()) != 0)
@@ -70,6 +83,13 @@ void writeFile(const QString &path, const QByteArray &bytes)
         ::unlink(beside.constData());
         throw;
     }
+}
+
+QByteArray wholeOf(const GivePieces &give)
+{
+    QByteArray whole;
+    give([&](QByteArrayView piece) { whole.append(piece); });
+    return whole;
 }
 
 std::optional<QByteArray> readFile(const QString &path, const QString &doing)

@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace engine {
@@ -21,6 +22,17 @@ bool tryWriteAll(int fd, QByteArrayView bytes);
 // Writes beside and renames: a reader sees the old text or the new one, also after a power cut.
 // Throws Failure.
 void writeFile(const QString &path, const QByteArray &bytes);
+
+// Takes a text piece by piece.
+using TakePiece = std::function<void(QByteArrayView piece)>;
+
+// Gives a text, in pieces to be taken at once: a long one is nowhere whole.
+using GivePieces = std::function<void(const TakePiece &take)>;
+
+// Likewise, of pieces.
+void writeFile(const QString &path, const GivePieces &give);
+
+QByteArray wholeOf(const GivePieces &give);
 
 // All that the file holds; nothing where there is no such file. Throws Failure, with a sentence that starts with
 // `doing`, for one that cannot be read to its end.

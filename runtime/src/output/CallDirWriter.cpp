@@ -52,20 +52,22 @@ void requirePlace(const QString &path)
 }
 
 // Files by their path in the call dir, each made when it is asked for.
-using FileMakers = std::vector<std::pair<QString, std::function<QByteArray()>>>;
+using FileMakers = std::vector<std::pair<QString, GivePieces>>;
 
 FileMakers makersOf(const Job &job, const Transcript &transcript)
 {
     const QString technical = CallDirNames::technical + u'/';
     const std::vector<Line> &lines = transcript.lines;
-    FileMakers files{{technical + u"viewer.html"_s, [&] { return viewerPage(job, transcript); }},
-                     {CallDirNames::transcript, [&] { return transcriptFile(lines); }},
-                     {technical + u"transcript.txt"_s, [&] { return transcript.clean.toUtf8(); }},
-                     {technical + u"segments.json"_s, [&] { return segmentsFile(job, transcript); }},
-                     {technical + u"subtitles.srt"_s, [&] { return subRipFile(lines); }},
-                     {technical + u"subtitles.vtt"_s, [&] { return webVttFile(lines); }}};
+    const auto whole = [](auto make) { return [make](const TakePiece &take) { take(make()); }; };
+    FileMakers files{
+        {technical + u"viewer.html"_s, [&](const TakePiece &take) { giveViewerPage(job, transcript, take); }},
+        {CallDirNames::transcript, whole([&] { return transcriptFile(lines); })},
+        {technical + u"transcript.txt"_s, whole([&] { return transcript.clean.toUtf8(); })},
+        {technical + u"segments.json"_s, [&](const TakePiece &take) { giveSegmentsFile(job, transcript, take); }},
+        {technical + u"subtitles.srt"_s, whole([&] { return subRipFile(lines); })},
+        {technical + u"subtitles.vtt"_s, whole([&] { return webVttFile(lines); })}};
     if (transcript.summary)
-        files.emplace_back(CallDirNames::summary, [&] { return summaryFile(job, transcript); });
+        files.emplace_back(CallDirNames::summary, whole([&] { return summaryFile(job, transcript); }));
     return files;
 }
 
@@ -83,9 +85,9 @@ void stage(const QString &callDir, int revision, const FileMakers &files)
     try {
         makeFolder(technicalFolder(callDir), doing);
         makeFolder(technicalFolder(staged), doing);
-        for (const auto &[name, bytes] : files) {
+        for (const auto &[name, give] : files) {
             requirePlace(callDir + u'/' + name);
-            writeFile(staged + u'/' + name, bytes());
+            writeFile(staged + u'/' + name, give);
         }
         syncFolder(technicalFolder(staged));
         syncFolder(staged);
@@ -101,8 +103,8 @@ void stage(const QString &callDir, int revision, const FileMakers &files)
 CallDirFiles callDirFiles(const Job &job, const Transcript &transcript)
 {
     CallDirFiles files;
-    for (const auto &[name, bytes] : makersOf(job, transcript))
-        files.emplace_back(name, bytes());
+    for (const auto &[name, give] : makersOf(job, transcript))
+        files.emplace_back(name, wholeOf(give));
     return files;
 }
 
@@ -110,7 +112,7 @@ void stageFiles(const QString &callDir, int revision, const CallDirFiles &files)
 {
     FileMakers makers;
     for (const auto &[name, bytes] : files)
-        makers.emplace_back(name, [&made = bytes] { return made; });
+        makers.emplace_back(name, [&made = bytes](const TakePiece &take) { take(made); });
     stage(callDir, revision, makers);
 }
 

@@ -117,32 +117,38 @@ QByteArray webVttFile(const std::vector<Line> &lines)
     return text.toUtf8();
 }
 
-QByteArray jsonWithList(QJsonObject object, const QString &name, size_t count,
-                        const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format)
+void giveJsonWithList(QJsonObject object, const QString &name, size_t count,
+                      const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format,
+                      const TakePiece &take)
 {
     const auto written = [&](const QJsonArray &list) {
         object[name] = list;
         return QJsonDocument(object).toJson(format);
     };
     if (count == 0)
-        return written({});
+        return take(written({}));
     const QByteArray frame = written({QJsonValue()});
     // Quotation marks are escaped wherever else they stand.
     const qsizetype place = frame.indexOf("null", frame.indexOf('"' + name.toUtf8() + "\":"));
-    QByteArray text = frame.left(place);
+    take(frame.left(place));
     for (size_t i = 0; i < count; ++i) {
         if (i > 0)
-            text += format == QJsonDocument::Compact ? "," : ",\n        ";
+            take(format == QJsonDocument::Compact ? "," : ",\n        ");
         // Within a list of its own, which gives it the depth of indentation that it has here.
         const QByteArray alone =
             QJsonDocument(QJsonObject{{name, QJsonArray{item(i)}}}).toJson(format).trimmed();
         const qsizetype begin = alone.indexOf('[') + 1;
-        text += alone.mid(begin, alone.lastIndexOf(']') - begin).trimmed();
+        take(alone.mid(begin, alone.lastIndexOf(']') - begin).trimmed());
     }
-    return text + frame.mid(place + qsizetype(std::strlen("null")));
+    take(frame.mid(place + qsizetype(std::strlen("null"))));
 }
 
 QByteArray segmentsFile(const Job &job, const Transcript &transcript)
+{
+    return wholeOf([&](const TakePiece &take) { giveSegmentsFile(job, transcript, take); });
+}
+
+void giveSegmentsFile(const Job &job, const Transcript &transcript, const TakePiece &take)
 {
     const auto item = [&](size_t index) {
         const Line &line = transcript.lines[index];
@@ -164,7 +170,7 @@ QByteArray segmentsFile(const Job &job, const Transcript &transcript)
                            {u"language"_s, job.language},
                            {u"recogniser"_s, job.recogniser},
                            {u"duration_seconds"_s, job.durationSeconds.value_or(0)}};
-    return jsonWithList(file, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Indented);
+    giveJsonWithList(file, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Indented, take);
 }
 
 QByteArray summaryFile(const Job &job, const Transcript &transcript)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Files.h"
 #include "store/Job.h"
 #include "text/Transcript.h"
 
@@ -21,11 +22,13 @@ QByteArray webVttFile(const std::vector<Line> &lines); // .vtt
 
 // Everything that is known of the lines, for programs.
 QByteArray segmentsFile(const Job &job, const Transcript &transcript);
+void giveSegmentsFile(const Job &job, const Transcript &transcript, const TakePiece &take);
 
-// The object as JSON with a list of so many items under `name`. Items are made and written one after another: as values
-// of Qt's, all of a long transcript would take many times the room of their text.
-QByteArray jsonWithList(QJsonObject object, const QString &name, size_t count,
-                        const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format);
+// The object as JSON with a list of so many items under `name`. Items are made and given one after another: as values of
+// Qt's, all of a long transcript would take many times the room of their text, which is long enough.
+void giveJsonWithList(QJsonObject object, const QString &name, size_t count,
+                      const std::function<QJsonObject(size_t)> &item, QJsonDocument::JsonFormat format,
+                      const TakePiece &take);
 
 // Front matter, summary, tasks and full text as Markdown; of a transcript that has a summary.
 QByteArray summaryFile(const Job &job, const Transcript &transcript);

@@ -51,6 +51,11 @@ QJsonObject pageLine(const Line &line)
 
 QByteArray viewerPage(const Job &job, const Transcript &transcript)
 {
+    return wholeOf([&](const TakePiece &take) { giveViewerPage(job, transcript, take); });
+}
+
+void giveViewerPage(const Job &job, const Transcript &transcript, const TakePiece &take)
+{
     const QJsonObject data{
         {u"title"_s, job.title},
         {u"language"_s, job.language},
@@ -67,9 +72,10 @@ QByteArray viewerPage(const Job &job, const Transcript &transcript)
     const QByteArray placeholder = "@TUPPI_TRANSCRIPT@";
     const qsizetype place = empty.indexOf(placeholder);
     const auto item = [&](size_t index) { return pageLine(transcript.lines[index]); };
-    return empty.left(place) +
-           embedded(jsonWithList(data, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Compact)) +
-           empty.mid(place + placeholder.size());
+    take(empty.left(place));
+    giveJsonWithList(data, u"segments"_s, transcript.lines.size(), item, QJsonDocument::Compact,
+                     [&](QByteArrayView piece) { take(embedded(piece.toByteArray())); });
+    take(empty.mid(place + placeholder.size()));
 }
 
 } // namespace engine

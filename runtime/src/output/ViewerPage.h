@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Files.h"
 #include "store/Job.h"
 #include "text/Transcript.h"
 
@@ -10,6 +11,7 @@ namespace engine {
 
 // The transcript page (runtime/page), filled.
 QByteArray viewerPage(const Job &job, const Transcript &transcript);
+void giveViewerPage(const Job &job, const Transcript &transcript, const TakePiece &take);
 
 // A line as the page takes it, in its data and in answers.
 QJsonObject pageLine(const Line &line);

@@ -1,5 +1,7 @@
 #include "speakers/SpeakerLines.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <utility>
 
@@ -47,15 +49,14 @@ class Names
 public:
     QString of(int speaker)
     {
-        const auto known = std::ranges::find(m_speakers, speaker);
-        const auto place = known - m_speakers.begin();
-        if (known == m_speakers.end())
-            m_speakers.push_back(speaker);
-        return u"Speaker %1"_s.arg(place + 1);
+        QString &name = m_names[speaker];
+        if (name.isEmpty())
+            name = u"Speaker %1"_s.arg(m_names.size());
+        return name;
     }
 
 private:
-    std::vector<int> m_speakers;
+    QHash<int, QString> m_names;
 };
 
 } // namespace
@@ -77,11 +78,13 @@ std::vector<Segment> cutBySpeaker(std::vector<Segment> segments, const std::vect
             Segment &part = parts.back();
             if (!part.words->empty() && part.speaker != name) {
                 part.endMs = part.words->back().endMs;
+                part.words->shrink_to_fit(); // of hours of speech the room to spare would count
                 parts.push_back({part.number + 1, word.startMs, segment.endMs, std::vector<Word>{}, name});
             }
             parts.back().speaker = name;
             parts.back().words->push_back(std::move(word));
         }
+        parts.back().words->shrink_to_fit();
     }
     return parts;
 }

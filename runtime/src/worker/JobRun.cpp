@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <malloc.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -260,7 +261,9 @@ std::vector<Segment> JobRun::toldApart(std::vector<Segment> segments)
     const std::vector<Turn> turns = speakerTurns(
         audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
         [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); });
-    return cutBySpeaker(std::move(segments), turns);
+    segments = cutBySpeaker(std::move(segments), turns);
+    ::malloc_trim(0); // telling them apart took much that nothing needs any more
+    return segments;
 }
 
 // Of a long recording every copy of its words counts: one shape of them is given up as the next one is made.
