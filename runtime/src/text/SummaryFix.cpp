@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -94,6 +95,17 @@ QString inOne(const std::vector<Utterance> &all)
     return text;
 }
 
+// The texts after `change` has had each utterance in them.
+template <typename Change> QStringList changed(QStringList texts, const QStringList &speakers, Change change)
+{
+    for (QString &text : texts) {
+        std::vector<Utterance> all = utterancesIn(text, speakers);
+        std::ranges::for_each(all, change);
+        text = inOne(all);
+    }
+    return texts;
+}
+
 QRegularExpression asWord(const QString &name)
 {
     const QString noLetter = u"[\\p{L}\\p{M}\\p{N}_])"_s;
@@ -115,51 +127,36 @@ bool meansOnlyTheSpeaker(const QString &name, const std::vector<Line> &lines)
 QStringList lineCorrected(QStringList texts, const std::vector<Line> &lines, size_t line, const QString &corrected)
 {
     const Neighbourhood near(lines, line);
-    const QStringList speakers = speakersOf(lines);
-    for (QString &text : texts) {
-        std::vector<Utterance> all = utterancesIn(text, speakers);
-        for (Utterance &one : all) {
-            if (near.touches(one.text))
-                one.text = withCorrectedLine(one.text, near.lines, near.line, corrected);
-        }
-        text = inOne(all);
-    }
-    return texts;
+    return changed(std::move(texts), speakersOf(lines), [&](Utterance &one) {
+        if (near.touches(one.text))
+            one.text = withCorrectedLine(one.text, near.lines, near.line, corrected);
+    });
 }
 
 QStringList lineGiven(QStringList tasks, const std::vector<Line> &lines, size_t line, const QString &speaker)
 {
     const Neighbourhood near(lines, line);
-    const QStringList speakers = speakersOf(lines);
-    for (QString &task : tasks) {
-        std::vector<Utterance> all = utterancesIn(task, speakers);
-        for (Utterance &one : all) {
-            if (one.speaker == lines[line].speaker && near.holds(one.text))
-                one.speaker = speaker;
-        }
-        task = inOne(all);
-    }
-    return tasks;
+    return changed(std::move(tasks), speakersOf(lines), [&](Utterance &one) {
+        if (one.speaker == lines[line].speaker && near.holds(one.text))
+            one.speaker = speaker;
+    });
 }
 
 QStringList speakerRenamed(QStringList texts, const std::vector<Line> &lines, const QString &oldName,
                            const QString &newName)
 {
-    if (meansOnlyTheSpeaker(oldName, lines)) {
-        const QRegularExpression word = asWord(oldName);
-        for (QString &text : texts) {
-            // Backslashes in a name would stand for what was found.
-            for (QRegularExpressionMatch match = word.match(text); match.hasMatch();
-                 match = word.match(text, match.capturedStart() + newName.size()))
-                text.replace(match.capturedStart(), match.capturedLength(), newName);
-        }
-        return texts;
+    if (!meansOnlyTheSpeaker(oldName, lines)) {
+        return changed(std::move(texts), {oldName}, [&](Utterance &one) {
+            if (one.speaker == oldName)
+                one.speaker = newName;
+        });
     }
+    const QRegularExpression word = asWord(oldName);
     for (QString &text : texts) {
-        std::vector<Utterance> all = utterancesIn(text, {oldName});
-        for (Utterance &one : all)
-            one.speaker = one.speaker == oldName ? newName : one.speaker;
-        text = inOne(all);
+        // Backslashes in a name would stand for what was found.
+        for (QRegularExpressionMatch match = word.match(text); match.hasMatch();
+             match = word.match(text, match.capturedStart() + newName.size()))
+            text.replace(match.capturedStart(), match.capturedLength(), newName);
     }
     return texts;
 }

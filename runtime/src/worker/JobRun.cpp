@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <array>
-#include <malloc.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +28,7 @@ namespace {
 constexpr int waitMs = 100;
 constexpr size_t blockSamples = 16384;
 constexpr qint64 showEveryMs = 1000; // each time is a write to the disk
+constexpr qint64 stepsOfPart = 1000; // so that minutes that a text model takes for one are seen to pass
 
 std::vector<Segment> numbered(const std::vector<Span> &spans)
 {
@@ -180,7 +180,7 @@ void JobRun::recogniseMissing()
         *m_recogniser, m_recogniser->usesOneCore() ? decodersAllowed() : 1,
         [this](const SoundTask &task) { noteBeginning(task); }, [this] { m_lock.abandonInChild(); });
     SegmentSound sound(audioPath(), [this] { m_control.check(); });
-    for (std::vector<Segment> &group : groupsOf(segments, m_recogniser->longestSoundMs())) {
+    for (std::vector<Segment> &group : groupsOf(std::exchange(segments, {}), m_recogniser->longestSoundMs())) {
         std::erase_if(group, &Segment::kept);
         if (group.empty())
             continue;
@@ -261,9 +261,7 @@ std::vector<Segment> JobRun::toldApart(std::vector<Segment> segments)
     const std::vector<Turn> turns = speakerTurns(
         audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
         [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); });
-    segments = cutBySpeaker(std::move(segments), turns);
-    ::malloc_trim(0); // telling them apart took much that nothing needs any more
-    return segments;
+    return cutBySpeaker(std::move(segments), turns);
 }
 
 // Of a long recording every copy of its words counts: one shape of them is given up as the next one is made.
@@ -288,17 +286,27 @@ void JobRun::finish()
 
 void JobRun::showParts(int done, int total)
 {
-    if (m_control.job().status != m_stage)
+    m_partsDone = done;
+    m_parts = total;
+    m_sinceShown.invalidate();
+    showInPart(0);
+}
+
+void JobRun::showInPart(double share)
+{
+    if (m_control.job().status != m_stage || (m_sinceShown.isValid() && !m_sinceShown.hasExpired(showEveryMs)))
         return;
-    if (const std::optional<QString> text = m_progress.advance(done, total))
+    const qint64 done = qint64(m_partsDone) * stepsOfPart + qint64(share * stepsOfPart);
+    if (const std::optional<QString> text = m_progress.advance(done, qint64(m_parts) * stepsOfPart))
         m_control.progress([&](Job &job) { job.progress = *text; });
+    m_sinceShown.restart();
 }
 
 // By the text model, where there is one that answers; else by rules.
 void JobRun::write(Transcript &transcript, const std::vector<Sentence> &sentences)
 {
     const QString language = m_control.job().language;
-    TextModel model(m_database, m_control);
+    TextModel model(m_database, m_control, [this](double share) { showInPart(share); });
     const auto ask = [&](const ModelQuestion &question) { return model.ask(question); };
     const auto show = [&](int done, int total) { showParts(done, total); };
     if (m_control.job().clean) {

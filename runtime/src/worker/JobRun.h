@@ -45,6 +45,7 @@ private:
     void finish();
     void write(Transcript &transcript, const std::vector<Sentence> &sentences);
     void showParts(int done, int total);
+    void showInPart(double share);
     void keep(Transcript &transcript);
     void enter(QStringView stage);
     QString audioPath() const;
@@ -58,6 +59,8 @@ private:
     qint64 m_keptMs = 0; // of the speech
     WorkMeter m_work;
     JobProgress m_progress;
+    int m_partsDone = 0; // of what the text model is asked in parts
+    int m_parts = 1;
     QStringView m_stage = Status::transcribing; // of the step at work, which a job that goes on may be ahead of
     QElapsedTimer m_sinceShown;
 };

@@ -5,8 +5,11 @@
 #include "store/Answers.h"
 #include "store/Settings.h"
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -19,10 +22,11 @@ constexpr int mostFailures = 2;
 
 } // namespace
 
-TextModel::TextModel(Database &database, JobControl &control)
+TextModel::TextModel(Database &database, JobControl &control, std::function<void(double)> awaited)
     : m_database(database)
     , m_control(control)
     , m_name(textModel(database))
+    , m_awaited(std::move(awaited))
 {
 }
 
@@ -49,10 +53,18 @@ std::optional<QString> TextModel::answerTo(const ModelQuestion &question)
                             {u"json"_s, question.json}};
     ChildProgram child(executableFolder() + u"/tuppi-engine-models"_s, {u"--ask"_s},
                        QJsonDocument(asked).toJson(QJsonDocument::Compact));
-    while (!child.ended(answerLookMs))
+    QElapsedTimer since;
+    since.start();
+    const auto seconds = [&] { return double(since.elapsed()) / 1000; };
+    while (!child.ended(answerLookMs)) {
         m_control.check();
+        m_awaited(seconds() / (seconds() + m_usualSeconds));
+    }
     const ProgramResult result = child.finish(0);
-    return result.exitStatus == 0 ? std::optional(QString::fromUtf8(result.output)) : std::nullopt;
+    if (result.exitStatus != 0)
+        return std::nullopt;
+    m_usualSeconds = (m_usualSeconds + seconds()) / 2;
+    return QString::fromUtf8(result.output);
 }
 
 } // namespace engine

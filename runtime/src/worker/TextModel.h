@@ -4,6 +4,8 @@
 #include "text/ModelWriting.h"
 #include "worker/JobControl.h"
 
+#include <functional>
+
 namespace engine {
 
 // The text model that the user chose, asked about one job: by a program of its own, so that it can be left at
@@ -11,7 +13,9 @@ namespace engine {
 class TextModel
 {
 public:
-    TextModel(Database &database, JobControl &control);
+    // `awaited` is told now and then how much of an answer may be there, from 0 to less than 1: nobody knows, but it can be
+    // judged by how long the last ones took.
+    TextModel(Database &database, JobControl &control, std::function<void(double share)> awaited);
 
     bool chosen() const { return !m_name.isEmpty(); }
     const QString &name() const { return m_name; }
@@ -27,6 +31,8 @@ private:
     JobControl &m_control;
     QString m_name;
     int m_failures = 0; // in a row
+    std::function<void(double)> m_awaited;
+    double m_usualSeconds = 30; // of an answer
 };
 
 } // namespace engine

@@ -117,7 +117,14 @@ class Writing(RoadTest):
     def test_paused_and_cancelled_while_it_writes(self):
         self.runtime.environment["TUPPI_STALL_SECONDS"] = "600"
         job = self.hanging()
-        self.assertRegex(self.runtime.status()["latest_job"]["progress"], r"\A\d+/\d+\Z")
+
+        def shown():
+            progress = self.runtime.status()["latest_job"]["progress"]
+            self.assertRegex(progress, r"\A\d+/\d+\Z")
+            return int(progress.split("/")[0])
+
+        before = shown()
+        until(lambda: shown() > before, "progress while one answer is awaited")
         for command in ("pause", "cancel"):
             self.runtime.ask(command, job)
             until(lambda: not self.runtime.processes(), "the end of the worker and of what it has asked")

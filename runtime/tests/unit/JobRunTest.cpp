@@ -363,12 +363,12 @@ TEST_F(JobRunTest, aJobThatGoesOnDoesNotGoBack)
     m_database.run(u"UPDATE jobs SET speakers = 1"_s);
     const QStringList first = shownWhile(m_database, [this] { run(m_job); });
     EXPECT_EQ(first.first(), u"transcribing"_s);
-    EXPECT_EQ(first.filter(u"0/1"_s), QStringList({u"cleaning 0/1"_s, u"analyzing 0/1"_s}));
+    EXPECT_EQ(first.filter(u"0/1000"_s), QStringList({u"cleaning 0/1000"_s, u"analyzing 0/1000"_s}));
     EXPECT_EQ(first.last(), u"ready"_s);
     const auto again = [this](QStringView status) {
         changeJob(m_database, m_job.id, [status](Job &job) {
             job.status = status.toString();
-            job.progress = u"1/1"_s;
+            job.progress = u"1000/1000"_s;
         });
         return shownWhile(m_database, [this] { run(m_job); });
     };
