@@ -190,7 +190,7 @@ public:
                 QCoreApplication::processEvents();
             }
         }
-        m_probe.printCounts("soak with 10,000 transcripts");
+        m_probe.printCounts(u"soak of %1 min with 10,000 transcripts"_s.arg(minutes).toUtf8().constData());
     }
 
     /// Processor time of one poll, the best of some: of the main thread and of the whole program.
