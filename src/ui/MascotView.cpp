@@ -31,6 +31,14 @@ MascotView::MascotView(Mascots &mascots, const QString &pose, int width, bool an
     });
 }
 
+void MascotView::setPose(const QString &pose)
+{
+    if (pose == m_pose)
+        return;
+    m_pose = pose;
+    update();
+}
+
 void MascotView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);

@@ -18,6 +18,7 @@ public:
     MascotView(Mascots &mascots, const QString &pose, int width, bool animated, QWidget *parent = nullptr);
 
     QString pose() const { return m_pose; }
+    void setPose(const QString &pose);
     /// Whether it moves when it may.
     bool isAnimated() const { return m_animated; }
 

@@ -138,14 +138,19 @@ void RowView::showIcon()
             return TuppiAnim(m_services.mascots, m_look.pose, Metrics::rowIconWidth);
         });
     } else {
-        m_icon = TuppiView(m_services.mascots, m_look.pose, Metrics::rowIconWidth, this);
+        if (!m_still)
+            m_still = TuppiView(m_services.mascots, m_look.pose, Metrics::rowIconWidth, this);
+        m_still->setPose(m_look.pose);
+        m_icon = m_still;
     }
     m_icon->show();
 }
 
 void RowView::dropIcon()
 {
-    if (m_icon && m_icon->parent() == this)
+    if (m_still && m_icon == m_still)
+        m_still->hide();
+    else if (m_icon && m_icon->parent() == this)
         m_services.cache.release(m_icon);
     m_icon = nullptr;
 }

@@ -81,6 +81,7 @@ private:
     RowServices m_services;
     RowLook m_look;
     QPointer<MascotView> m_icon;
+    MascotView *m_still = nullptr; ///< kept for whatever still pose comes next; made when first needed
     ElidedLabel *m_title;
     ElidedLabel *m_detail;
     SkyBar *m_bar;

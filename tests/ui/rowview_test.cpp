@@ -259,6 +259,28 @@ TEST_F(RowViewTest, mayChangeItsLookFromWithinItsOwnAction)
     EXPECT_EQ(row.look().key, u"new"_qs);
 }
 
+TEST_F(RowViewTest, oneStillMascotServesEveryRowThatItIsUsedFor)
+{
+    for (const auto &status : {u"ready"_qs, u"waiting"_qs, u"cancelled"_qs, u"failed"_qs, u"ready"_qs}) {
+        row.setLook(look(status, status));
+        EXPECT_EQ(row.icon()->pose(), row.look().pose);
+        EXPECT_EQ(row.icon()->isAnimated(), row.look().animated);
+        EXPECT_FALSE(row.icon()->isHidden());
+        QList<const MascotView *> seen;
+        for (const MascotView *mascot : row.findChildren<MascotView *>()) {
+            if (!mascot->isHidden())
+                seen.append(mascot);
+        }
+        EXPECT_EQ(seen, QList<const MascotView *>{row.icon()});
+    }
+    const MascotView *still = row.icon();
+    row.clearLook();
+    EXPECT_TRUE(still->isHidden());
+    row.setLook(look(u"cancelled"_qs, u"other"_qs));
+    EXPECT_EQ(row.icon(), still);
+    EXPECT_EQ(row.findChildren<MascotView *>().size(), 1);
+}
+
 TEST_F(RowViewTest, animatedMascotsMoveFromRowToRow)
 {
     RowView other({sweep, mascots, cache});

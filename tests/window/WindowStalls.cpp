@@ -18,8 +18,12 @@
 #include <QTest>
 #include <QTimer>
 
+#include <array>
 #include <cstdio>
 #include <ctime>
+#include <limits>
+
+#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 using namespace tuppi;
@@ -110,6 +114,30 @@ private:
     qlonglong m_overProcessor = 0;
 };
 
+/// The least that the heap held in the second quarter of a run and in the last: more in the last is growth.
+class HeapByQuarter
+{
+public:
+    /// Part of the run that is done: 0 to 1.
+    void look(double done)
+    {
+        size_t &least = m_least.at(size_t(done * 4));
+        least = qMin(least, ::mallinfo2().uordblks);
+    }
+    void print(const char *what) const
+    {
+        constexpr double most = 1.05;
+        const double before = double(m_least[1]);
+        const double after = double(m_least[3]);
+        printf("RESULT %s, heap in the last quarter | %.1f MB, %.3f times the second's | %.1f MB | at most %.2f times | %s\n", what,
+               after / 1e6, after / before, before / 1e6, most, after <= most * before ? "yes" : "no");
+    }
+
+private:
+    static constexpr size_t none = std::numeric_limits<size_t>::max();
+    std::array<size_t, 4> m_least{none, none, none, none};
+};
+
 void turnUntil(const std::function<bool()> &condition)
 {
     while (!condition())
@@ -178,19 +206,38 @@ public:
         m_probe.restart();
         QElapsedTimer since;
         since.start();
-        QScrollBar *bar = m_window->list()->verticalScrollBar();
-        for (int round = 0; double(since.elapsed()) < minutes * 60'000; ++round) {
+        constexpr int steps = 50;
+        int round = 0;
+        int step = steps;
+        HeapByQuarter heap;
+        // Each thing from the event loop, which is where what is to be deleted later goes.
+        QTimer work;
+        QObject::connect(&work, &QTimer::timeout, &work, [&] {
+            if (m_app.jobs().polling)
+                return;
+            if (step++ < steps) {
+                QScrollBar *bar = m_window->list()->verticalScrollBar();
+                bar->setValue((bar->value() + 997) % qMax(1, bar->maximum()));
+                return;
+            }
+            const double done = double(since.elapsed()) / (minutes * 60'000);
+            if (done >= 1)
+                return QCoreApplication::quit();
+            heap.look(done);
+            step = 0;
             setTitle(round % 2 == 0 ? round % 5 : int(round * 7919LL % m_jobs.size()), u"Changed %1"_s.arg(round));
             m_engine.answerStatus(R"({"latest_job":{"id":"20250314-102233-000000","progress":")" + QByteArray::number(round % 100)
                                   + R"(%"}})");
+            ++round;
             m_probe.restartTurn(); // writing the scripted engine's reply is no work of the application's
-            poll();
-            for (int step = 0; step < 50; ++step) {
-                bar->setValue((bar->value() + 997) % qMax(1, bar->maximum()));
-                QCoreApplication::processEvents();
-            }
-        }
-        m_probe.printCounts(u"soak of %1 min with 10,000 transcripts"_s.arg(minutes).toUtf8().constData());
+            m_app.poll();
+        });
+        work.start(0);
+        QCoreApplication::exec();
+        const QByteArray what = u"soak of %1 min with 10,000 transcripts"_s.arg(minutes).toUtf8();
+        printf("%d polls\n", round);
+        m_probe.printCounts(what.constData());
+        heap.print(what.constData());
     }
 
     /// Processor time of one poll, the best of some: of the main thread and of the whole program.
