@@ -33,6 +33,9 @@ public:
     // Samples given out or skipped so far.
     int64_t position() const { return m_position; }
 
+    // Whether a table of very many packets is held for as long as this reads, as for an MP4 of hours.
+    bool holdsLongTable() const;
+
     // What the file says about itself; nothing when it does not.
     std::optional<double> durationSeconds() const;
     std::optional<QDateTime> recordedAt() const;

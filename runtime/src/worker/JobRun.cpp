@@ -65,6 +65,12 @@ QString JobRun::audioPath() const
     return m_control.job().callDir + u'/' + m_control.job().audio;
 }
 
+// To be read once it is known where speech is.
+QString JobRun::soundPath() const
+{
+    return m_copy ? m_copy->path() : audioPath();
+}
+
 // A job that goes on keeps the stage that it had reached, and what it showed there, while the steps before it are gone
 // through once more.
 void JobRun::enter(QStringView stage)
@@ -99,16 +105,22 @@ void JobRun::plan()
     });
     const double told = reader.durationSeconds().value_or(0);
     m_work = WorkMeter::ofUnread(told, m_control.job().speakers);
+    if (reader.holdsLongTable())
+        m_copy.emplace(m_database.paths().work, told);
     Segmenter segmenter;
     std::vector<int16_t> block(blockSamples);
     while (const size_t count = reader.read(block)) {
         segmenter.add(std::span(block).first(count));
+        if (m_copy)
+            m_copy->add(std::span(block).first(count));
         m_control.check();
         if (told > 0)
             showProgress(m_work.read(double(reader.position()) / sampleRate));
     }
     if (reader.position() == 0)
         throw Failure(u"The file is not a recording that can be read: there is no sound in it."_s);
+    if (m_copy && !m_copy->isWhole())
+        m_copy.reset();
     segmenter.finish();
     const std::vector<Segment> segments = numbered(segmenter.take());
     const double recordingSeconds = double(reader.position()) / sampleRate;
@@ -179,7 +191,7 @@ void JobRun::recogniseMissing()
     Decoders decoders(
         *m_recogniser, m_recogniser->usesOneCore() ? decodersAllowed() : 1,
         [this](const SoundTask &task) { noteBeginning(task); }, [this] { m_lock.abandonInChild(); });
-    SegmentSound sound(audioPath(), [this] { m_control.check(); });
+    SegmentSound sound(soundPath(), [this] { m_control.check(); });
     for (std::vector<Segment> &group : groupsOf(std::exchange(segments, {}), m_recogniser->longestSoundMs())) {
         std::erase_if(group, &Segment::kept);
         if (group.empty())
@@ -259,7 +271,7 @@ void JobRun::showProgress(qint64 done)
 std::vector<Segment> JobRun::toldApart(std::vector<Segment> segments)
 {
     const std::vector<Turn> turns = speakerTurns(
-        audioPath(), segments, m_database.paths().work, [this] { m_control.check(); },
+        soundPath(), segments, m_database.paths().work, [this] { m_control.check(); },
         [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); });
     return cutBySpeaker(std::move(segments), turns);
 }

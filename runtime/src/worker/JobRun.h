@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/WorkerLock.h"
+#include "media/SoundCopy.h"
 #include "recognise/Recogniser.h"
 #include "text/Transcript.h"
 #include "worker/Decoders.h"
@@ -49,12 +50,14 @@ private:
     void keep(Transcript &transcript);
     void enter(QStringView stage);
     QString audioPath() const;
+    QString soundPath() const;
 
     Database &m_database;
     WorkerLock &m_lock;
     JobControl m_control;
     RecogniserSource m_recognisers;
     Recogniser *m_recogniser = nullptr;
+    std::optional<SoundCopy> m_copy; // of a recording that is dear to open
     QString m_title;     // that the text model proposes; empty: none
     qint64 m_keptMs = 0; // of the speech
     WorkMeter m_work;

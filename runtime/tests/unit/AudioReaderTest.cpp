@@ -1,26 +1,15 @@
 #include "media/AudioReader.h"
 
-#include "Support.h"
-#include "core/ChildProgram.h"
-
-#include <QStandardPaths>
+#include "Recordings.h"
 
 using namespace Qt::StringLiterals;
 
 namespace engine {
 
-namespace {
+using test::ffmpeg;
+using test::soundOf;
 
-std::vector<int16_t> everything(const QString &path)
-{
-    AudioReader reader(path);
-    std::vector<int16_t> samples;
-    std::vector<int16_t> block(1000);
-    while (const size_t count = reader.read(block))
-        samples.insert(samples.end(), block.begin(), block.begin() + std::ptrdiff_t(count));
-    EXPECT_EQ(reader.position(), int64_t(samples.size()));
-    return samples;
-}
+namespace {
 
 // How much of a tone is in the middle of the samples; 1 for a full-scale one.
 double toneIn(const std::vector<int16_t> &samples, double frequency)
@@ -35,15 +24,6 @@ double toneIn(const std::vector<int16_t> &samples, double frequency)
         cosine += samples[i] * std::cos(phase);
     }
     return std::hypot(sine, cosine) * 2 / double(to - from) / 32768;
-}
-
-void ffmpeg(const QStringList &arguments)
-{
-    const QString program = QStandardPaths::findExecutable(u"ffmpeg"_s);
-    ASSERT_FALSE(program.isEmpty()) << "the test needs the program ffmpeg";
-    const ProgramResult result =
-        ChildProgram(program, QStringList{u"-v"_s, u"error"_s, u"-y"_s} + arguments).finish(60000);
-    ASSERT_EQ(result.exitStatus, 0) << arguments.join(u' ').toStdString();
 }
 
 const QStringList tone{u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=frequency=440:sample_rate=44100:duration=3"_s};
@@ -70,7 +50,7 @@ TEST_P(AudioReaderForms, comesOutAs16kHzMono)
     const test::Home home;
     const QString path = home.file(u"tone."_s + QString::fromLatin1(GetParam().extension));
     ASSERT_NO_FATAL_FAILURE(ffmpeg(tone + GetParam().encoding + QStringList{path}));
-    const std::vector<int16_t> samples = everything(path);
+    const std::vector<int16_t> samples = soundOf(path);
     EXPECT_NEAR(double(samples.size()) / sampleRate, 3.0, 0.15);
     EXPECT_NEAR(toneIn(samples, 440), 0.125, 0.02); // the amplitude that the generator gives
     EXPECT_LT(toneIn(samples, 700), 0.01);
@@ -100,7 +80,7 @@ TEST(AudioReader, bothSidesOfAStereoRecordingAreHeard)
         samples.push_back(int16_t(8000 * std::sin(i * 2 * 3.14159265 * 900 / 48000)));
     }
     test::write(home.file(u"two.wav"_s), test::wav(samples, 48000, 2));
-    const std::vector<int16_t> mono = everything(home.file(u"two.wav"_s));
+    const std::vector<int16_t> mono = soundOf(home.file(u"two.wav"_s));
     EXPECT_GT(toneIn(mono, 300), 0.08);
     EXPECT_GT(toneIn(mono, 900), 0.08);
 }
@@ -109,7 +89,7 @@ TEST(AudioReader, skippingLeadsToTheSameSamplesAsReading)
 {
     const test::Home home;
     ASSERT_NO_FATAL_FAILURE(ffmpeg(tone + QStringList{home.file(u"a.m4a"_s)}));
-    const std::vector<int16_t> all = everything(home.file(u"a.m4a"_s));
+    const std::vector<int16_t> all = soundOf(home.file(u"a.m4a"_s));
     AudioReader reader(home.file(u"a.m4a"_s));
     reader.skip(12345);
     EXPECT_EQ(reader.position(), 12345);
@@ -127,7 +107,7 @@ TEST(AudioReader, soundThatBeginsBehindThePictureHasSilenceInFrontOfIt)
         const QString path = home.file(u"late."_s + QString::fromLatin1(extension));
         ASSERT_NO_FATAL_FAILURE(ffmpeg(picture + QStringList{u"-itsoffset"_s, u"2"_s} + tone +
                                        QStringList{u"-map"_s, u"0:v"_s, u"-map"_s, u"1:a"_s, path}));
-        const std::vector<int16_t> samples = everything(path);
+        const std::vector<int16_t> samples = soundOf(path);
         EXPECT_NEAR(double(samples.size()) / sampleRate, 5.0, 0.15);
         ASSERT_GT(samples.size(), 40000U);
         EXPECT_LT(toneIn({samples.begin(), samples.begin() + 30000}, 440), 0.001);
@@ -164,7 +144,7 @@ TEST(AudioReader, aFileWithoutItsEndIsToldOfOrReadAsFarAsItGoes)
         ffmpeg(tone + QStringList{u"-movflags"_s, u"+faststart"_s, home.file(u"front.m4a"_s)}));
     const QByteArray front = test::contentOf(home.file(u"front.m4a"_s));
     test::write(home.file(u"cut.m4a"_s), front.left(front.size() * 2 / 3));
-    const size_t count = everything(home.file(u"cut.m4a"_s)).size();
+    const size_t count = soundOf(home.file(u"cut.m4a"_s)).size();
     EXPECT_GT(count, 16000U);
     EXPECT_LT(count, 40000U);
 }
@@ -177,7 +157,7 @@ TEST(AudioReader, damageInTheMiddleCostsOnlyTheDamagedPart)
     for (qsizetype i = bytes.size() / 2; i < bytes.size() / 2 + 2000; ++i)
         bytes[i] = char(i * 31);
     test::write(home.file(u"a.mp3"_s), bytes);
-    EXPECT_GT(everything(home.file(u"a.mp3"_s)).size(), 35000U);
+    EXPECT_GT(soundOf(home.file(u"a.mp3"_s)).size(), 35000U);
 }
 
 TEST(AudioReader, neverFollowsAFileToOtherFiles)
@@ -214,6 +194,22 @@ TEST(AudioReader, readsTheTimeOfRecordingButNoBogusOne)
               QDateTime(QDate(2025, 3, 14), QTime(10, 22, 33)));
     ffmpeg(tone + QStringList{home.file(u"b.wav"_s)});
     EXPECT_FALSE(AudioReader(home.file(u"b.wav"_s)).recordedAt());
+}
+
+TEST(AudioReader, tellsOfALongTableOfPackets)
+{
+    const test::Home home;
+    // 400 packets in each second.
+    const QStringList inSmallPackets{u"-c:a"_s, u"libopus"_s, u"-frame_duration"_s, u"2.5"_s};
+    const auto silence = [](int seconds) {
+        return QStringList{u"-f"_s, u"lavfi"_s, u"-i"_s, u"anullsrc=channel_layout=mono:sample_rate=48000"_s, u"-t"_s,
+                           QString::number(seconds)};
+    };
+    for (const auto &[name, seconds, isLong] : {std::tuple{u"short.mp4"_s, 100, false}, std::tuple{u"long.mp4"_s, 150, true},
+                                                std::tuple{u"long.opus"_s, 150, false}}) {
+        ASSERT_NO_FATAL_FAILURE(ffmpeg(silence(seconds) + inSmallPackets + QStringList{home.file(name)}));
+        EXPECT_EQ(AudioReader(home.file(name)).holdsLongTable(), isLong) << name.toStdString();
+    }
 }
 
 TEST(AudioReader, everyAcceptedKindCanBeDecodedHere)

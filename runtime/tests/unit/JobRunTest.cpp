@@ -8,7 +8,7 @@
 #include "text/CleanText.h"
 
 #include "FakeRecogniser.h"
-#include "Support.h"
+#include "Recordings.h"
 
 #include <QDir>
 
@@ -486,6 +486,44 @@ TEST_F(JobRunTest, twelveHoursKeepTheirTimes)
     EXPECT_EQ(stored(job).status, u"ready"_s);
     EXPECT_NEAR(stored(job).durationSeconds.value_or(0), 12 * 3600, 0.5);
     EXPECT_TRUE(transcript(job).startsWith("[11:59:")) << transcript(job).toStdString();
+}
+
+// Whether this process has the copy of a recording's sound open.
+bool hasSoundCopy()
+{
+    for (const QFileInfo &open : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::System | QDir::AllEntries)) {
+        if (QFile::symLinkTarget(open.filePath()).contains(u"/sound-"))
+            return true;
+    }
+    return false;
+}
+
+TEST_F(JobRunTest, whatIsDearToOpenIsReadOnceAndHeardTheSame)
+{
+    std::vector<int16_t> samples;
+    for (int i = 0; i < 30; ++i) {
+        test::appendNoise(samples, 2, 10);
+        test::appendBabble(samples, 2 + 0.1 * i, 5000);
+    }
+    const Job dear = newJob(samples);
+    const QString wav = dear.callDir + u'/' + dear.audio;
+    ASSERT_NO_FATAL_FAILURE(test::ffmpeg({u"-i"_s, wav, u"-c:a"_s, u"libopus"_s, u"-frame_duration"_s, u"2.5"_s, wav + u".mp4"_s}));
+    QFile::remove(wav);
+    QFile::rename(wav + u".mp4"_s, wav);
+    ASSERT_TRUE(AudioReader(wav).holdsLongTable());
+    const Job plain = newJob(test::soundOf(wav));
+    // In a process of its own: what it finds out comes back as a word.
+    m_recogniser.act = [](std::span<const int16_t> heard) {
+        std::vector<Word> words = test::FakeRecogniser::words(heard);
+        words.front().text += hasSoundCopy() ? u" copy"_s : u" recording"_s;
+        return words;
+    };
+    run(dear);
+    run(plain);
+    const QByteArray expected = transcript(plain);
+    EXPECT_GE(expected.count("recording"), 30);
+    EXPECT_EQ(transcript(dear), QByteArray(expected).replace("recording", "copy"));
+    EXPECT_FALSE(hasSoundCopy()) << "it goes with the run";
 }
 
 TEST_F(JobRunTest, silenceIsToldInTheWordsOfTheContract)
