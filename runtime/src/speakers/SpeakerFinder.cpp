@@ -66,7 +66,7 @@ VoiceMeasure SpeakerFinder::measureOf(double strictness) const
 }
 
 // First guess: runs of one voice, and which of them sound alike.
-void SpeakerFinder::groupRuns()
+void SpeakerFinder::groupRuns(const Show &show)
 {
     struct Place
     {
@@ -78,6 +78,7 @@ void SpeakerFinder::groupRuns()
     std::vector<Moments> items;
     for (size_t i = 0; i < m_pieces.size(); ++i) {
         m_check();
+        show(double(i) / double(m_pieces.size()));
         const Cepstra cepstra = m_aside.read(m_pieces[i].cepstra);
         for (const Run run : homogeneousRuns(cepstra, cutting, leastRun)) {
             places.push_back({i, run});
@@ -169,24 +170,29 @@ std::vector<int> SpeakerFinder::path(const Cepstra &cepstra) const
     return bestVoicePath(scores, leastTurn, changeCost);
 }
 
-void SpeakerFinder::relabel()
+void SpeakerFinder::relabel(const Show &show)
 {
-    for (Piece &piece : m_pieces) {
+    for (size_t i = 0; i < m_pieces.size(); ++i) {
         m_check();
-        const std::vector<int> found = path(m_aside.read(piece.cepstra));
-        piece.speaker.assign(found.begin(), found.end());
+        show(double(i) / double(m_pieces.size()));
+        const std::vector<int> found = path(m_aside.read(m_pieces[i].cepstra));
+        m_pieces[i].speaker.assign(found.begin(), found.end());
     }
 }
 
-void SpeakerFinder::learn()
+void SpeakerFinder::learn(const Show &show)
 {
     if (m_pieces.empty())
         return;
-    groupRuns();
+    // How often speakers become one is not known beforehand: each part takes half of what is left.
+    double left = 1;
+    const auto showPart = [&](double share) { show(1 - left * (1 - share / 2)); };
+    groupRuns(showPart);
     do {
+        left /= 2;
         for (int round = 0; round < rounds; ++round) {
             trainVoices();
-            relabel();
+            relabel([&](double share) { showPart((round + share) / rounds); });
         }
     } while (groupSpeakers());
     trainVoices();

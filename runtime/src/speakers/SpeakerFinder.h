@@ -37,8 +37,11 @@ public:
     // First time: the next piece in which somebody speaks, as 16 kHz mono sound of up to half a minute.
     void hear(std::span<const int16_t> samples);
 
+    // Told how much of something is done: 0 to 1, and never less than before.
+    using Show = std::function<void(double share)>;
+
     // After the last piece: finds out how many voices there are and what they sound like.
-    void learn();
+    void learn(const Show &show = [](double) {});
 
     // Second time: who speaks in a piece that starts there. Turns are in order and do not overlap; there are
     // none when no voice is heard.
@@ -56,10 +59,10 @@ private:
 
     void thinOut();
     VoiceMeasure measureOf(double strictness) const;
-    void groupRuns();
+    void groupRuns(const Show &show);
     bool groupSpeakers();
     void trainVoices();
-    void relabel();
+    void relabel(const Show &show);
     std::vector<int> path(const Cepstra &cepstra) const;
     int speakerCount() const;
     Eigen::Index framesOf(int speaker) const;

@@ -62,9 +62,9 @@ qint64 WorkMeter::heard(qint64 ms) const
     return read(m_recordingSeconds) + (ms < m_speechMs ? ms / 1000 : (m_speechMs + 999) / 1000);
 }
 
-qint64 WorkMeter::told(size_t handled, size_t all) const
+qint64 WorkMeter::told(double share) const
 {
-    return heard(m_speechMs) + m_speakerSeconds * qint64(handled) / qint64(all);
+    return heard(m_speechMs) + qint64(double(m_speakerSeconds) * share);
 }
 
 qint64 WorkMeter::whole() const

@@ -35,9 +35,9 @@ public:
     // While it is not known where speech is: as if it went from end to end.
     static WorkMeter ofUnread(double recordingSeconds, bool speakers);
 
-    qint64 read(double seconds) const;             // of the recording
-    qint64 heard(qint64 ms) const;                 // of the speech
-    qint64 told(size_t handled, size_t all) const; // pieces whose speakers are told apart
+    qint64 read(double seconds) const; // of the recording
+    qint64 heard(qint64 ms) const;     // of the speech
+    qint64 told(double share) const;   // of the work of telling speakers apart: 0 to 1
     qint64 whole() const;
 
 private:

@@ -272,7 +272,7 @@ std::vector<Segment> JobRun::toldApart(std::vector<Segment> segments)
 {
     const std::vector<Turn> turns = speakerTurns(
         soundPath(), segments, m_database.paths().work, [this] { m_control.check(); },
-        [this](size_t handled, size_t all) { showProgress(m_work.told(handled, all)); });
+        [this](double share) { showProgress(m_work.told(share)); });
     return cutBySpeaker(std::move(segments), turns);
 }
 

@@ -8,9 +8,9 @@
 namespace engine {
 
 // Who speaks where in the segments of a recording. Nothing of it is kept: after a kill it is found again, and is the
-// same. `check` is as that of SegmentSound, `show` is told of each piece of the work. Throws Failure.
+// same. `check` is as that of SegmentSound. Throws Failure.
 std::vector<Turn> speakerTurns(const QString &recording, const std::vector<Segment> &segments,
                                const QString &workFolder, const std::function<void()> &check,
-                               const std::function<void(size_t handled, size_t all)> &show);
+                               const SpeakerFinder::Show &show);
 
 } // namespace engine

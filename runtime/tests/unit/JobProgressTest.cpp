@@ -83,9 +83,9 @@ TEST(WorkMeter, countsSecondsOfSpeech)
         EXPECT_EQ(meter.heard(0), row.nothingHeard);
         EXPECT_EQ(meter.heard(row.speechMs / 2), row.halfHeard);
         EXPECT_EQ(meter.heard(row.speechMs), row.allHeard);
-        EXPECT_EQ(meter.told(0, 8), row.allHeard);
-        EXPECT_EQ(meter.told(4, 8), row.halfTold);
-        EXPECT_EQ(meter.told(8, 8), row.whole);
+        EXPECT_EQ(meter.told(0), row.allHeard);
+        EXPECT_EQ(meter.told(0.5), row.halfTold);
+        EXPECT_EQ(meter.told(1), row.whole);
         EXPECT_EQ(meter.whole(), row.whole);
     }
 }

@@ -5,6 +5,7 @@
 
 #include "Support.h"
 
+#include <algorithm>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -212,6 +213,23 @@ TEST(SpeakerFinder, aShortSoundIsOneSpeakerWhereverItStands)
     EXPECT_EQ(turns[0].speaker, 0);
     EXPECT_GE(turns[0].startMs, 60000);
     EXPECT_LE(turns[0].endMs, 61000);
+}
+
+TEST(SpeakerFinder, tellsHowFarItsLearningIs)
+{
+    SpeakerFinder finder([] {});
+    for (int i = 0; i < 20; ++i) {
+        std::vector<int16_t> samples;
+        test::appendBabble(samples, 2 + 0.1 * i, 5000);
+        finder.hear(samples);
+    }
+    std::vector<double> shares;
+    finder.learn([&](double share) { shares.push_back(share); });
+    EXPECT_GE(shares.size(), 20U * 4) << "at each piece, each time";
+    EXPECT_TRUE(std::ranges::is_sorted(shares));
+    EXPECT_EQ(shares.front(), 0);
+    EXPECT_GT(shares.back(), 0.7);
+    EXPECT_LT(shares.back(), 1);
 }
 
 TEST(SpeakerFinder, anHourIsLearnedFromAsSomePiecesOfIt)
