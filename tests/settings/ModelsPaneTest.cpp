@@ -32,6 +32,8 @@ protected:
         m_engine.answer(u"models"_s, {reply});
         openTab(test::Models);
         settle();
+        // The window asked at the start, the pane when it was opened.
+        ASSERT_TRUE(waitFor([this] { return calls(u"--json"_s).size() == 2; }));
     }
     QStringList lines() const
     {
@@ -56,10 +58,7 @@ protected:
         return chosen;
     }
     /// The next call of "models" answers so, and every one after it with the list again.
-    void answerNext(const Answer &answer)
-    {
-        m_engine.answerCall(u"models"_s, m_engine.count(u"models"_s) + 1, answer);
-    }
+    void answerTo(const QString &command, const Answer &answer) { m_engine.answerTo(u"models"_s, command, answer); }
     void openAddSheet()
     {
         click(button(u"addCustomModel"_s));
@@ -128,7 +127,7 @@ TEST_F(ModelsPaneTest, AddsAModelByKeyboardAlone)
     type(u" Cleo "_s);
     ASSERT_TRUE(tabTo(u"modelRepo"_s));
     type(u"cleo/m"_s);
-    answerNext(Answer{}.heldAt("download"));
+    answerTo(u"add"_s, Answer{}.heldAt("download"));
     press(Qt::Key_Return);
     EXPECT_TRUE(waitFor([this] { return calls(u"add"_s).size() == 1; }));
     EXPECT_EQ(calls(u"add"_s).first(), (QStringList{u"models"_s, u"add"_s, u"--name= Cleo "_s, u"--kind=whisper"_s,
@@ -145,7 +144,7 @@ TEST_F(ModelsPaneTest, AFailedAddIsReportedAndNothingIsAskedAgain)
     openModels();
     openAddSheet();
     settingsSheet()->findChild<PopUpButton *>(u"modelKind"_s)->setCurrentIndex(1);
-    answerNext(Answer::failure(1, "Error: no such model\n"));
+    answerTo(u"add"_s, Answer::failure(1, "Error: no such model\n"));
     const int asked = int(calls(u"--json"_s).size());
     settingsSheet()->answer(0);
     ASSERT_TRUE(waitFor([this] { return settingsSheet() && settingsSheet()->text().message == u"Could not add this model"_s; }));
@@ -232,7 +231,7 @@ TEST_F(ModelsPaneTest, AFailedRemovalIsReported)
     openModels();
     click(button(u"removeModel.0"_s));
     ASSERT_TRUE(settingsSheetOpens());
-    answerNext(Answer::failure(3, "Помилка: it is in use\n"));
+    answerTo(u"remove"_s, Answer::failure(3, "Помилка: it is in use\n"));
     settingsSheet()->answer(0);
     ASSERT_TRUE(waitFor([this] { return settingsSheet() && settingsSheet()->text().buttons.size() == 1; }));
     EXPECT_EQ(settingsSheet()->text().message, u"Could not remove this model"_s);
@@ -251,7 +250,7 @@ TEST_F(ModelsPaneTest, AnIndexOutsideTheListDoesNothing)
 TEST_F(ModelsPaneTest, UsesATextModel)
 {
     openModels();
-    answerNext(Answer{}.heldAt("set up"));
+    answerTo(u"text-model"_s, Answer{}.heldAt("set up"));
     choose(u"textModel"_s, u"llama"_s);
     EXPECT_EQ(status(), u"Setting up llama… if it needs downloading, this can take a while."_s);
     m_engine.openGate("set up");
@@ -271,7 +270,7 @@ TEST_F(ModelsPaneTest, TheModelInUseCanBeChosenAgain)
 TEST_F(ModelsPaneTest, AfterAFailureTheMenuShowsTheEnginesChoiceAgain)
 {
     openModels();
-    answerNext(Answer::failure(1, "Error: Ollama is not running\n"));
+    answerTo(u"text-model"_s, Answer::failure(1, "Error: Ollama is not running\n"));
     choose(u"textModel"_s, u"llama"_s);
     ASSERT_TRUE(settingsSheetOpens());
     EXPECT_EQ(sheetSays(), u"Could not use this text model|Ollama is not running|OK"_s);
@@ -284,7 +283,7 @@ TEST_F(ModelsPaneTest, DownloadsWhatIsTypedWithoutItsBlanks)
     openModels();
     pullField()->setFocus();
     type(u"  mistral "_s);
-    answerNext(Answer{});
+    answerTo(u"text-model"_s, Answer{});
     press(Qt::Key_Return);
     EXPECT_TRUE(says(u"modelsStatus"_s, u"Summaries now use mistral."_s));
     EXPECT_EQ(calls(u"text-model"_s).first().at(2), u"--name=mistral"_s);
@@ -295,7 +294,7 @@ TEST_F(ModelsPaneTest, AFailedDownloadKeepsWhatWasTyped)
 {
     openModels();
     pullField()->setText(u"mistral"_s);
-    answerNext(Answer::failure(1, ""));
+    answerTo(u"text-model"_s, Answer::failure(1, ""));
     click(button(u"pullTextModel"_s));
     ASSERT_TRUE(settingsSheetOpens());
     EXPECT_EQ(sheetSays(), u"Could not use this text model||OK"_s);

@@ -233,14 +233,17 @@ TEST_F(Panes, TheButtonsOfTheGeneralPane)
 TEST_F(Panes, EveryShowingAsksTheEngineAfresh)
 {
     openSettings();
-    EXPECT_TRUE(waitFor([this] { return m_engine.count(u"doctor"_s) == 1 && m_engine.count(u"settings"_s) == 1; }));
+    const auto asked = [this](int times, int models) {
+        return waitFor([&] {
+            return m_engine.count(u"doctor"_s) == times && m_engine.count(u"settings"_s) == times
+                && m_engine.count(u"models"_s) == models;
+        });
+    };
+    ASSERT_TRUE(asked(1, 2)) << "of the models the main window has asked too";
     settingsWindow()->close();
-    const int models = m_engine.count(u"models"_s);
     m_app->showSettings();
     EXPECT_TRUE(settingsWindow()->isVisible());
-    EXPECT_TRUE(waitFor([&] {
-        return m_engine.count(u"doctor"_s) == 2 && m_engine.count(u"settings"_s) == 2 && m_engine.count(u"models"_s) == models + 1;
-    }));
+    EXPECT_TRUE(asked(2, 3));
     EXPECT_EQ(m_engine.calls(u"settings"_s).last(), (QStringList{u"settings"_s, u"--json"_s}));
     EXPECT_EQ(m_engine.calls(u"doctor"_s).last(), (QStringList{u"doctor"_s, u"--json"_s}));
 }
@@ -379,7 +382,7 @@ TEST_F(Panes, AnOlderPollDoesNotBringTheOldFolderBack)
 TEST_F(Panes, ARefusedFolderIsReportedAsItStands)
 {
     openTab(test::Storage);
-    m_engine.answerCall(u"settings"_s, 2, Answer::failure(1, "Error: not there\nPaused\n"));
+    m_engine.answerTo(u"settings"_s, u"--library"_s, Answer::failure(1, "Error: not there\nPaused\n"));
     click(button(u"changeLibrary"_s));
     auto *dialog = settingsWindow()->findChild<QFileDialog *>(u"chooseFolder"_s);
     ASSERT_NE(dialog, nullptr);
@@ -393,7 +396,7 @@ TEST_F(Panes, ARefusedFolderIsReportedAsItStands)
 TEST_F(Panes, AFailureAfterTheWindowWasClosedIsStillSaid)
 {
     openTab(test::Storage);
-    m_engine.answerCall(u"settings"_s, 2, Answer::failure(1, "Error: no\n").heldAt("refused"));
+    m_engine.answerTo(u"settings"_s, u"--library"_s, Answer::failure(1, "Error: no\n").heldAt("refused"));
     click(button(u"changeLibrary"_s));
     auto *dialog = settingsWindow()->findChild<QFileDialog *>(u"chooseFolder"_s);
     ASSERT_NE(dialog, nullptr);

@@ -128,6 +128,11 @@ void ScriptedEngine::answer(const QString &subcommand, const Answer &answer)
     setAnswer(subcommand, {}, answer);
 }
 
+void ScriptedEngine::answerTo(const QString &subcommand, const QString &argument, const Answer &answer)
+{
+    setAnswer(subcommand, u' ' + argument, answer);
+}
+
 void ScriptedEngine::answerCall(const QString &subcommand, int nth, const Answer &answer)
 {
     setAnswer(subcommand, u".%1"_s.arg(nth), answer);

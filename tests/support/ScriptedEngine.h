@@ -47,7 +47,9 @@ public:
 
     /// Every later call of the subcommand is answered so.
     void answer(const QString &subcommand, const Answer &answer);
-    /// The n-th call (from 1) of the subcommand is answered so.
+    /// Every later call of it with that first argument, whatever its value, is answered so.
+    void answerTo(const QString &subcommand, const QString &argument, const Answer &answer);
+    /// The n-th call (from 1) of the subcommand is answered so. Two that are under way at once may come in either order.
     void answerCall(const QString &subcommand, int nth, const Answer &answer);
     void answerHistory(const QByteArray &out) { answer(QStringLiteral("history"), {out}); }
     void answerStatus(const QByteArray &out) { answer(QStringLiteral("status"), {out}); }

@@ -1,9 +1,10 @@
 # The scripted engine: records every argument list and answers as the test has said.
 #
 # Beside the home folder stand "calls" (one file per call: the number of arguments and the arguments, each ended
-# by NUL), "answers" (SUBCOMMAND.N for the N-th call of a subcommand, else SUBCOMMAND: the name of a folder with
-# "before", "out", "err", "after", "status"), "gates" and "book". Everything ends when that folder is gone. Without an
-# answer a subcommand of the engine ends well and says nothing.
+# by NUL), "answers" (SUBCOMMAND.N for the N-th call of a subcommand, else "SUBCOMMAND ARGUMENT" for those with that first
+# argument, which may have a value behind "=", else SUBCOMMAND: the name of a folder with "before", "out", "err", "after",
+# "status"), "gates" and "book". Everything ends when that folder is gone. Without an answer a subcommand of the engine
+# ends well and says nothing.
 
 # What can be answered: the engine's subcommands, and one for tests that wait for all calls before it.
 commands='process history status resume pause continue cancel retry rename hide copy speaker edit split models settings
@@ -76,6 +77,7 @@ locked record "$@"
 nth=$REPLY
 
 choice=$root/answers/$subcommand.$nth
+[[ -e $choice ]] || choice="$root/answers/$subcommand ${2%%=*}"
 [[ -e $choice ]] || choice=$root/answers/$subcommand
 if [[ ! -e $choice ]]; then
     [[ " ${commands//$'\n'/ } " == *" $subcommand "* ]] && exit 0
