@@ -12,6 +12,7 @@
 #include "ui/TranscriptList.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -227,6 +228,7 @@ public:
                 return QCoreApplication::quit();
             heap.look(done);
             step = 0;
+            forgetOldAnswers();
             setTitle(round % 2 == 0 ? round % 5 : int(round * 7919LL % m_jobs.size()), u"Changed %1"_s.arg(round));
             m_engine.answerStatus(R"({"latest_job":{"id":"20250314-102233-000000","progress":")" + QByteArray::number(round % 100)
                                   + R"(%"}})");
@@ -401,6 +403,17 @@ private:
         changed[u"title"_s] = title;
         m_jobs[index] = textOf(changed);
         answerHistory();
+    }
+    /// Of the first ones some stand for the whole run, and the last ones are in use; nobody reads those between. Left there,
+    /// they fill the computer's memory as what is cached of the disk, and finding room for the application then becomes
+    /// work of its main thread.
+    void forgetOldAnswers()
+    {
+        constexpr int kept = 8;
+        const QDir answers(m_engine.path(u"answers"_s));
+        const QStringList sets = answers.entryList({u"set.*"_s}, QDir::Dirs, QDir::Time | QDir::Reversed);
+        for (qsizetype i = kept; i < sets.size() - kept; ++i)
+            QDir(answers.filePath(sets.at(i))).removeRecursively();
     }
     void answerHistory() { m_engine.answerHistory('[' + m_jobs.join(',') + ']'); }
 
