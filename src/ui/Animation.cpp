@@ -1,5 +1,6 @@
 #include "ui/Animation.h"
 
+#include "ui/FrameTicks.h"
 #include "ui/Pictures.h"
 
 #include <QImage>
@@ -138,7 +139,7 @@ void Animation::goTo(int number)
 void Animation::start()
 {
     if (m_frames.size() > 1 || (m_number >= 0 && m_reader && m_reader->count() > 1))
-        m_timer.start(m_frames.at(m_number).milliseconds);
+        m_timer.start(millisecondsToTick(m_frames.at(m_number).milliseconds));
 }
 
 void Animation::step()
@@ -152,7 +153,7 @@ void Animation::step()
         advance();
     }
     show();
-    m_timer.setInterval(m_frames.at(m_number).milliseconds);
+    m_timer.setInterval(millisecondsToTick(m_frames.at(m_number).milliseconds));
     Q_EMIT frameChanged();
 }
 

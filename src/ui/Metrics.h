@@ -27,7 +27,7 @@ inline constexpr int barHeight = 8;
 inline constexpr double barRadius = 4;
 inline constexpr double sweepWidth = 0.3;  ///< of the bar
 inline constexpr int sweepDuration = 1400; ///< milliseconds
-inline constexpr int sweepInterval = 33;   ///< milliseconds between two pictures
+inline constexpr int tickInterval = 40;    ///< milliseconds between two pictures of what moves
 
 // List rows
 inline constexpr int rowHeight = 86;

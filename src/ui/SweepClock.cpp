@@ -1,5 +1,6 @@
 #include "ui/SweepClock.h"
 
+#include "ui/FrameTicks.h"
 #include "ui/Metrics.h"
 #include "ui/MotionPolicy.h"
 #include "ui/SkyBar.h"
@@ -27,7 +28,12 @@ void SweepClock::painted(SkyBar *bar)
         return;
     m_bars.add(bar);
     if (!m_timer.isActive())
-        m_timer.start(Metrics::sweepInterval, this);
+        awaitTick();
+}
+
+void SweepClock::awaitTick()
+{
+    m_timer.start(millisecondsToTick(Metrics::tickInterval), this);
 }
 
 double SweepClock::phase() const
@@ -47,7 +53,9 @@ void SweepClock::timerEvent(QTimerEvent *event)
     bool moving = false;
     for (QWidget *widget : m_bars.look())
         moving |= static_cast<SkyBar *>(widget)->advance();
-    if (!moving) {
+    if (moving) {
+        awaitTick();
+    } else {
         m_bars.clear();
         m_timer.stop();
     }

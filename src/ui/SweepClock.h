@@ -35,6 +35,8 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    void awaitTick();
+
     MotionPolicy &m_motion;
     SightList m_bars;
     QBasicTimer m_timer;

@@ -1,7 +1,6 @@
 #include "core/Files.h"
 
 #include "core/Failure.h"
-#include "core/FileDescriptor.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -9,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -34,6 +34,15 @@ void makeFolder(const QString &path, const QString &doing)
     if (error == EEXIST || error == ENOTDIR)
         throw Failure(doing + u": a file stands where the folder “"_s + path + u"” should be."_s);
     throw systemFailure(doing, error);
+}
+
+FileDescriptor namelessFile(const QString &folder, QLatin1StringView name)
+{
+    QByteArray path = QFile::encodeName(folder + u'/' + name + u"-XXXXXX"_s);
+    FileDescriptor file(::mkostemp(path.data(), O_CLOEXEC));
+    if (file.valid())
+        ::unlink(path.constData());
+    return file;
 }
 
 void writeAll(int fd, const QByteArray &bytes, const QString &doing)

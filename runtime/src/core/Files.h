@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/FileDescriptor.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
@@ -11,6 +13,10 @@ namespace engine {
 
 // Makes the folder and what leads to it. Throws Failure with a sentence that starts with `doing`.
 void makeFolder(const QString &path, const QString &doing);
+
+// A file of the folder for reading and writing, whose name is gone at once: it goes with the last who holds it. Those
+// who look at what a process has open find the name still. Not valid, with errno, when it cannot be made.
+FileDescriptor namelessFile(const QString &folder, QLatin1StringView name);
 
 // Writes all of it into the open file, in as many steps as that takes. Throws Failure with a sentence that starts with
 // `doing`.

@@ -4,13 +4,10 @@
 #include "media/AudioReader.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSysInfo>
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 
 namespace engine {
 
@@ -18,19 +15,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// So many times what the sound takes must be free: others write there too.
+// So many times what the sound is said to take must be free: others write there too.
 constexpr double roomFactor = 4;
 
-FileDescriptor namelessFile(const QString &folder)
-{
-    if (!QDir().mkpath(folder))
-        return {};
-    QByteArray name = QFile::encodeName(folder + u"/sound-XXXXXX"_s);
-    FileDescriptor file(::mkostemp(name.data(), O_CLOEXEC));
-    if (file.valid())
-        ::unlink(name.constData());
-    return file;
-}
+// A recording may be longer than it says: so many times as long, and this much more.
+constexpr double lengthFactor = 2;
+constexpr qint64 lengthSlack = 1 << 16; // bytes
 
 // Of a WAV in this computer's order of bytes, whose length is not known before its end, which is that of the file.
 std::array<char, 44> header()
@@ -61,9 +51,10 @@ std::array<char, 44> header()
 SoundCopy::SoundCopy(const QString &folder, double seconds)
 {
     const double most = seconds * sampleRate * double(sizeof(int16_t));
-    m_file = namelessFile(folder);
-    if (double(roomAt(folder)) < roomFactor * most)
-        m_file.reset();
+    if (!QDir().mkpath(folder) || double(roomAt(folder)) < roomFactor * most)
+        return;
+    m_left = qint64(lengthFactor * most) + lengthSlack;
+    m_file = namelessFile(folder, "sound"_L1);
     write(header());
 }
 
@@ -75,7 +66,8 @@ void SoundCopy::add(std::span<const int16_t> samples)
 // One that is not whole goes at once, so that what it took of a full disk is there for others.
 void SoundCopy::write(QByteArrayView bytes)
 {
-    if (m_file.valid() && !tryWriteAll(m_file.get(), bytes))
+    m_left -= bytes.size();
+    if (m_file.valid() && (m_left < 0 || !tryWriteAll(m_file.get(), bytes)))
         m_file.reset();
 }
 

@@ -14,7 +14,8 @@ namespace engine {
 class SoundCopy
 {
 public:
-    // In the folder, for sound of about that length. Not made where the disk has not far more room than it may take.
+    // In the folder, for sound of about that length; given up for one of far more. Not made where the disk has not far
+    // more room than it may take.
     SoundCopy(const QString &folder, double seconds);
 
     // 16 kHz mono, in order.
@@ -30,6 +31,7 @@ private:
     void write(QByteArrayView bytes);
 
     FileDescriptor m_file;
+    qint64 m_left = 0; // bytes that it may still take
 };
 
 } // namespace engine

@@ -3,11 +3,7 @@
 #include "core/Failure.h"
 #include "core/Files.h"
 
-#include <QFile>
-
 #include <cerrno>
-#include <cstdlib>
-#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -22,11 +18,9 @@ const QString writing = u"The file of voices could not be written"_s;
 CepstraFile::CepstraFile(const QString &folder)
 {
     makeFolder(folder, u"The folder for the speech recogniser could not be made"_s);
-    QByteArray name = QFile::encodeName(folder + u"/voices-XXXXXX"_s);
-    m_file = FileDescriptor(::mkostemp(name.data(), O_CLOEXEC));
+    m_file = namelessFile(folder, "voices"_L1);
     if (!m_file.valid())
         throw systemFailure(writing, errno);
-    ::unlink(name.constData());
 }
 
 CepstraFile::Place CepstraFile::append(const Cepstra &cepstra)

@@ -102,4 +102,16 @@ TEST(SoundCopy, isNotMadeWhereItCouldFillTheDisk)
     EXPECT_FALSE(copy.isWhole());
 }
 
+TEST(SoundCopy, isGivenUpForARecordingFarLongerThanItSays)
+{
+    const test::Home home;
+    SoundCopy copy(home.path(), 10);
+    copy.add(someSound(15));
+    EXPECT_TRUE(copy.isWhole());
+    copy.add(someSound(15));
+    EXPECT_FALSE(copy.isWhole());
+    copy.add({});
+    EXPECT_FALSE(copy.isWhole()) << "whatever comes later";
+}
+
 } // namespace engine
