@@ -168,7 +168,7 @@ void AppDelegate::viewerMessage(ViewerWindow *window, const QJsonObject &body, i
 {
     const ViewerMessage message =
         ReadViewerMessage(body, ViewerCallId(m_jobs.history->entries.withCallDir(window->callDir()), window->callDir()));
-    const QString written = WrittenText(message);
+    const QString written = WrittenText(body);
     if (message.arguments.isEmpty()) {
         window->answer(page, Refusal(message), written);
         return;

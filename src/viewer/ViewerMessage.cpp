@@ -175,12 +175,13 @@ ViewerReply ReadViewerReply(const ViewerMessage &message, const RawReply &reply)
     return {{callback, failure(kind, text, body.value("index"_L1), body.value("text"_L1))}, false, text};
 }
 
-QString WrittenText(const ViewerMessage &message)
+QString WrittenText(const QJsonObject &body)
 {
-    const bool named = message.kind == Correction::Rename || message.kind == Correction::Speaker;
-    if (!named && message.kind != Correction::Edit)
+    const Correction kind = kindOf(body);
+    const bool named = kind == Correction::Rename || kind == Correction::Speaker;
+    if (!named && kind != Correction::Edit)
         return {};
-    return textIn(message.body, named ? "name"_L1 : "text"_L1).value_or(QString());
+    return textIn(body, named ? "name"_L1 : "text"_L1).value_or(QString());
 }
 
 QString NotSavedText(const QString &err)

@@ -49,8 +49,8 @@ ViewerReply Refusal(const ViewerMessage &message);
 /// May be called from any thread.
 ViewerReply ReadViewerReply(const ViewerMessage &message, const RawReply &reply);
 
-/// What the person wrote in it, a line's text or a name; else empty.
-QString WrittenText(const ViewerMessage &message);
+/// What the person wrote in a message, a line's text or a name; else empty.
+QString WrittenText(const QJsonObject &body);
 
 /// What became of a command that was not carried out, by its standard error.
 QString NotSavedText(const QString &err);

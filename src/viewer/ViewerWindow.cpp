@@ -56,6 +56,7 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
     m_view->onMessage = [this](const QJsonObject &body) {
         m_pageRuns = true;
         ++m_unanswered;
+        m_failed.removeAll(WrittenText(body)); // its answer tells
         Q_EMIT messagePosted(body, m_page);
     };
     m_view->onLoaded = [this] {
@@ -110,6 +111,8 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
         m_view->run(AnswerScript(reply.answer));
     if (!m_whenSaved.isEmpty())
         askForUnsaved();
+    else if (!reply.failure.isEmpty() && pageIsThere)
+        askForFailed();
     leaveWhenAnswered();
 }
 
@@ -129,7 +132,18 @@ void ViewerWindow::askForUnsaved()
     m_patience.start(pagePatienceMilliseconds);
     m_view->ask(UnsavedScript(), [this](const QVariant &said) {
         const QVariantMap texts = said.toMap();
-        hearUnsaved(texts.value(u"unsaved"_s).toStringList(), texts.value(u"failed"_s).toStringList());
+        if (!texts.isEmpty()) // nothing comes from a page that crashes meanwhile
+            hearUnsaved(texts.value(u"unsaved"_s).toStringList(), texts.value(u"failed"_s).toStringList());
+    });
+}
+
+/// What the page offers to try again stands in it alone, until it crashes.
+void ViewerWindow::askForFailed()
+{
+    m_view->ask(UnsavedScript(), [this, page = m_page](const QVariant &said) {
+        const QVariantMap texts = said.toMap();
+        if (page == m_page && !texts.isEmpty())
+            m_failed = texts.value(u"failed"_s).toStringList();
     });
 }
 
@@ -151,7 +165,6 @@ void ViewerWindow::goOn(bool complete)
     for (const std::function<void(bool complete)> &then : all)
         then(allSaved);
     m_unsaved.clear(); // what the page says next may be long after
-    m_failed.clear();
 }
 
 void ViewerWindow::setZoom(double factor)
@@ -222,7 +235,9 @@ void ViewerWindow::reportCrash()
 {
     m_pageGone = true;
     // What is with the engine will be answered all the same.
-    losePage(std::exchange(m_unsaved, {}).mid(m_unanswered));
+    const QStringList unsaved = std::exchange(m_unsaved, {}).mid(m_unanswered);
+    m_failedMeanwhile = m_failedMeanwhile || (!unsaved.isEmpty() && !m_whenSaved.isEmpty());
+    losePage(unsaved);
     if (m_life != Life::Open)
         m_life = Life::Unloaded;
     if (!m_whenSaved.isEmpty())

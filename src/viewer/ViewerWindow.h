@@ -43,6 +43,7 @@ private:
     void reportCrash();
     void offerToLoadAgain();
     void askForUnsaved();
+    void askForFailed();
     void hearUnsaved(const QStringList &unsaved, const QStringList &failed);
     void goOn(bool complete);
     void end();
@@ -60,7 +61,7 @@ private:
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages
     QStringList m_unsaved;                      ///< as the page said last
-    QStringList m_failed;                       ///< likewise: what it offers to try again
+    QStringList m_failed;                       ///< likewise: what it offers to try again, and has not posted since
     QList<std::function<void(bool complete)>> m_whenSaved;
     bool m_failedMeanwhile = false;             ///< a correction that those wait for
     QTimer m_patience{this};

@@ -33,7 +33,11 @@ public:
     void post(const QString &text) { onMessage({{u"text"_s, text}}); }
     void sayUnsaved(const QStringList &texts, const QStringList &failed = {})
     {
-        const QVariantMap said{{u"unsaved"_s, texts}, {u"failed"_s, failed}};
+        say(QVariantMap{{u"unsaved"_s, texts}, {u"failed"_s, failed}});
+    }
+    void sayNothing() { say({}); }
+    void say(const QVariant &said)
+    {
         const QList<std::function<void(const QVariant &)>> all = std::exchange(questions, {});
         for (const std::function<void(const QVariant &)> &answered : all)
             answered(said);
@@ -130,20 +134,70 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
     for (const bool closed : {false, true}) {
         SCOPED_TRACE(closed);
         m_told.clear();
-        bool done = false;
-        m_window->whenSaved([&](bool complete) { done = complete; });
+        QList<bool> done;
+        m_window->whenSaved([&](bool complete) { done.append(complete); });
         if (closed)
             m_window->close();
         page()->post(u"one"_s);
         page()->sayUnsaved({u"one"_s, u"two"_s});
         page()->onCrash();
-        EXPECT_FALSE(done) << "the first is with the engine";
+        EXPECT_EQ(done, QList<bool>()) << "the first is with the engine";
         answer(u"one"_s);
-        EXPECT_TRUE(done);
+        EXPECT_EQ(done, QList<bool>{false}) << "the second is in no file";
         EXPECT_EQ(m_told, QStringList{u"Could not save this change|two"_s});
         if (!closed)
             sheet()->answer(0);
     }
+    letGo();
+    EXPECT_TRUE(m_window.isNull());
+}
+
+TEST_F(ViewerWindows, WhatACrashedPageStillOfferedIsTold)
+{
+    const auto fail = [this](const QString &text) {
+        page()->post(text);
+        answer(text, u"disk full"_s);
+    };
+    fail(u"one"_s);
+    page()->sayUnsaved({}, {u"one"_s});
+    fail(u"two"_s);
+    page()->sayUnsaved({}, {u"one"_s, u"two"_s});
+    page()->post(u"one"_s); // tried again
+    answer(u"one"_s);
+    fail(u"three"_s);
+    page()->sayUnsaved({}, {u"two"_s, u"three"_s});
+    page()->post(u"three"_s);
+    page()->onCrash();
+    EXPECT_EQ(m_told, QStringList{u"Could not save this change|two"_s});
+    answer(u"three"_s);
+    EXPECT_EQ(m_told.size(), 1);
+
+    sheet()->answer(0);
+    page()->onCrash();
+    EXPECT_EQ(m_told.size(), 1) << "the page was loaded anew, and offered nothing";
+}
+
+TEST_F(ViewerWindows, WhatWasOfferedIsToldWhereThePageHangsAtItsEnd)
+{
+    page()->onLoaded();
+    page()->post(u"one"_s);
+    answer(u"one"_s, u"disk full"_s);
+    page()->sayUnsaved({}, {u"one"_s});
+    m_window->close();
+    losePatience();
+    EXPECT_EQ(m_told, QStringList{u"Could not save this change|one"_s});
+}
+
+TEST_F(ViewerWindows, APageThatCrashesWhileItIsAskedHasSaidNothing)
+{
+    page()->post(u"one"_s);
+    answer(u"one"_s, u"disk full"_s);
+    page()->sayUnsaved({}, {u"one"_s});
+    m_window->close();
+    page()->sayNothing();
+    EXPECT_FALSE(page()->unloads);
+    page()->onCrash();
+    EXPECT_EQ(m_told, QStringList{u"Could not save this change|one"_s});
     letGo();
     EXPECT_TRUE(m_window.isNull());
 }
