@@ -53,12 +53,11 @@ void AppDelegate::copyRowText(const QString &rowKey)
     const QString id = jobIdOf(rowKey);
     if (id.isEmpty())
         return;
-    RunCallTimeout(command::copyTranscript(id), this,
-                   [this](const EngineReply &reply) {
-                       flash(reply.status == 0 ? L(u"Text copied — paste it anywhere with ⌘V"_s)
-                                               : L(u"Could not copy the text"_s));
-                   },
-                   0);
+    const auto copied = [this](const EngineReply &reply) {
+        flash(reply.status == 0 ? L(u"Text copied — paste it anywhere with ⌘V"_s) : L(u"Could not copy the text"_s));
+    };
+    whenTextIsWhole(rowWithKey(rowKey).value("call_dir"_L1).toString(), m_ui.window.get(),
+                    [this, id, copied] { RunCallTimeout(command::copyTranscript(id), this, copied, 0); });
 }
 
 void AppDelegate::showRowInFinder(const QString &rowKey)

@@ -61,10 +61,15 @@ QString PauseScript()
     return u"document.querySelectorAll('audio').forEach(function(a){a.pause()})"_s;
 }
 
-QString UnsavedScript()
+QString UnsavedScript(bool endsEdit)
 {
-    return u"({unsaved:window.tuppiUnsaved?window.tuppiUnsaved():[],"
-           "failed:window.tuppiFailed?window.tuppiFailed():[]})"_s;
+    return u"({unsaved:window.tuppiUnsaved?window.tuppiUnsaved(%1):[],"
+           "failed:window.tuppiFailed?window.tuppiFailed():[]})"_s.arg(endsEdit ? u"true"_s : u"false"_s);
+}
+
+QString FailedScript()
+{
+    return u"({failed:window.tuppiFailed?window.tuppiFailed():[]})"_s;
 }
 
 } // namespace tuppi

@@ -27,8 +27,11 @@ QString ShowTabScript(bool summary);
 /// Stops whatever the page plays.
 QString PauseScript();
 
-/// Ends an open edit; its value has what was written in each correction that is not saved yet (`unsaved`), and in each
-/// that failed and that the page still offers (`failed`).
-QString UnsavedScript();
+/// Its value has what was written in each correction that is not saved yet (`unsaved`), and in each that failed and that
+/// the page still offers (`failed`). With `endsEdit` it ends an open edit first.
+QString UnsavedScript(bool endsEdit);
+
+/// Its value has the second of these alone.
+QString FailedScript();
 
 } // namespace tuppi

@@ -65,14 +65,14 @@ ViewerWindow::ViewerWindow(const ResultPlan &plan, WebViews &views, const QStrin
         if (m_summary)
             m_view->run(ShowTabScript(*m_summary));
         if (!m_whenSaved.isEmpty())
-            askForUnsaved();
+            askForUnsaved(true);
     };
     m_view->onCrash = [this] { reportCrash(); };
     m_view->onUnloaded = [this] {
         if (m_life == Life::Ending)
             m_life = Life::Unloaded;
         if (!m_whenSaved.isEmpty())
-            askForUnsaved();
+            askForUnsaved(false);
         leaveWhenAnswered();
     };
     m_view->onMenu = [this](const QPoint &place, const QList<WebView::Command> &commands) {
@@ -89,6 +89,14 @@ void ViewerWindow::load()
     m_pageGone = false;
     m_summary.reset();
     m_view->load();
+}
+
+/// Never while the engine is at work: the numbers of the lines would be those from before a split or a join.
+void ViewerWindow::loadWhenAnswered()
+{
+    m_loadsWhenAnswered = m_unanswered > 0;
+    if (!m_loadsWhenAnswered)
+        load();
 }
 
 void ViewerWindow::showTab(bool summary)
@@ -110,27 +118,30 @@ void ViewerWindow::answer(int page, const ViewerReply &reply, const QString &wri
     if (pageIsThere)
         m_view->run(AnswerScript(reply.answer));
     if (!m_whenSaved.isEmpty())
-        askForUnsaved();
-    else if (!reply.failure.isEmpty() && pageIsThere)
+        askForUnsaved(false);
+    else if (pageIsThere && (!reply.failure.isEmpty() || !m_failed.isEmpty()))
         askForFailed();
+    if (m_loadsWhenAnswered && m_life == Life::Open)
+        loadWhenAnswered();
     leaveWhenAnswered();
 }
 
 void ViewerWindow::whenSaved(std::function<void(bool complete)> then)
 {
     m_whenSaved.append(std::move(then));
-    askForUnsaved();
+    askForUnsaved(true);
 }
 
-/// The page posts a correction after the answer to the one before, and so is asked again after every answer.
-void ViewerWindow::askForUnsaved()
+/// The page posts a correction after the answer to the one before, and so is asked again after every answer. By then the
+/// person may be at the next edit, which is not waited for.
+void ViewerWindow::askForUnsaved(bool endsEdit)
 {
     if (m_pageGone || m_life == Life::Unloaded) {
         hearUnsaved({}, {});
         return;
     }
     m_patience.start(pagePatienceMilliseconds);
-    m_view->ask(UnsavedScript(), [this](const QVariant &said) {
+    m_view->ask(UnsavedScript(endsEdit), [this](const QVariant &said) {
         const QVariantMap texts = said.toMap();
         if (!texts.isEmpty()) // nothing comes from a page that crashes meanwhile
             hearUnsaved(texts.value(u"unsaved"_s).toStringList(), texts.value(u"failed"_s).toStringList());
@@ -140,7 +151,7 @@ void ViewerWindow::askForUnsaved()
 /// What the page offers to try again stands in it alone, until it crashes.
 void ViewerWindow::askForFailed()
 {
-    m_view->ask(UnsavedScript(), [this, page = m_page](const QVariant &said) {
+    m_view->ask(FailedScript(), [this, page = m_page](const QVariant &said) {
         const QVariantMap texts = said.toMap();
         if (page == m_page && !texts.isEmpty())
             m_failed = texts.value(u"failed"_s).toStringList();
@@ -188,6 +199,8 @@ bool ViewerWindow::stay()
         return false;
     m_life = Life::Open;
     tellLost();
+    if (m_pageGone)
+        loadWhenAnswered();
     return true;
 }
 
@@ -241,7 +254,7 @@ void ViewerWindow::reportCrash()
     if (m_life != Life::Open)
         m_life = Life::Unloaded;
     if (!m_whenSaved.isEmpty())
-        askForUnsaved();
+        askForUnsaved(false);
     if (m_life == Life::Unloaded)
         leaveWhenAnswered();
     else
@@ -258,7 +271,7 @@ void ViewerWindow::offerToLoadAgain()
     text.isWarning = true;
     Sheet::open(this, text, [this](int button) {
         if (button == 0)
-            load();
+            loadWhenAnswered();
         else
             close();
     });

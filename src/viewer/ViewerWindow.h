@@ -40,9 +40,10 @@ private:
     enum class Life { Open, Saving, Ending, Unloaded };
 
     void load();
+    void loadWhenAnswered();
     void reportCrash();
     void offerToLoadAgain();
-    void askForUnsaved();
+    void askForUnsaved(bool endsEdit);
     void askForFailed();
     void hearUnsaved(const QStringList &unsaved, const QStringList &failed);
     void goOn(bool complete);
@@ -58,6 +59,7 @@ private:
     std::optional<bool> m_summary;              ///< the tab asked for since the page was loaded
     bool m_pageRuns = false;                    ///< it has been loaded, or has posted something
     bool m_pageGone = false;                    ///< crashed, and not loaded again
+    bool m_loadsWhenAnswered = false;           ///< it is wanted again
     Life m_life = Life::Open;
     int m_unanswered = 0;                       ///< messages
     QStringList m_unsaved;                      ///< as the page said last

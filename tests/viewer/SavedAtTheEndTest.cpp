@@ -199,6 +199,30 @@ TEST_F(SavedAtTheEnd, SharingWaitsForTheTextThatIsBeingWritten)
     EXPECT_EQ(test::readFile(shared), "New");
 }
 
+TEST_F(SavedAtTheEnd, CopyingFromTheListWaitsForWhatIsBeingSaved)
+{
+    openWithThreeEdits();
+    m_app->copyRowText(u"id-a"_s);
+    EXPECT_TRUE(waitFor([this] { return m_engine.count(u"edit"_s) == 1; }));
+    EXPECT_EQ(m_engine.count(u"copy"_s), 0);
+    m_engine.openGate("gate");
+    EXPECT_TRUE(waitFor([this] { return m_engine.count(u"copy"_s) == 1; }));
+    EXPECT_EQ(savedTexts(), allThree);
+}
+
+TEST_F(SavedAtTheEnd, AnOpenEditOutlivesTheFailureOfAnother)
+{
+    m_engine.answer(u"edit"_s, test::Answer::failure(1, "Error: disk full\n").heldAt("gate"));
+    ViewerWindow *opened = openReal();
+    for (const QString &line : {u"0"_s, u"1"_s})
+        page(opened)->run(u"openEditor(state.lines[%1], 0); area.value = 'New %1'"_s.arg(line));
+    ASSERT_TRUE(waitFor([this] { return m_engine.count(u"edit"_s) == 1; }));
+    m_engine.openGate("gate");
+    ASSERT_TRUE(becomes(opened, u"tuppiFailed()"_s, R"(["New 0"])"));
+    EXPECT_TRUE(becomes(opened, u"document.activeElement === area && area.value"_s, R"("New 1")"));
+    EXPECT_EQ(m_engine.count(u"edit"_s), 1);
+}
+
 TEST_F(SavedAtTheEnd, ATextThatLacksACorrectionIsSharedAfterAWord)
 {
     ViewerWindow *opened = openWithThreeEdits();

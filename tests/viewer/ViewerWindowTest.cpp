@@ -25,7 +25,11 @@ public:
 
     void load() override { ++loads; }
     void run(const QString &script) override { scripts.append(script); }
-    void ask(const QString &, std::function<void(const QVariant &)> answered) override { questions.append(std::move(answered)); }
+    void ask(const QString &script, std::function<void(const QVariant &)> answered) override
+    {
+        asked.append(script);
+        questions.append(std::move(answered));
+    }
     void unload() override { unloads = true; }
     void perform(Command) override { }
     void setZoom(double) override { }
@@ -45,6 +49,7 @@ public:
 
     int loads = 0;
     QStringList scripts;
+    QStringList asked;
     QList<std::function<void(const QVariant &)>> questions;
     bool unloads = false;
 };
@@ -120,9 +125,10 @@ TEST_F(ViewerWindows, AFailureAfterACrashIsTold)
     answer(u"one"_s, u"disk full"_s);
     EXPECT_EQ(m_told, QStringList{u"disk full|one"_s});
     sheet()->answer(0);
-    EXPECT_EQ(page()->loads, 2);
+    EXPECT_EQ(page()->loads, 1) << "the second, a split perhaps, is still with the engine";
     answer(u"two"_s, u"busy"_s);
     EXPECT_EQ(m_told, (QStringList{u"disk full|one"_s, u"busy|two"_s}));
+    EXPECT_EQ(page()->loads, 2);
     page()->post(u"three"_s);
     answer(u"three"_s, u"busy"_s);
     EXPECT_EQ(m_told.size(), 2);
@@ -152,6 +158,40 @@ TEST_F(ViewerWindows, WhatACrashedPageHadNotPostedIsTold)
     EXPECT_TRUE(m_window.isNull());
 }
 
+TEST_F(ViewerWindows, AnOpenEditIsEndedByTheFirstQuestionAlone)
+{
+    page()->post(u"one"_s);
+    answer(u"one"_s, u"disk full"_s);
+    EXPECT_EQ(page()->asked, QStringList{FailedScript()});
+    page()->sayUnsaved({}, {u"one"_s});
+    page()->post(u"two"_s);
+    answer(u"two"_s);
+    EXPECT_EQ(page()->asked.size(), 2) << "as long as something is offered";
+    page()->sayUnsaved({});
+    page()->asked.clear();
+    page()->post(u"three"_s);
+    answer(u"three"_s);
+    EXPECT_EQ(page()->asked, QStringList());
+
+    page()->post(u"four"_s);
+    m_window->close();
+    page()->sayUnsaved({u"four"_s});
+    EXPECT_TRUE(m_window->stay());
+    answer(u"four"_s);
+    EXPECT_EQ(page()->asked, (QStringList{UnsavedScript(true), UnsavedScript(false)}));
+}
+
+TEST_F(ViewerWindows, ACrashedPageThatIsTakenBackIsLoadedWhenTheEngineHasAnswered)
+{
+    page()->post(u"one"_s);
+    page()->onCrash();
+    sheet()->answer(1);
+    EXPECT_TRUE(m_window->stay());
+    EXPECT_EQ(page()->loads, 1);
+    answer(u"one"_s);
+    EXPECT_EQ(page()->loads, 2);
+}
+
 TEST_F(ViewerWindows, WhatACrashedPageStillOfferedIsTold)
 {
     const auto fail = [this](const QString &text) {
@@ -173,6 +213,7 @@ TEST_F(ViewerWindows, WhatACrashedPageStillOfferedIsTold)
     EXPECT_EQ(m_told.size(), 1);
 
     sheet()->answer(0);
+    ASSERT_EQ(page()->loads, 2);
     page()->onCrash();
     EXPECT_EQ(m_told.size(), 1) << "the page was loaded anew, and offered nothing";
 }

@@ -96,6 +96,36 @@ class Edit(ViewerCase):
         self.await_settled()
         self.assertEqual(self.texts()[1], "New.")
 
+    def test_one_whose_line_was_opened_again_is_offered_when_that_is_left(self):
+        self.rewrite(1, "New.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.edit(1)
+        self.answer("tuppiSaved", 1, False, "Not saved: disk full", "New.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["New."])
+        self.browser.keys("Escape")
+        self.assertEqual(self.texts()[1], TEXTS[1])
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["New."])
+        self.browser.click("#notice-again")
+        self.assertEqual(self.browser.get("document.activeElement.value"), "New.")
+        self.no_more_messages()
+
+    def test_who_asks_again_what_is_saved_leaves_the_next_edit_alone(self):
+        self.rewrite(0, "First.")
+        self.browser.keys("Control+Enter")
+        self.rewrite(1, "Seco")
+        self.assertEqual(self.browser.get("[tuppiUnsaved(false), tuppiFailed()]"), [["First."], []])
+        self.browser.type("nd.")
+        self.message()
+        self.answer("tuppiSaved", 0, False, "Not saved: disk full", "First.")
+        self.await_notice("Not saved: disk full", failed=True)
+        self.assertEqual(self.browser.get("[tuppiUnsaved(false), tuppiFailed()]"), [[], ["First."]])
+        self.assertEqual(self.browser.get("document.activeElement.value"), "Second.")
+        self.no_more_messages()
+        self.assertEqual(self.browser.get("tuppiUnsaved()"), ["Second."])
+        self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "Second."})
+
     def test_one_taken_back_before_the_first_failed_hides_nothing_later(self):
         for text in ("New.", TEXTS[0]):
             self.rewrite(0, text)
@@ -569,9 +599,23 @@ class Rename(ViewerCase):
         self.write_name("Dora")
         self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
         self.await_notice("Could not save this change", failed=True)
+        self.assertEqual(self.browser.get("tuppiFailed()"), ["Cleo", "Dora"])
         self.await_settled()
         self.no_more_messages()
         self.assertEqual(self.names(), NAMES)
+
+    def test_again_with_others_after_one_that_fails(self):
+        self.open_menu(0, everywhere=True)
+        self.choose(BORIS)
+        self.message()
+        self.open_menu(0, everywhere=True)
+        self.write_name("Bob")
+        self.assertEqual(self.names(), ["Bob"] * 4)
+        self.answer("tuppiRenamed", False, "Not saved: busy", ANNA, ANNA)
+        self.assertEqual(self.message(), {"kind": "rename", "old": BORIS, "name": "Bob"})
+        self.answer("tuppiRenamed", True, "Renamed in 1 line", BORIS, "Bob")
+        self.await_settled()
+        self.assertEqual(self.names(), [ANNA, ANNA, "Bob", ANNA])
 
     def test_one_that_waits_is_shown(self):
         self.rewrite(3, "New.")
@@ -699,6 +743,36 @@ class Undo(ViewerCase):
         self.answer("tuppiSaved", 1, False, "Not saved", "New.")
         self.await_settled()
         self.assertTrue(self.browser.get("document.getElementById('undo').disabled"))
+
+    def test_what_fails_on_its_way_is_not_undone_and_nothing_in_its_place(self):
+        self.rewrite(0, "First.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.answer("tuppiSaved", 0, True, "Saved", "First.")
+        self.await_settled()
+        self.rewrite(1, "Second.")
+        self.browser.keys("Control+Enter")
+        self.message()
+        self.undo()
+        self.answer("tuppiSaved", 1, False, "Not saved", "Second.")
+        self.await_notice("Not saved", failed=True)
+        self.await_settled()
+        self.assertEqual(self.texts(), ["First.", *TEXTS[1:]])
+        self.assertEqual(self.browser.get("tuppiUnsaved()"), [])
+        self.no_more_messages()
+        self.undo()
+        self.assertEqual(self.message(), {"kind": "edit", "index": 0, "text": TEXTS[0]})
+
+    def test_a_change_that_was_saved_and_then_not_split_is_undone(self):
+        self.rewrite(0, "One two four.")
+        self.browser.run("document.activeElement.setSelectionRange(3, 3)")
+        self.browser.keys("Enter")
+        self.message()
+        self.undo()
+        self.answer("tuppiSaved", 0, True, "Saved", "One two four.")
+        self.assertEqual(self.message()["kind"], "split")
+        self.answer("tuppiSplit", 0, False, "Not saved", None, None)
+        self.assertEqual(self.message(), {"kind": "edit", "index": 0, "text": TEXTS[0]})
 
     def test_speaker(self):
         self.open_menu(1, everywhere=False)

@@ -423,6 +423,18 @@ class Keyboard(ViewerCase):
             stops.append(stop)
         self.assertEqual(stops, ["tab-transcript", "query", "headed", "time", "speaker voice-2", "set-speaker", "edit-line"])
 
+    def test_the_tools_stay_with_the_keyboard_when_lines_pass_below_a_pointer_that_rests(self):
+        self.load()
+        place = "lineOf(document.getElementById('edit-line')) === state.lines[arguments[0]]"
+        pass_below = "state.lines[4].parts.text.dispatchEvent(new PointerEvent('pointerover', {bubbles: true}))"
+        self.browser.run("document.querySelector('.line > div').focus()")
+        self.browser.keys("Down")
+        self.browser.run(pass_below)
+        self.assertTrue(self.browser.get(place, 1))
+        self.browser.click(".line:nth-child(3) .text")
+        self.browser.run(pass_below)
+        self.assertTrue(self.browser.get(place, 4), "who points gets them")
+
     def test_arrows_walk_the_lines(self):
         self.load()
         self.browser.run("document.querySelector('.line > div').focus()")
