@@ -225,15 +225,14 @@ private:
     QString jobIdOf(const QString &rowKey) const;
     void showRows();
     void showEmptyState();
-    void restoreFrame();
-    void rememberFrame();
+    void restoreFrame(QWidget *window, const QString &key);
+    void rememberFrame(const QWidget *window, const QString &key);
     bool showOpenResult(const ResultPlan &plan);
     void openTextWindow(const ResultPlan &plan);
     void openViewerWindow(const ResultPlan &plan, bool withoutSandbox);
     void offerTextInstead(const ResultPlan &plan, bool forLackOfSandbox);
     void showResultAsText(const ResultPlan &plan);
     void addResultWindow(ResultWindow *window);
-    void rememberResultFrame(const ResultWindow *window);
     void tellLost(const QString &title, const QString &reason, const QStringList &written);
     void viewerMessage(ViewerWindow *window, const QJsonObject &body, int page);
 

@@ -36,7 +36,7 @@ SettingsTabs::SettingsTabs(QWidget *parent)
 void SettingsTabs::addTabOf(const QString &symbol, const QString &title)
 {
     // An ampersand is an ampersand, not a shortcut.
-    const int tab = addTab(QString(title).replace(u'&', QStringLiteral("&&")));
+    const int tab = addTab(withoutMnemonic(title));
     setTabData(tab, symbol);
     setAccessibleTabName(tab, title);
 }

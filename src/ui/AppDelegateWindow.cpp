@@ -33,7 +33,8 @@ void AppDelegate::buildWindow()
     connect(window, &MainWindow::command, this, &AppDelegate::perform);
     connect(window, &MainWindow::rowCommand, this, &AppDelegate::performOnRow);
     connect(window, &MainWindow::filesDropped, this, &AppDelegate::addFiles);
-    connect(window, &MainWindow::frameChanged, this, &AppDelegate::rememberFrame);
+    const auto remember = [this, window] { rememberFrame(window, u"windowFrame"_s); };
+    connect(window, &MainWindow::frameChanged, this, remember);
     connect(window, &MainWindow::firstPainted, window, applyIcon);
     connect(this, &AppDelegate::rowsChanged, window, [this] { showRows(); });
     connect(this, &AppDelegate::refreshed, window, [this] { showEmptyState(); });
@@ -44,8 +45,8 @@ void AppDelegate::buildWindow()
         text.detail = detail;
         Sheet::open(window, text);
     });
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::rememberFrame);
-    restoreFrame();
+    connect(qApp, &QCoreApplication::aboutToQuit, this, remember);
+    restoreFrame(window, u"windowFrame"_s);
     refreshSoundUI();
     refresh();
     window->bringForward();
@@ -61,18 +62,16 @@ void AppDelegate::showEmptyState()
     m_ui.window->setEmpty(m_list.snapshot.rows.isEmpty() && m_jobs.loaded);
 }
 
-void AppDelegate::restoreFrame()
+/// Where it stood when that was last remembered, else in the middle of the screen.
+void AppDelegate::restoreFrame(QWidget *window, const QString &key)
 {
-    const QByteArray frame = QByteArray::fromBase64(m_queue.defaults.text(u"windowFrame"_s).toLatin1());
-    if (m_ui.window->restoreGeometry(frame))
-        return;
-    const QRect screen = m_ui.window->screen()->availableGeometry();
-    m_ui.window->move(screen.center() - m_ui.window->rect().center());
+    if (!window->restoreGeometry(QByteArray::fromBase64(m_queue.defaults.text(key).toLatin1())))
+        window->move(window->screen()->availableGeometry().center() - window->rect().center());
 }
 
-void AppDelegate::rememberFrame()
+void AppDelegate::rememberFrame(const QWidget *window, const QString &key)
 {
-    m_queue.defaults.set({{u"windowFrame"_s, QString::fromLatin1(m_ui.window->saveGeometry().toBase64())}});
+    m_queue.defaults.set({{key, QString::fromLatin1(window->saveGeometry().toBase64())}});
 }
 
 void AppDelegate::perform(const QString &action)

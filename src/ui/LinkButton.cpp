@@ -17,7 +17,7 @@ constexpr double radius = 8;
 } // namespace
 
 LinkButton::LinkButton(const QString &title, QWidget *parent)
-    : QPushButton(QString(title).replace(u'&', QStringLiteral("&&")), parent)
+    : QPushButton(withoutMnemonic(title), parent)
     , m_title(title)
 {
     setFont(System(13, QFont::ExtraBold));

@@ -209,10 +209,7 @@ void MainWindow::openRowMenu(const QString &key, const QPoint &position)
 
 void MainWindow::bringForward()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    bringWindowForward(this);
 }
 
 bool MainWindow::event(QEvent *event)

@@ -42,6 +42,11 @@ QString plainToolTip(const QString &text)
     return Qt::mightBeRichText(text) ? u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s : text;
 }
 
+QString withoutMnemonic(const QString &text)
+{
+    return QString(text).replace(u'&', u"&&"_s);
+}
+
 QString onOneLine(const QString &text)
 {
     QString line = text;

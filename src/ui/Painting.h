@@ -20,6 +20,9 @@ inline constexpr double focusInset = 3.5;
 /// A text as a tool tip that shows it as it stands: a file name may look like markup.
 QString plainToolTip(const QString &text);
 
+/// A text as the title of a button or a menu's command that shows it as it stands: an ampersand is no key there.
+QString withoutMnemonic(const QString &text);
+
 /// The text on one line: line breaks, which a file name may hold, become blanks.
 QString onOneLine(const QString &text);
 

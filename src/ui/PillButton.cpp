@@ -77,7 +77,7 @@ void PillButton::setTitle(const QString &title)
     if (m_title == title)
         return;
     m_title = title;
-    setText(QString(title).replace(u'&', u"&&"_s));
+    setText(withoutMnemonic(title));
     updateGeometry();
     update();
 }

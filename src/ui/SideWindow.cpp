@@ -20,7 +20,6 @@ SideWindow::SideWindow(const QString &title)
 
 void SideWindow::bringForward()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
     if (!m_isPlaced) {
         ensurePolished();
         const QRect free = screen()->availableGeometry();
@@ -29,9 +28,7 @@ void SideWindow::bringForward()
         move(place.topLeft());
         m_isPlaced = true;
     }
-    show();
-    raise();
-    activateWindow();
+    bringWindowForward(this);
 }
 
 } // namespace tuppi

@@ -32,7 +32,7 @@ void drawTick(QPainter &painter, const QRectF &bounds)
 } // namespace
 
 TickBox::TickBox(const QString &title, QWidget *parent)
-    : QCheckBox(QString(title).replace(u'&', QStringLiteral("&&")), parent)
+    : QCheckBox(withoutMnemonic(title), parent)
     , m_title(title)
 {
     setFont(System(14, QFont::ExtraBold));

@@ -1,6 +1,7 @@
 #include "ui/WindowCommands.h"
 
 #include "actions/Menus.h"
+#include "ui/Painting.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -52,14 +53,15 @@ QWidgetList openWindows()
     return open;
 }
 
-void bringForward(QWidget *window)
+} // namespace
+
+void bringWindowForward(QWidget *window)
 {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
     window->raise();
     window->activateWindow();
 }
-
-} // namespace
 
 void PerformForFocus(QWidget *window, const QString &action)
 {
@@ -105,10 +107,10 @@ void ListWindowsIn(QMenu *menu)
         listed = {menu->addSeparator()};
         const QWidgetList open = openWindows();
         for (QWidget *window : open) {
-            QAction *action = menu->addAction(window->windowTitle().replace(u'&', u"&&"_s));
+            QAction *action = menu->addAction(withoutMnemonic(window->windowTitle()));
             action->setCheckable(true);
             action->setChecked(window->isActiveWindow());
-            QObject::connect(action, &QAction::triggered, window, [window] { bringForward(window); });
+            QObject::connect(action, &QAction::triggered, window, [window] { bringWindowForward(window); });
             listed.append(action);
         }
     });

@@ -11,6 +11,9 @@ QT_END_NAMESPACE
 
 namespace tuppi {
 
+/// Shows the window, minimised or not, above the others and with the keyboard.
+void bringWindowForward(QWidget *window);
+
 /// Does what a command of the menu bar does to windows and to whatever has the keyboard: closing, minimising, editing,
 /// quitting. `window` is meant where no window of the program is the active one.
 void PerformForFocus(QWidget *window, const QString &action);

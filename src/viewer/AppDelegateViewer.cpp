@@ -17,7 +17,6 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QRegularExpression>
-#include <QScreen>
 
 #include <utility>
 
@@ -121,22 +120,15 @@ void AppDelegate::addResultWindow(ResultWindow *window)
 {
     m_viewer.callQuitOff();
     m_viewer.resultWindows.insert(window->plan().key(), window);
-    connect(window, &ResultWindow::frameChanged, this, [this, window] { rememberResultFrame(window); });
+    connect(window, &ResultWindow::frameChanged, this, [this, window] { rememberFrame(window, window->plan().frame()); });
     connect(window, &ResultWindow::closing, this, [this, window] { m_viewer.forget(window); });
     connect(window, &ResultWindow::command, this, &AppDelegate::perform);
     qApp->installEventFilter(&m_viewer); // here: without a result window no event comes this way
     connect(window, &ResultWindow::saveRequested, this, [this, window] { saveTextForDir(window->callDir(), window); });
     connect(window, &ResultWindow::shareRequested, this,
             [this, window](QWidget *anchor) { shareTextForDir(window->callDir(), anchor); });
-    const QByteArray frame = QByteArray::fromBase64(m_queue.defaults.text(window->plan().frame()).toLatin1());
-    if (!window->restoreGeometry(frame))
-        window->move(window->screen()->availableGeometry().center() - window->rect().center());
+    restoreFrame(window, window->plan().frame());
     window->bringForward();
-}
-
-void AppDelegate::rememberResultFrame(const ResultWindow *window)
-{
-    m_queue.defaults.set({{window->plan().frame(), QString::fromLatin1(window->saveGeometry().toBase64())}});
 }
 
 /// Where the page that could have told it is gone. A quit is off: what was written stands nowhere else.

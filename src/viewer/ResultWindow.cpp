@@ -71,10 +71,7 @@ void ResultWindow::showTab(bool)
 
 void ResultWindow::bringForward()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    bringWindowForward(this);
 }
 
 void ResultWindow::whenSaved(std::function<void(bool complete)> then)
