@@ -64,6 +64,7 @@ void AppDelegate::statusArrived(const std::optional<QJsonObject> &status, const 
     if (history) {
         m_jobs.history = history;
         m_jobs.loaded = true;
+        m_jobs.startUnlisted = false; // a start that is answered has the engine asked anew
         settleInterruptedStart(context.interruptedStartEnded);
         updatePurr();
         notifyTransitions(history);

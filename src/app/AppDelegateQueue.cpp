@@ -133,6 +133,7 @@ void AppDelegate::startAnswered(const EngineReply &reply)
     m_jobs.starting = false;
     m_jobs.beforeStart.reset();
     ++m_jobs.startGeneration;
+    m_jobs.startUnlisted = reply.status == 0;
     saveWaiting();
     Q_EMIT startFinished(path, reply.status == 0);
     refresh();

@@ -31,6 +31,7 @@ struct JobsState
     qint64 startedAt = 0;         ///< when it began, seconds since 1970
     HistoryPointer beforeStart;   ///< the last usable history before it, null when there was none
     int startGeneration = 0;      ///< starts completed so far
+    bool startUnlisted = false;   ///< the engine has taken a file since the last usable history was asked for
     std::optional<StartRecord> interruptedStart;  ///< of an earlier run, its fate not yet known
 
     /// A file is between the queue and the engine's history, of this run or of an interrupted one.

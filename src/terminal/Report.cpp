@@ -14,6 +14,12 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// The engine has taken the file, but which job is its own is not known yet.
+bool awaitsJob(const FollowedFile &file)
+{
+    return file.handedOver && file.jobId.isEmpty() && !file.refused;
+}
+
 bool hasEnded(const FollowedFile &file)
 {
     return file.refused || (!file.jobId.isEmpty() && !IsActiveStage(file.stage) && file.stage != "paused"_L1);
@@ -39,8 +45,7 @@ bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
 {
     const QString title = jobs.titleAt(index);
     const auto file = std::find_if(m_files.begin(), m_files.end(), [&](const FollowedFile &candidate) {
-        return candidate.handedOver && candidate.jobId.isEmpty() && !candidate.refused
-            && (anyTitle || IsTitleOfFile(title, candidate.path));
+        return awaitsJob(candidate) && (anyTitle || IsTitleOfFile(title, candidate.path));
     });
     if (file == m_files.end())
         return false;
@@ -62,28 +67,42 @@ void Report::claimFirstJobs(const History &history)
     }
 }
 
-/// Another process's job may stand before ours: no file takes a job without its title while others are unasked.
-void Report::claimNewJobs(const History &history)
+bool Report::isFollowed(const QString &id) const
+{
+    return std::any_of(m_files.begin(), m_files.end(), [&](const FollowedFile &file) { return file.jobId == id; });
+}
+
+bool Report::lacksJob() const
+{
+    return std::any_of(m_files.begin(), m_files.end(), awaitsJob);
+}
+
+/// Another process's job may stand before ours: no file takes a job without its title while others are unasked, nor
+/// from a history that may be older than its own job.
+void Report::claimNewJobs(const History &history, bool isCurrent)
 {
     const QSet<QString> known(m_knownJobs.begin(), m_knownJobs.end());
     QList<qsizetype> unclaimed;
     for (qsizetype index = 0; index < history.entries.size(); ++index) {
-        if (!known.contains(history.entries.idAt(index)) && !claim(history.entries, index, false))
+        const QString id = history.entries.idAt(index);
+        if (!known.contains(id) && !isFollowed(id) && !claim(history.entries, index, false))
             unclaimed.append(index);
     }
+    if (!isCurrent)
+        return;
     for (const qsizetype index : unclaimed)
         claim(history.entries, index, true);
 }
 
-void Report::claimJobs(const History &history, bool starting)
+void Report::claimJobs(const JobsState &jobs)
 {
     if (m_loaded)
-        claimNewJobs(history);
+        claimNewJobs(*jobs.history, !jobs.startUnlisted);
     else
-        claimFirstJobs(history);
+        claimFirstJobs(*jobs.history);
     // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
-    if (!m_loaded || !starting)
-        m_knownJobs = JobIds(history);
+    if (!m_loaded || !(jobs.starting || lacksJob()))
+        m_knownJobs = JobIds(*jobs.history);
     m_loaded = true;
 }
 
@@ -107,7 +126,7 @@ QList<ReportLine> Report::update(const JobsState &jobs, const QJsonArray &custom
 {
     QList<ReportLine> lines;
     if (jobs.loaded)
-        claimJobs(*jobs.history, jobs.starting);
+        claimJobs(jobs);
     const Rows rows = BuildRows(jobs).rows;
     for (qsizetype index = 0; index < rows.locals(); ++index) {
         const QJsonObject row = rows.at(index);

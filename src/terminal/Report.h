@@ -56,9 +56,11 @@ public:
 
 private:
     FollowedFile &fileFor(const QString &path);
-    void claimJobs(const History &history, bool starting);
+    void claimJobs(const JobsState &jobs);
     void claimFirstJobs(const History &history);
-    void claimNewJobs(const History &history);
+    void claimNewJobs(const History &history, bool isCurrent);
+    bool isFollowed(const QString &id) const;
+    bool lacksJob() const;
     bool claim(const JobList &jobs, qsizetype index, bool anyTitle);
     bool report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,
                 QList<ReportLine> &lines);

@@ -18,6 +18,7 @@ protected:
     {
         m_jobs.history = std::make_shared<const History>(ArrangeHistory(test::array(history)));
         m_jobs.loaded = true;
+        m_jobs.startUnlisted = false;
     }
     void startFirst()
     {
@@ -27,6 +28,7 @@ protected:
     void answerStart(bool taken)
     {
         m_jobs.starting = false;
+        m_jobs.startUnlisted = taken;
         m_report.startFinished(WaitingPath(m_jobs.startingEntry), taken);
     }
     /// "title: text" of every new line, one that only moves on marked by "~".
@@ -204,6 +206,41 @@ TEST_F(ReportTest, JobListedBeforeItsStartIsAnsweredIsTheFiles)
     EXPECT_EQ(giveUp(), QStringList());
     EXPECT_EQ(m_report.files().first().jobId, u"7"_s);
     EXPECT_TRUE(m_report.allReady());
+}
+
+TEST_F(ReportTest, JobOfSomebodyElseThatAppearsDuringAStartIsNotTheFiles)
+{
+    load("[]");
+    update();
+    wait({u"/x/talk.m4a"_s});
+    startFirst();
+    load(R"([{"id":"foreign","title":"other","status":"ready"}])");
+    update();
+    answerStart(true);
+    update(); // the history is still the one from before the answer
+    EXPECT_FALSE(m_report.isFinished(m_jobs));
+    load(R"([{"id":"j","title":"talk","status":"queued"},{"id":"foreign","title":"other","status":"ready"}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Starting…"_s});
+    ASSERT_EQ(m_report.files().size(), 1);
+    EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
+}
+
+TEST_F(ReportTest, JobWithAnotherTitleThatIsListedBeforeTheAnswerIsTakenAfterIt)
+{
+    load("[]");
+    update();
+    wait({u"/x/talk.m4a"_s});
+    startFirst();
+    update();
+    load(R"([{"id":"j","title":"A talk about cats","status":"queued"}])");
+    update();
+    answerStart(true);
+    update();
+    EXPECT_EQ(m_report.files().first().jobId, u""_s);
+    load(R"([{"id":"j","title":"A talk about cats","status":"queued"}])");
+    update();
+    EXPECT_EQ(giveUp(), QStringList());
+    EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
 }
 
 TEST_F(ReportTest, RefusedFileEndsTheRunWithoutBeingReady)

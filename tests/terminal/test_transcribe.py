@@ -446,6 +446,21 @@ class TwoProcesses(TranscribeTest):
         self.assertEqual(self.engine.waiting(), [])
 
 
+    def test_job_of_somebody_else_that_appears_during_a_start_is_left_to_them(self):
+        self.engine.keep_book("ready")
+        self.engine.answer("process", before='wait_for process\nlocked book_add "$2"', nth=1)
+        run = self.start(self.one)
+        run.wait_for("one: Copying the file…")
+        self.engine.set_job(1, title="other", status="ready", call_dir="/calls/other")
+        asked = len(self.engine.calls("history"))
+        self.engine.touch_state()
+        # The second one is asked for when the first, which has the other's job, has been read.
+        wait_until(lambda: len(self.engine.calls("history")) >= asked + 2)
+        self.engine.open_gate("process")
+        self.assertEqual(run.end(), 0)
+        self.assertEqual(run.out.splitlines()[-1], "one: /calls/one")
+
+
 class OnATerminal(TranscribeTest):
     TEXT = ": Listening and writing down… "
 
