@@ -2,6 +2,8 @@
 
 #include "engine/Stages.h"
 
+#include <QDir>
+#include <QRegularExpression>
 #include <QSet>
 
 namespace tuppi {
@@ -10,14 +12,28 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Whether a job may be of that start. One under way still has its file's title; one that has ended may have got
-/// another, but did not end before the start.
+/// The engine names a call dir after time and file when it takes the file, and the dir keeps that name whatever the
+/// transcript is called later. Where it names them otherwise, none is recognised.
+bool isDirOfFile(const QString &callDir, const QString &path)
+{
+    static const QRegularExpression time(u"^\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d "_s);
+    static const QRegularExpression number(u" \\(\\d+\\)$"_s);
+    const QString name = QDir(callDir).dirName().remove(time);
+    // A file's name may itself end like the number of a folder.
+    return IsTitleOfFile(name, path) || IsTitleOfFile(QString(name).remove(number), path);
+}
+
+/// Whether a job may be of that start: it has its file's title, which only a transcript that is ready may have changed,
+/// and did not end before the start.
 bool mayBeOf(const StartRecord &record, const JobList &jobs, qsizetype index)
 {
-    if (IsActiveStage(jobs.statusAt(index)))
-        return IsTitleOfFile(jobs.titleAt(index), WaitingPath(record.entry));
+    const QString path = WaitingPath(record.entry);
+    const QString status = jobs.statusAt(index);
     const qint64 completedAt = jobs.noteAt(index).completedAt;
-    return completedAt == JobNote::unknownTime || completedAt / 1000 >= record.startedAt;
+    if (!IsActiveStage(status) && completedAt != JobNote::unknownTime && completedAt / 1000 < record.startedAt)
+        return false;
+    return IsTitleOfFile(jobs.titleAt(index), path)
+        || (status == "ready"_L1 && isDirOfFile(jobs.at(index).value("call_dir"_L1).toString(), path));
 }
 
 /// A job that was not known before the start and may be of it.
@@ -25,7 +41,7 @@ bool hasJobBeyond(const StartRecord &record, const JobList &jobs)
 {
     const QSet<QString> known(record.knownJobs->begin(), record.knownJobs->end());
     for (qsizetype index = 0; index < jobs.size(); ++index) {
-        if (mayBeOf(record, jobs, index) && !known.contains(jobs.idAt(index)))
+        if (!known.contains(jobs.idAt(index)) && mayBeOf(record, jobs, index))
             return true;
     }
     return false;
@@ -65,7 +81,7 @@ QStringList JobIds(const History &history)
 
 StartFate FateOfStart(const StartRecord &record, const History &history, bool commandEnded)
 {
-    // Without a list to compare with, a file transcribed twice is the smaller harm.
+    // A file transcribed twice is a smaller harm than one that is lost: without a list to compare with it goes back too.
     if (record.knownJobs && hasJobBeyond(record, history.entries))
         return StartFate::Taken;
     return commandEnded ? StartFate::NotTaken : StartFate::Unknown;

@@ -29,7 +29,7 @@ QStringList JobIds(const History &history);
 /// What became of a start that a crash interrupted.
 enum class StartFate {
     Unknown,   ///< the command may still be at work: ask again
-    Taken,     ///< the history shows a job beyond the known ones that may be the file's
+    Taken,     ///< the history shows a job beyond the known ones that has the file's title or its folder
     NotTaken,  ///< no such job, and nobody is at work on one: the file goes back to the queue
 };
 

@@ -25,7 +25,8 @@ History historyWith(const QStringList &ids)
 {
     QJsonArray jobs;
     for (const QString &id : ids)
-        jobs.append(QJsonObject{{u"id"_s, id}, {u"status"_s, u"ready"_s}, {u"hidden"_s, true}});
+        jobs.append(QJsonObject{
+            {u"id"_s, id}, {u"title"_s, u"x"_s}, {u"status"_s, u"ready"_s}, {u"hidden"_s, true}});
     return ArrangeHistory(jobs);
 }
 
@@ -132,12 +133,28 @@ const OwnerCase ownerCases[]{
     {"UnderWayWithAnotherTitle", R"([{"id":"b","title":"y","status":"transcribing"}])", StartFate::NotTaken},
     {"BothUnderWay",
      R"([{"id":"c","title":"y","status":"transcribing"},{"id":"b","title":"x","status":"queued"}])", StartFate::Taken},
-    {"EndedWithATitleOfItsOwn", R"([{"id":"b","title":"The budget","status":"ready"}])", StartFate::Taken},
+    {"ReadyWithTheFilesTitle", R"([{"id":"b","title":"x","status":"ready"}])", StartFate::Taken},
+    {"FailedWithTheFilesTitle", R"([{"id":"b","title":"x","status":"failed"}])", StartFate::Taken},
+    {"ReadyWithAnotherTitle", R"([{"id":"b","title":"The budget","status":"ready"}])", StartFate::NotTaken},
+    {"FailedWithAnotherTitle", R"([{"id":"b","title":"y","status":"failed","call_dir":"/calls/x"}])", StartFate::NotTaken},
+    {"CancelledWithAnotherTitle", R"([{"id":"b","title":"y","status":"cancelled"}])", StartFate::NotTaken},
+    {"PausedWithAnotherTitle", R"([{"id":"b","title":"y","status":"paused"}])", StartFate::NotTaken},
+    {"ReadyWithATitleOfItsOwnInTheFilesDir",
+     R"([{"id":"b","title":"The budget","status":"ready","call_dir":"/calls/2027-01-15 09.00 x"}])", StartFate::Taken},
+    {"ReadyWithATitleOfItsOwnInTheFilesSecondDir",
+     R"j([{"id":"b","title":"The budget","status":"ready","call_dir":"/calls/2027-01-15 09.00 x (2)"}])j", StartFate::Taken},
+    {"ReadyWithATitleOfItsOwnInTheDirOfANumberedFile",
+     R"j([{"id":"b","title":"The budget","status":"ready","call_dir":"/calls/2027-01-15 09.00 x (2)"}])j", StartFate::Taken,
+     u"/talks/x (2).m4a"_s},
+    {"ReadyWithATitleOfItsOwnInADirOfTheTitleAlone",
+     R"([{"id":"b","title":"The budget","status":"ready","call_dir":"/calls/x"}])", StartFate::Taken},
+    {"ReadyWithATitleOfItsOwnInAnothersDir",
+     R"([{"id":"b","title":"The budget","status":"ready","call_dir":"/x/2027-01-15 09.00 a x"}])", StartFate::NotTaken},
     {"KnownWithTheFilesTitle", R"([{"id":"a","title":"x","status":"queued"}])", StartFate::NotTaken},
     {"UnderWayWithTheNameTidiedUp", R"([{"id":"b","title":"a b at 10.22 AM","status":"queued"}])", StartFate::Taken,
      u"/talks/a  b at 10.22\u202fAM .m4a"_s},
     {"EndedInTheSecondOfTheStart",
-     R"([{"id":"b","title":"The budget","status":"ready","completed_at":"2027-01-15T08:00:00Z"}])", StartFate::Taken},
+     R"([{"id":"b","title":"x","status":"ready","completed_at":"2027-01-15T08:00:00Z"}])", StartFate::Taken},
     {"EndedBeforeTheStart",
      R"([{"id":"b","title":"x","status":"ready","completed_at":"2027-01-15T07:59:59Z"}])", StartFate::NotTaken},
 };
