@@ -33,6 +33,9 @@ bool MayStartNext(const JobsState &jobs)
     // A start without an engine would only cost the file its place; the files are better off waiting.
     if (jobs.engineBroken || jobs.settingUp)
         return false;
+    // A history from before the last start shows an idle engine and lacks the job that it is busy with.
+    if (jobs.startUnlisted)
+        return false;
     // Before the first history it is unknown what the engine is busy with, and which job a start brings
     // about. The poll in flight ends by asking again.
     return jobs.loaded || !jobs.polling;

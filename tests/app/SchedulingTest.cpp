@@ -227,6 +227,30 @@ TEST_F(Scheduling, PollThatBeganBeforeAFailedStartDoesNotStartTheNextFile)
     EXPECT_EQ(processed(), (QStringList{m_a, m_b}));
 }
 
+TEST_F(Scheduling, NothingIsStartedBeforeAHistoryShowsTheLastStart)
+{
+    m_engine.keepBook("transcribing");
+    for (const int nth : {2, 3, 4})
+        m_engine.answerCall(u"history"_s, nth, {"garbage"});
+    prepare();
+    poll();
+    m_app->enqueue({m_a, m_b}, m_choices);
+    ASSERT_TRUE(waitFor([&] { return m_taken == QStringList{m_a}; }));
+    ASSERT_TRUE(waitFor([&] { return m_engine.count(u"history"_s) == 2; }));
+    poll();
+    poll();
+    settle();
+    EXPECT_EQ(m_engine.count(u"history"_s), 4);
+    EXPECT_EQ(processed(), QStringList{m_a});
+
+    poll();
+    EXPECT_TRUE(SomethingActive(jobs()));
+    m_engine.setJob(1, job(1, u"ready"_s));
+    poll();
+    ASSERT_TRUE(processCalls(2));
+    EXPECT_EQ(processed(), (QStringList{m_a, m_b}));
+}
+
 TEST_F(Scheduling, PausedJobKeepsTheQueueFromAdvancingButNotTheUserFromResumingAnother)
 {
     m_engine.answerHistory(R"([{"id":"j","status":"transcribing","paused":true}])");

@@ -101,6 +101,16 @@ TEST(MayStartNext, AJobUnderWayHoldsTheQueueAPausedOneToo)
     EXPECT_TRUE(MayStartNext(jobs));
 }
 
+TEST(MayStartNext, AStartThatNoHistoryShowsYetHoldsTheQueue)
+{
+    JobsState jobs = idle();
+    jobs.startUnlisted = true;
+    for (const bool loaded : {false, true}) {
+        jobs.loaded = loaded;
+        EXPECT_FALSE(MayStartNext(jobs)) << loaded;
+    }
+}
+
 TEST(MayStartNext, AnInterruptedStartOfUnknownFateHoldsTheQueue)
 {
     JobsState jobs = idle();
