@@ -54,15 +54,19 @@ bool Report::claim(const JobList &jobs, qsizetype index, bool anyTitle)
 }
 
 /// What is under way when the run begins holds the queue up, so it is followed as well. Which jobs a start
-/// before the first history has brought about, only their titles can tell.
-void Report::claimFirstJobs(const History &history)
+/// before the first history has brought about, only their titles can tell, once they are sure to be listed.
+void Report::claimFirstJobs(const JobsState &jobs)
 {
-    for (qsizetype index = 0; index < history.listed.size(); ++index) {
-        if (claim(history.listed, index, false) || !IsActiveStage(history.listed.statusAt(index)))
+    const JobList &listed = jobs.history->listed;
+    const QString started = jobs.starting || jobs.startUnlisted ? WaitingPath(jobs.startingEntry) : QString();
+    for (qsizetype index = 0; index < listed.size(); ++index) {
+        const bool mayBeOurs = !started.isEmpty() && IsTitleOfFile(listed.titleAt(index), started);
+        if (mayBeOurs || isFollowed(listed.idAt(index)) || claim(listed, index, false)
+            || !IsActiveStage(listed.statusAt(index)))
             continue;
         FollowedFile file;
-        file.jobId = history.listed.idAt(index);
-        file.title = history.listed.titleAt(index);
+        file.jobId = listed.idAt(index);
+        file.title = listed.titleAt(index);
         m_files.append(file);
     }
 }
@@ -96,14 +100,17 @@ void Report::claimNewJobs(const History &history, bool isCurrent)
 
 void Report::claimJobs(const JobsState &jobs)
 {
-    if (m_loaded)
+    if (m_loaded) {
         claimNewJobs(*jobs.history, !jobs.startUnlisted);
-    else
-        claimFirstJobs(*jobs.history);
-    // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
-    if (!m_loaded || !(jobs.starting || lacksJob()))
+    } else {
+        claimFirstJobs(jobs);
+        // A start that a history may be older than, an interrupted one too, still brings a job about.
+        m_loaded = !jobs.isHandingOver() && !jobs.startUnlisted;
         m_knownJobs = JobIds(*jobs.history);
-    m_loaded = true;
+    }
+    // The engine may list the job of a start before it has answered it; that job is still to be claimed then.
+    if (!jobs.starting && !lacksJob())
+        m_knownJobs = JobIds(*jobs.history);
 }
 
 bool Report::report(FollowedFile &file, const QJsonObject &row, const JobsState &jobs, const QJsonArray &customModels,

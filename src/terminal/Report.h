@@ -57,7 +57,7 @@ public:
 private:
     FollowedFile &fileFor(const QString &path);
     void claimJobs(const JobsState &jobs);
-    void claimFirstJobs(const History &history);
+    void claimFirstJobs(const JobsState &jobs);
     void claimNewJobs(const History &history, bool isCurrent);
     bool isFollowed(const QString &id) const;
     bool lacksJob() const;
@@ -67,7 +67,7 @@ private:
 
     QList<FollowedFile> m_files;
     QStringList m_knownJobs;
-    bool m_loaded = false;
+    bool m_loaded = false;  ///< the jobs from before the first start of this run are known
     QString m_lastReported;
 };
 

@@ -2,6 +2,8 @@
 
 #include "support/Support.h"
 
+#include <QUrl>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -193,9 +195,73 @@ TEST_F(ReportTest, JobOfSomebodyElseIsNotFollowed)
     EXPECT_EQ(m_report.files().first().jobId, u""_s);
 }
 
+TEST_F(ReportTest, JobThatTheFirstHistoryListsDuringItsStartIsTheFiles)
+{
+    for (const QByteArray &status : {QByteArray("transcribing"), QByteArray("ready")}) {
+        m_jobs = {};
+        m_report = {};
+        wait({u"/x/talk.m4a"_s});
+        startFirst();
+        update();
+        const QByteArray history = R"([{"id":"j","title":"talk","status":")" + status + R"("}])";
+        load(history);
+        EXPECT_EQ(update(), QStringList());
+        answerStart(true);
+        update();
+        load(history);
+        update();
+        EXPECT_EQ(giveUp(), QStringList());
+        ASSERT_EQ(m_report.files().size(), 1);
+        EXPECT_EQ(m_report.files().first().jobId, u"j"_s);
+    }
+}
+
+TEST_F(ReportTest, EarlierJobOfTheTitleInAFirstHistoryDuringAStartIsNotTheFiles)
+{
+    wait({u"/x/talk.m4a"_s});
+    startFirst();
+    load(R"([{"id":"old","title":"talk","status":"ready"}])");
+    update();
+    answerStart(true);
+    update();
+    load(R"([{"id":"new","title":"talk","status":"queued"},{"id":"old","title":"talk","status":"ready"}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Starting…"_s});
+    ASSERT_EQ(m_report.files().size(), 1);
+    EXPECT_EQ(m_report.files().first().jobId, u"new"_s);
+}
+
+TEST_F(ReportTest, FirstHistoryDuringAStartFollowsWhatElseIsUnderWay)
+{
+    wait({u"/x/talk.m4a"_s});
+    startFirst();
+    update();
+    load(R"([{"id":"other","title":"other","status":"transcribing"}])");
+    EXPECT_EQ(update(), QStringList{u"other: Listening and writing down…"_s});
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_EQ(m_report.files().size(), 2);
+}
+
+TEST_F(ReportTest, JobOfAStartThatWasInterruptedIsFollowedToItsEnd)
+{
+    m_jobs.interruptedStart = StartRecord{{{u"url"_s, QUrl::fromLocalFile(u"/x/talk.m4a"_s)}}, QStringList()};
+    load("[]");
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_EQ(update(), QStringList());
+    EXPECT_FALSE(m_report.isFinished(m_jobs));
+    m_jobs.interruptedStart.reset();
+    load(R"([{"id":"j","title":"talk","status":"transcribing"}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Listening and writing down…"_s});
+    EXPECT_FALSE(m_report.isFinished(m_jobs));
+    load(R"([{"id":"j","title":"talk","status":"ready","duration_seconds":60}])");
+    EXPECT_EQ(update(), QStringList{u"talk: Done ·  · 1 min"_s});
+    EXPECT_TRUE(m_report.isFinished(m_jobs));
+    EXPECT_TRUE(m_report.allReady());
+}
+
 TEST_F(ReportTest, JobListedBeforeItsStartIsAnsweredIsTheFiles)
 {
     load("[]");
+    update();
     wait({u"/x/talk.m4a"_s});
     startFirst();
     update();

@@ -388,6 +388,25 @@ class Interruption(TranscribeTest):
         self.assertEqual(self.started_files(), ["one.m4a", "two.wav"])
         self.assertEqual(self.engine.waiting(), [])
 
+    def test_start_that_a_kill_interrupted_is_awaited_and_its_job_followed(self):
+        self.engine.keep_book("queued")
+        self.engine.answer("process", before='wait_for process\nlocked book_add "$2"', nth=1)
+        run = self.start(self.one)
+        wait_until(lambda: self.started_files() == ["one.m4a"])
+        run.process.kill()
+        run.end()
+
+        run = self.start()
+        asked = len(self.engine.calls("history"))
+        wait_until(lambda: len(self.engine.calls("history")) >= asked + 2)
+        self.engine.open_gate("process")
+        run.wait_for("one: Starting…")
+        self.engine.set_job(1, title="one", status="ready", call_dir="/calls/one")
+        self.engine.touch_state()
+        self.assertEqual(run.end(), 0)
+        self.assertEqual(run.out.splitlines()[-1], "one: /calls/one")
+        self.assertEqual(self.started_files(), ["one.m4a"])
+
     def test_file_added_to_what_was_waiting_comes_last(self):
         self.engine.keep_book("ready")
         self.engine.write_settings({"waitingQueue": [{"path": self.two}]})
