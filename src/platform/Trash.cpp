@@ -11,7 +11,9 @@
 #include <QTemporaryFile>
 #include <QUrl>
 
+#include <cerrno>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,6 +71,19 @@ bool takesMore(const QString &trash)
     return QTemporaryFile(place.filePath(u"info/XXXXXX.part"_s)).open();
 }
 
+/// Qt notes an item's origin under its name, with a number where that one is taken; where the whole is too long for the
+/// drive, it tries the next number, for ever.
+bool hasRoomForName(const QString &trash, const QString &name)
+{
+    constexpr qsizetype number = std::char_traits<char>::length("-0001");
+    constexpr long usual = 255;
+    const QString info = trash + u"/info"_s;
+    const QString note = name + u".trashinfo"_s;
+    const long longest = ::pathconf(QFile::encodeName(info).constData(), _PC_NAME_MAX);
+    const qsizetype added = QFileInfo::exists(info + u'/' + note) ? number : 0;
+    return QFile::encodeName(note).size() + added <= (longest > 0 ? longest : usual);
+}
+
 /// Out of its folder, and itself: a folder that moves gets another parent, which is written into it.
 bool mayBeMoved(const QFileInfo &item)
 {
@@ -104,8 +119,11 @@ TrashResult MoveToTrash(const QString &path)
         return {TrashOutcome::Gone, {}};
     if (!mayBeMoved(item))
         return {TrashOutcome::Forbidden, {}};
-    if (!takesMore(trashFor(item.absolutePath())))
+    const QString trash = trashFor(item.absolutePath());
+    if (!takesMore(trash))
         return {TrashOutcome::NoTrash, {}};
+    if (!hasRoomForName(trash, item.fileName()))
+        return {TrashOutcome::Failed, qt_error_string(ENAMETOOLONG)};
     QFile file(item.absoluteFilePath());
     if (!file.moveToTrash())
         return {TrashOutcome::Failed, file.errorString()};

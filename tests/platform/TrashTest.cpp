@@ -65,6 +65,8 @@ private Q_SLOTS:
     void whatIsNotThereIsGone_data();
     void whatIsNotThereIsGone();
     void aSecondOneOfTheSameNameIsKeptBesideTheFirst();
+    void aNameTooLongForTheTrashStays_data();
+    void aNameTooLongForTheTrashStays();
     void whatMayNotBeTakenAwayStays_data();
     void whatMayNotBeTakenAwayStays();
     void withoutAPlaceForTheTrashItStays_data();
@@ -203,6 +205,31 @@ void TrashTest::aSecondOneOfTheSameNameIsKeptBesideTheFirst()
     found.removeAll("");
     std::sort(found.begin(), found.end());
     QCOMPARE(found, (QList<QByteArray>{"a/Talk", "b/Talk"}));
+}
+
+void TrashTest::aNameTooLongForTheTrashStays_data()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<int>("moved");
+    QTest::newRow("a second one with its number") << 240 << 2;
+    QTest::newRow("a second one without room for a number") << 241 << 1;
+    QTest::newRow("the longest with its note") << 245 << 1;
+    QTest::newRow("without room for a note") << 246 << 0;
+}
+
+void TrashTest::aNameTooLongForTheTrashStays()
+{
+    QFETCH(const int, bytes);
+    QFETCH(const int, moved);
+    const QString name = QString(bytes / 2, u'ї') + QString(bytes % 2, u'1');
+    for (int number = 1; number <= 2; ++number) {
+        makeFolder(name);
+        const TrashResult result = MoveToTrash(path(name));
+        QCOMPARE(result.outcome, number <= moved ? TrashOutcome::Moved : TrashOutcome::Failed);
+        QCOMPARE(result.systemError.isEmpty(), number <= moved);
+        QCOMPARE(QFileInfo::exists(path(name + u"/Transcript.txt"_s)), number > moved);
+        QCOMPARE(trashed().size(), std::min(number, moved));
+    }
 }
 
 void TrashTest::whatMayNotBeTakenAwayStays_data()
