@@ -39,7 +39,6 @@ private:
 
     void post(std::function<void(Worker &)> call);
 
-    Factory m_factory;
     QThread *m_thread = nullptr;
     Worker *m_worker = nullptr;
 };
