@@ -2,11 +2,12 @@
 
 #include "settings/Fill.h"
 #include "settings/L.h"
+#include "terminal/FittedLine.h"
 
 #include <QFileInfo>
 
-#include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -16,15 +17,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Title and text in one row of the terminal, the title cut where there is no room for it.
+/// Title and text in one row of the terminal, where its width is known.
 QString fitted(const QString &title, const QString &text)
 {
-    constexpr qsizetype least = 8; // of the title, however narrow the terminal
-    const QString rest = u": "_s + text;
     winsize size{};
     const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    const qsizetype room = std::max(least, size.ws_col - rest.size());
-    return (isKnown && title.size() > room ? title.first(room - 1) + u'…' : title) + rest;
+    return FittedLine(title, text, isKnown ? size.ws_col : std::numeric_limits<int>::max());
 }
 
 } // namespace
