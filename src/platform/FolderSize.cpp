@@ -1,6 +1,7 @@
 #include "platform/FolderSize.h"
 
 #include <QProcess>
+#include <QSet>
 
 #include <utility>
 
@@ -34,7 +35,11 @@ void FolderSize::measure(const QString &path)
 
 void FolderSize::drop()
 {
+    // Who has those that have not ended yet. It outlives the program, as they may.
+    static auto *const ending = new QSet<QProcess *>;
     QProcess *dropped = std::exchange(m_process, nullptr);
+    ending->insert(dropped);
+    connect(dropped, &QObject::destroyed, [dropped] { ending->remove(dropped); });
     dropped->disconnect(this);
     connect(dropped, &QProcess::finished, dropped, &QObject::deleteLater);
     connect(dropped, &QProcess::errorOccurred, dropped, [dropped](QProcess::ProcessError error) {
