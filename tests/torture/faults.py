@@ -16,6 +16,8 @@ DISK = {
     "half of it written": (WRITE, 0),
     "disk error on syncing": (SYNC, errno.EIO),
 }
+# What shares on the network answer besides, named by the system's sentence.
+SHARE = {os.strerror(number): (READ, number) for number in (errno.ESTALE, errno.ENOTCONN)}
 
 
 class Control(ctypes.Structure):
@@ -39,7 +41,7 @@ class Faults:
     def break_disk(self, kind, spared, times):
         """So many calls pass, then so many fail."""
         self._control.left = 0
-        self._control.operations, self._control.error = DISK[kind]
+        self._control.operations, self._control.error = (DISK | SHARE)[kind]
         self._control.spared = spared
         self._control.left = times
 

@@ -4,7 +4,7 @@
 import os
 import unittest
 
-from faults import DISK
+from faults import DISK, SHARE
 from soak import OPTIONS, faults_in
 from road import RoadTest, transcript
 
@@ -75,6 +75,17 @@ class FaultsAreFelt(RoadTest):
         self.assertIn("the disk reported an error", failed["error"])
         self.runtime.ask("retry", number)
         self.assertEqual(transcript(self.runtime.wait(number, "ready")), transcript(self.entry))
+
+    def test_a_recording_on_a_share_that_goes_away_is_not_cut_there(self):
+        self.runtime.environment["TUPPI_FAULTS_UNDER"] = self.runtime.library + os.sep
+        for kind in SHARE:
+            for spared in (0, 2, 3, 4):
+                with self.subTest(kind, spared=spared):
+                    self.faults.break_disk(kind, spared, FOR_EVER)
+                    number = self.runtime.process(self.path)
+                    entry = self.runtime.wait(number, "failed", "ready")
+                    self.assertGreater(self.faults.mend_disk(), 0, "nothing has failed")
+                    self.assertIn(f"could not be read: {kind}.", entry["error"] or entry["status"])
 
     def test_clock(self):
         self.faults.shift_clock(-10 * YEAR)

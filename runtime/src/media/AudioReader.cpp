@@ -35,18 +35,28 @@ Failure unreadable(const QString &why)
     return Failure(u"The file is not a recording that can be read: "_s + why);
 }
 
-Failure failingDisk()
+// The system's number for what it refused, by FFmpeg's code for it; 0 where it refused nothing: FFmpeg's own codes, such
+// as that for the end of a file, are far larger, and a damaged file may lead to places that no file has.
+int refusal(int error)
 {
-    return systemFailure(u"The recording could not be read"_s, EIO);
+    constexpr int largest = 4095;
+    const int number = AVUNERROR(error);
+    return number > 0 && number <= largest && number != EINVAL && number != EOVERFLOW ? number : 0;
+}
+
+Failure refused(int number)
+{
+    return systemFailure(u"The recording could not be read"_s, number);
 }
 
 // What FFmpeg takes for damage may be the disk, as its own code for the error of the file tells.
 Failure unreadableFor(int error)
 {
-    if (error == AVERROR(EIO))
-        return failingDisk();
-    return unreadable(error == AVERROR(EACCES) ? u"permission was refused."_s
-                                               : u"it is damaged, incomplete or of another kind."_s);
+    if (refusal(error) == EACCES)
+        return unreadable(u"permission was refused."_s);
+    if (const int number = refusal(error))
+        return refused(number);
+    return unreadable(u"it is damaged, incomplete or of another kind."_s);
 }
 
 } // namespace
@@ -150,9 +160,9 @@ bool AudioReader::Private::feedPacket()
 {
     while (!m_fileEnded) {
         if (::av_read_frame(m_format.get(), m_packet.get()) < 0) {
-            // A recording that was cut off is worth what there is of it; a failing disk is not its end.
-            if (m_file->error == AVERROR(EIO))
-                throw failingDisk();
+            // A recording that was cut off is worth what there is of it; a disk that fails or goes is not its end.
+            if (const int number = refusal(m_file->error))
+                throw refused(number);
             m_fileEnded = true;
             ::avcodec_send_packet(m_codec.get(), nullptr);
             return true;

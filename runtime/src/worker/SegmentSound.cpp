@@ -13,6 +13,12 @@ namespace {
 constexpr int64_t soundPerMs = sampleRate / 1000;
 constexpr int64_t skippedAtOnce = 16384;
 
+// The plan was made of what was read before, up to its last sample at most.
+Failure shorterThanPlanned()
+{
+    return Failure(u"The recording has become shorter since it was taken."_s);
+}
+
 } // namespace
 
 SegmentSound::SegmentSound(const QString &recording, std::function<void()> check)
@@ -29,11 +35,13 @@ void SegmentSound::append(std::vector<int16_t> &samples, const Segment &segment,
         m_reader.skip(std::min(start - before, skippedAtOnce));
         m_check();
         if (m_reader.position() == before)
-            throw Failure(u"The recording has become shorter since it was taken."_s);
+            throw shorterThanPlanned();
     }
     const size_t before = samples.size();
     samples.resize(before + size_t((segment.endMs - segment.startMs + tailMs) * soundPerMs));
-    samples.resize(before + m_reader.read(std::span(samples).subspan(before)));
+    const std::span<int16_t> wanted = std::span(samples).subspan(before);
+    if (m_reader.read(wanted) < wanted.size())
+        throw shorterThanPlanned();
 }
 
 std::vector<int16_t> SegmentSound::of(const std::vector<Piece> &pieces)
