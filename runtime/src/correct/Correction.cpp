@@ -25,7 +25,7 @@ Job requireReady(Database &database, const QString &id)
     return job;
 }
 
-// What the worker would have kept, for a job that was ready before transcripts were kept.
+// What a store from before transcripts were kept holds of one: its segments.
 Transcript firstTranscript(Database &database, const Job &job)
 {
     const std::vector<Segment> segments = segmentsOf(database, job.seq);
@@ -67,12 +67,18 @@ void finishOne(Database &database, const Job &job)
     publish(database, job, transcript.revision);
 }
 
-void finishAll(Database &database)
+// Where the files of the job that is to be corrected stay behind, they would be taken for edits by hand, and the last
+// correction be lost with the next one.
+void finishAll(Database &database, const QString &toBeCorrected = {})
 {
     for (const qint64 seq : unwrittenJobs(database)) {
+        const Job job = *jobBySeq(database, seq);
         try {
-            finishOne(database, *jobBySeq(database, seq));
-        } catch (const Failure &) {
+            finishOne(database, job);
+        } catch (const Failure &failure) {
+            if (job.id == toBeCorrected)
+                throw Failure(u"The last correction is not in the files yet, and there can be no other before: "_s +
+                              failure.sentence());
             // Its folder cannot be written. It is tried again with the next command.
         }
     }
@@ -83,7 +89,7 @@ void finishAll(Database &database)
 void correct(Database &database, const QString &id, const std::function<void(Correction &)> &change)
 {
     const FilesLock lock(database.paths(), FilesLock::Patience::Wait);
-    finishAll(database);
+    finishAll(database, id);
     Transaction transaction(database);
     Correction correction{requireReady(database, id), {}};
     const Job &job = correction.job;

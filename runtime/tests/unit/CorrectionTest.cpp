@@ -100,6 +100,35 @@ TEST_F(CorrectionTest, aRefusedChangeLeavesEverything)
     EXPECT_EQ(entries(), m_expected);
 }
 
+TEST_F(CorrectionTest, aCorrectionWhoseFilesAreStuckIsNotLostWithTheNextOne)
+{
+    nameSpeaker(u"Anna"_s);
+    const QByteArray before = file(u"Transcript.txt"_s);
+    nameSpeaker(u"Boris"_s);
+    // As if renaming had failed: the new text waits, and something that cannot take its place with it.
+    const QByteArray after = file(u"Transcript.txt"_s);
+    test::write(path(u"Transcript.txt"_s), before);
+    noteWritten(m_database, m_job.seq, 1);
+    QDir().mkpath(path(u".tuppi-revision-2"_s));
+    QDir().mkpath(path(u"stuck"_s));
+    test::write(path(u".tuppi-revision-2/stuck"_s), "stuck");
+    const auto correctText = [&] {
+        correct(m_database, m_job.id,
+                [](Correction &correction) { correction.transcript.lines[1].speaker = u"Cleo"_s; });
+    };
+    const QString refusal = test::sentenceOf(correctText);
+    EXPECT_TRUE(refusal.startsWith(u"The last correction is not in the files yet")) << refusal.toStdString();
+    EXPECT_TRUE(refusal.contains(u"“stuck” could not be written")) << refusal.toStdString();
+    EXPECT_EQ(kept().revision, 2);
+    EXPECT_EQ(file(u"Transcript.txt"_s), before);
+
+    QDir().rmdir(path(u"stuck"_s));
+    test::write(path(u".tuppi-revision-2/Transcript.txt"_s), after);
+    EXPECT_EQ(test::sentenceOf(correctText), u"no failure"_s);
+    EXPECT_EQ(file(u"Transcript.txt"_s), "[00:00:00] Boris: one two\n[00:00:05] Cleo: three four\n");
+    EXPECT_TRUE(unwrittenJobs(m_database).empty());
+}
+
 TEST_F(CorrectionTest, filesThatCannotBeWrittenChangeNothing)
 {
     nameSpeaker(u"Anna"_s);
