@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <sys/wait.h>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -78,7 +79,8 @@ void record(Database &database, const Recording &recording, Job &job)
     announceChange(database.paths());
 }
 
-// A worker that is our own child, where another does not work already.
+// A worker that is our own child, where another does not work already. One that falls before it has taken a job is
+// started again a few times only: nothing counts these deaths, and it would go on without end.
 class OwnWorker
 {
 public:
@@ -87,10 +89,16 @@ public:
     {
     }
 
+    // Throws Failure when workers fall one after another.
     void keepWorking()
     {
-        if (!running())
-            m_pid = startWorkerAsChild(m_database.paths());
+        if (running())
+            return;
+        if (m_fallen >= mostFallen)
+            throw Failure(u"The worker ends before it has begun. The recording waits in the list; “call doctor” tells "
+                          "what is wrong."_s);
+        m_before = takings();
+        m_pid = startWorkerAsChild(m_database.paths());
     }
 
     // So that nothing of ours runs on behind the prompt; but other people's jobs are not waited for.
@@ -103,15 +111,29 @@ public:
     static constexpr auto lookEvery = std::chrono::milliseconds(50);
 
 private:
+    static constexpr int mostFallen = 3; // in a row
+
     bool running()
     {
-        if (m_pid > 0 && ::waitpid(m_pid, nullptr, WNOHANG) != 0)
+        int status = 0;
+        if (m_pid > 0 && ::waitpid(m_pid, &status, WNOHANG) != 0) {
             m_pid = -1;
+            m_fallen = status != 0 && takings() == m_before ? m_fallen + 1 : 0;
+        }
         return m_pid > 0;
+    }
+
+    // Changes when a worker takes a job, which need not be ours.
+    std::tuple<qint64, int, int> takings()
+    {
+        const Job next = nextJob(m_database).value_or(Job());
+        return {next.seq, next.attempts, next.attemptsAt};
     }
 
     Database &m_database;
     pid_t m_pid = -1;
+    int m_fallen = 0;
+    std::tuple<qint64, int, int> m_before;
 };
 
 // Waits as long as the job is unfinished, whoever works on it, and tells a person at a terminal how far it

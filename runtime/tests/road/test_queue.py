@@ -6,7 +6,7 @@ import os
 import sqlite3
 import subprocess
 
-from road import ACTIVE, QUICK, SENTENCES, RoadTest, main, several, transcript, until, wer
+from road import ACTIVE, QUICK, SENTENCES, WORKER, RoadTest, main, several, transcript, until, wer
 
 
 class Queue(RoadTest):
@@ -120,6 +120,27 @@ class Queue(RoadTest):
         reply = engine.call("process", path, "--engine", "auto", "--language", "en", *QUICK)
         self.assertEqual(reply.status, 1)
         self.assertRegex(reply.err.splitlines()[-1], r"\AError: .*\w")
+
+    def test_foreground_with_a_worker_that_falls_at_once(self):
+        engine = self.engine()
+        program, starts = os.path.join(engine.folder, "runtime", "bin", WORKER), os.path.join(engine.home, "starts")
+        os.rename(program, program + " kept")
+        for end in ("exit 1", "kill -SEGV $$"):
+            with self.subTest(end):
+                with open(program, "w", encoding="ascii") as file:
+                    file.write(f"#!/bin/sh\necho >>'{starts}'\n{end}\n")
+                os.chmod(program, 0o755)
+                reply = engine.call("process", self.recording(engine), "--engine", "auto", "--language", "en", *QUICK)
+                self.assert_one_line(reply, 1)
+                self.assertIn("call doctor", reply.err)
+                with open(starts, encoding="ascii") as file:
+                    self.assertEqual(len(file.readlines()), 3)
+                os.remove(starts)
+        self.assertEqual([e["status"] for e in engine.history()], ["queued"] * 2)
+        os.replace(program + " kept", program)
+        engine.ask("resume")
+        for entry in engine.history():
+            engine.wait(entry["id"], "ready")
 
     def test_moved_library(self):
         engine = self.engine()
