@@ -96,7 +96,7 @@ void Database::open(const QString &name, const QString &options)
     database.setConnectOptions(options);
     database.setDatabaseName(name);
     if (!database.open())
-        throw failed(database.lastError());
+        fail(database.lastError());
     run(u"PRAGMA synchronous=FULL"_s);
     run(u"PRAGMA foreign_keys=ON"_s);
 }
@@ -145,11 +145,13 @@ void Database::migrate()
     transaction.commit();
 }
 
-Failure Database::failed(const QSqlError &error)
+void Database::fail(const QSqlError &error)
 {
     const int code = error.nativeErrorCode().toInt() & 0xff;
     m_unwritable = code == ReadOnly || code == Full || code == InputOutput || code == CannotOpen;
-    return storeFailure(error, m_paths);
+    if (code == Busy || code == Locked)
+        throw StoreBusy(storeFailure(error, m_paths));
+    throw storeFailure(error, m_paths);
 }
 
 QSqlQuery Database::run(const QString &sql, std::initializer_list<QVariant> values)
@@ -157,11 +159,11 @@ QSqlQuery Database::run(const QString &sql, std::initializer_list<QVariant> valu
     QSqlQuery query(QSqlDatabase::database(m_name, false));
     query.setForwardOnly(true);
     if (!query.prepare(sql))
-        throw failed(query.lastError());
+        fail(query.lastError());
     for (const QVariant &bound : values)
         query.addBindValue(bound);
     if (!query.exec())
-        throw failed(query.lastError());
+        fail(query.lastError());
     return query;
 }
 

@@ -13,6 +13,16 @@ class QSqlError;
 
 namespace engine {
 
+// Another program has kept the store for longer than is waited for it. Nothing was changed.
+class StoreBusy : public Failure
+{
+public:
+    explicit StoreBusy(const Failure &failure)
+        : Failure(failure)
+    {
+    }
+};
+
 // The store: one connection, opened with the newest schema. Throws Failure for whatever goes wrong.
 // Not to be touched by a forked child.
 class Database
@@ -41,7 +51,7 @@ private:
     void openForReading(const Failure &why);
     void close();
     void migrate();
-    Failure failed(const QSqlError &error);
+    [[noreturn]] void fail(const QSqlError &error);
 
     Paths m_paths;
     QString m_name;

@@ -7,6 +7,23 @@ namespace {
 constexpr qint64 checkEveryMs = 200;
 constexpr qint64 announceEveryMs = 500;
 
+// A correction keeps the store while it writes to the library's disk, which may be slow. Each try waits as long as
+// any command would.
+constexpr int mostTries = 8;
+
+void patiently(const std::function<void()> &write)
+{
+    for (int tries = 1;; ++tries) {
+        try {
+            write();
+            return;
+        } catch (const StoreBusy &) {
+            if (tries == mostTries)
+                throw;
+        }
+    }
+}
+
 } // namespace
 
 JobControl::JobControl(Database &database, const Job &job)
@@ -51,6 +68,11 @@ void JobControl::write(const std::function<void(Job &)> &change, const std::func
 
 void JobControl::note(const std::function<void()> &within)
 {
+    patiently([&] { noteOnce(within); });
+}
+
+void JobControl::noteOnce(const std::function<void()> &within)
+{
     Transaction transaction(m_database);
     wanted();
     within();
@@ -59,13 +81,21 @@ void JobControl::note(const std::function<void()> &within)
 
 void JobControl::change(const std::function<void(Job &)> &change, const std::function<void()> &within)
 {
-    write(change, within);
+    patiently([&] { write(change, within); });
     announce();
 }
 
 void JobControl::progress(const std::function<void(Job &)> &change, const std::function<void()> &within)
 {
-    write(change, within);
+    if (within) {
+        patiently([&] { write(change, within); });
+    } else {
+        try {
+            write(change, within);
+        } catch (const StoreBusy &) {
+            return; // the next one tells
+        }
+    }
     m_unannounced = true;
     if (m_sinceAnnounced.hasExpired(announceEveryMs))
         announce();

@@ -27,7 +27,8 @@ public:
     void check();
 
     // Changes the job in a transaction, after what `within` does in the same one, and tells the watchers: at
-    // once, or, for mere progress, at most twice a second. Throws JobDropped, with nothing written.
+    // once, or, for mere progress, at most twice a second. Throws JobDropped, with nothing written, and StoreBusy when
+    // others keep the store for minutes; progress alone, without anything within, is passed over then, and sooner.
     void change(const std::function<void(Job &)> &change, const std::function<void()> &within = {});
     void progress(const std::function<void(Job &)> &change, const std::function<void()> &within = {});
 
@@ -37,6 +38,7 @@ public:
 
 private:
     void write(const std::function<void(Job &)> &change, const std::function<void()> &within);
+    void noteOnce(const std::function<void()> &within);
     Job wanted();
     void announce();
 

@@ -87,6 +87,8 @@ void Worker::work(const Job &job)
         }).run();
     } catch (const JobDropped &) {
         putDown(job);
+    } catch (const StoreBusy &) {
+        // Nothing is wrong with the job: it keeps its stage and is taken up again.
     } catch (const Failure &failure) {
         fail(job, failure.sentence());
     } catch (const std::bad_alloc &) {

@@ -12,7 +12,9 @@
 
 #include <QDir>
 
+#include <latch>
 #include <sched.h>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -127,6 +129,44 @@ TEST_F(JobRunTest, takesARecordingToReady)
     EXPECT_EQ(transcript(m_job).count('\n'), 6);
     EXPECT_TRUE(QFile::exists(m_job.callDir + u"/Summary.md"_s));
     EXPECT_TRUE(QFile::exists(m_job.callDir + u"/Technical files/viewer.html"_s));
+}
+
+TEST_F(JobRunTest, progressThatCannotBeToldIsPassedOver)
+{
+    m_database.run(u"PRAGMA busy_timeout=0"_s);
+    JobControl control(m_database, m_job);
+    const auto show = [&](const QString &progress) { control.progress([&](Job &job) { job.progress = progress; }); };
+    {
+        Database other(m_paths);
+        const Transaction held(other);
+        EXPECT_NO_THROW(show(u"1/3"_s));
+        EXPECT_THROW(control.change([](Job &job) { job.progress = u"2/3"_s; }), StoreBusy);
+        EXPECT_THROW(control.progress([](Job &) {}, [] {}), StoreBusy) << "what is kept with it would be lost";
+    }
+    EXPECT_EQ(stored(m_job).progress, QString());
+    show(u"3/3"_s);
+    EXPECT_EQ(stored(m_job).progress, u"3/3"_s);
+}
+
+TEST_F(JobRunTest, whatMustNotBeLostWaitsLongerForTheStoreThanACommand)
+{
+    JobControl control(m_database, m_job);
+    m_database.run(u"PRAGMA busy_timeout=500"_s);
+    std::latch begun(1);
+    std::thread other([&] {
+        Database database(m_paths);
+        Transaction held(database);
+        begun.count_down();
+        // As long as a single try of another program takes to give up.
+        Database waiting(m_paths);
+        waiting.run(u"PRAGMA busy_timeout=1200"_s);
+        EXPECT_THROW(Transaction second(waiting), StoreBusy);
+    });
+    begun.wait();
+    EXPECT_NO_THROW(control.change([](Job &job) { job.progress = u"1/2"_s; }));
+    EXPECT_NO_THROW(control.note([] {}));
+    other.join();
+    EXPECT_EQ(stored(m_job).progress, u"1/2"_s);
 }
 
 TEST_F(JobRunTest, aJobThatIsReadyHasATranscriptThatAgreesWithItsFiles)
