@@ -69,7 +69,7 @@ void record(Database &database, const Recording &recording, Job &job)
 {
     const Library library = libraryInUse(database);
     requireLibrary(library);
-    NewCallDir folder(library.folder, [&](const QString &callDir) { return hasCallDir(database, callDir); });
+    NewCallDir folder(library.folder, [&](const QString &name) { return hasCallDirNamed(database, name); });
     job.audio = folder.take(recording);
     job.callDir = folder.place(callDirName(recording.modified, job.title));
     Transaction transaction(database);

@@ -55,7 +55,7 @@ void removePlaced(const QString &library, const QString &workshop, const NewCall
     const QByteArray inode = announced.readLine().trimmed();
     const QString name = QFile::decodeName(announced.readAll());
     const QString placed = library + u'/' + name;
-    if (name.isEmpty() || name.contains(u'/') || name.startsWith(u'.') || isRecorded(placed))
+    if (name.isEmpty() || name.contains(u'/') || name.startsWith(u'.') || isRecorded(name))
         return;
     if (QByteArray::number(quint64(inodeOf(placed))) == inode)
         QDir(placed).removeRecursively();

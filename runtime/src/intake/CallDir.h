@@ -22,7 +22,7 @@ class NewCallDir
 {
 public:
     // Whether a job has this call dir: then it stays, also where its maker was killed before it could keep it.
-    using IsRecorded = std::function<bool(const QString &callDir)>;
+    using IsRecorded = std::function<bool(const QString &name)>;
 
     // Makes the library where it is missing. Throws Failure.
     NewCallDir(const QString &library, const IsRecorded &isRecorded);

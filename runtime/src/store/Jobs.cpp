@@ -165,9 +165,10 @@ std::optional<Job> jobBySeq(Database &database, qint64 seq)
     return oneJob(database, u"WHERE seq = ?"_s, {seq});
 }
 
-bool hasCallDir(Database &database, const QString &callDir)
+bool hasCallDirNamed(Database &database, const QString &name)
 {
-    return oneJob(database, u"WHERE call_dir = ?"_s, {callDir}).has_value();
+    const QString end = u'/' + name;
+    return oneJob(database, u"WHERE substr(call_dir, -length(?)) = ?"_s, {end, end}).has_value();
 }
 
 QSet<QString> callDirs(Database &database)

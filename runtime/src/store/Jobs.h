@@ -21,8 +21,10 @@ void updateJob(Database &database, const Job &job);
 std::optional<Job> jobById(Database &database, const QString &id);
 Job requireJob(Database &database, const QString &id); // throws Failure when there is none
 std::optional<Job> jobBySeq(Database &database, qint64 seq);
-bool hasCallDir(Database &database, const QString &callDir); // any of the jobs
-QSet<QString> callDirs(Database &database);                  // of all jobs
+QSet<QString> callDirs(Database &database); // of all jobs
+
+// Whether any of the jobs has a call dir of that name, in whatever folder: one folder may be reached by several paths.
+bool hasCallDirNamed(Database &database, const QString &name);
 
 // What "hide --all" does: marks every job that is not being worked on as hidden, or takes the mark off every job. Tells
 // whether any was changed.

@@ -216,6 +216,18 @@ TEST(Store, theOldestUnfinishedUnpausedJobIsNext)
     EXPECT_EQ(latestJob(database)->id, running.id);
 }
 
+TEST(Store, aCallDirIsKnownByItsNameWhateverThePathToIt)
+{
+    const test::Home home;
+    Database database(home.paths());
+    Job job = test::sampleJob();
+    job.callDir = u"/mnt/disk/2025-03-14 10.22 100 % їжа"_s;
+    test::addJob(database, job);
+    EXPECT_TRUE(hasCallDirNamed(database, u"2025-03-14 10.22 100 % їжа"_s));
+    for (const QString &other : {u"їжа"_s, u"2025-03-14 10.22 100 %"_s, u"2025-03-14 10.22 100 _ їжа"_s, u"disk"_s})
+        EXPECT_FALSE(hasCallDirNamed(database, other)) << other.toStdString();
+}
+
 TEST(Store, theOrderIsThatOfArrivalWhateverTheClockSays)
 {
     test::Home home;
