@@ -211,9 +211,18 @@ std::optional<Job> nextJob(Database &database)
     return oneJob(database, u"WHERE "_s + unfinished + u" AND paused = 0 ORDER BY seq"_s);
 }
 
+void noteTaken(Database &database, qint64 seq)
+{
+    database.run(u"INSERT INTO settings (name, value) VALUES ('taken', ?) "
+                 "ON CONFLICT (name) DO UPDATE SET value = excluded.value"_s,
+                 {QString::number(seq)});
+}
+
 std::optional<Job> latestJob(Database &database)
 {
-    const QString order = u" ORDER BY paused, status = 'queued', seq"_s;
+    // One that was paused in the middle and goes on again waits there for as long as another is worked on.
+    const QString taken = u"(SELECT CAST(value AS INTEGER) FROM settings WHERE name = 'taken')"_s;
+    const QString order = u" ORDER BY paused, status = 'queued', seq <> "_s + taken + u", seq"_s;
     if (std::optional<Job> job = oneJob(database, u"WHERE "_s + unfinished + order))
         return job;
     return newestJob(database);

@@ -42,6 +42,9 @@ std::optional<Job> newestJob(Database &database);
 // The job that a worker should take next: the oldest unfinished one that is not paused.
 std::optional<Job> nextJob(Database &database);
 
+// What the worker notes of the job that it takes: of several that are in the middle, only one is worked on.
+void noteTaken(Database &database, qint64 seq);
+
 // The job that `status` tells of: the one being worked on, else the oldest unfinished, else the newest.
 std::optional<Job> latestJob(Database &database);
 

@@ -72,6 +72,7 @@ std::optional<Job> Worker::takeJob()
         job->attempts = job->attemptsAt == kept ? job->attempts + 1 : 1;
         job->attemptsAt = kept;
         updateJob(m_database, *job);
+        noteTaken(m_database, job->seq);
         transaction.commit();
         if (job->attempts <= mostAttempts)
             return job;

@@ -63,6 +63,21 @@ class Pause(RoadTest):
         self.assertEqual(len(transcript(entry).splitlines()), len(engine.spoken(job)))
         self.assertEqual(len(engine.history()), 1)
 
+    def test_continued_while_another_is_worked_on(self):
+        engine = self.engine()
+        long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES)
+        first = engine.process(long)
+        until(lambda: engine.kept(first), "a kept segment")
+        engine.ask("pause", first)
+        second = engine.process(long)
+        until(lambda: engine.kept(second), "a kept segment of the other")
+        engine.ask("continue", first)
+        self.assertEqual(engine.status()["latest_job"]["id"], second)
+        self.assertEqual(engine.job(second)["status"], "transcribing", "too late: the test shows nothing")
+        engine.wait(second, "ready")
+        until(lambda: engine.status()["latest_job"]["id"] == first, "the first one's turn")
+        engine.wait(first, "ready")
+
     def test_paused_while_it_waits(self):
         engine = self.engine()
         long = several(os.path.join(engine.scratch, "long.wav"), *SENTENCES[:3])

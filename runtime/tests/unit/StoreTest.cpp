@@ -214,6 +214,15 @@ TEST(Store, theOldestUnfinishedUnpausedJobIsNext)
     add(Status::failed, false);
     EXPECT_EQ(nextJob(database)->id, queued.id);
     EXPECT_EQ(latestJob(database)->id, running.id);
+    // Of two in the middle, that which the worker has taken, unless it was put down since.
+    noteTaken(database, running.seq);
+    changeJob(database, paused.id, [](Job &continued) { continued.paused = false; });
+    EXPECT_EQ(nextJob(database)->id, paused.id);
+    EXPECT_EQ(latestJob(database)->id, running.id);
+    noteTaken(database, paused.seq);
+    EXPECT_EQ(latestJob(database)->id, paused.id);
+    changeJob(database, paused.id, [](Job &again) { again.paused = true; });
+    EXPECT_EQ(latestJob(database)->id, running.id);
 }
 
 TEST(Store, aCallDirIsKnownByItsNameWhateverThePathToIt)
