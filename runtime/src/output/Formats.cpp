@@ -178,7 +178,7 @@ QByteArray summaryFile(const Job &job, const Transcript &transcript)
     const Summary &summary = *transcript.summary;
     const auto length = qint64(job.durationSeconds.value_or(0));
     QString text = u"---\ntitle: "_s + quoted(job.title) + u"\ndate: "_s + job.recordedAt +
-                   u"\nduration: "_s + quoted(clock(length * 1000)) + u"\nlanguage: "_s + job.language +
+                   u"\nduration: "_s + quoted(clock(length * 1000)) + u"\nlanguage: "_s + quoted(job.language) +
                    u"\nrecogniser: "_s + quoted(job.recogniser) + u"\nsummary: "_s +
                    quoted(summary.model.isEmpty() ? u"extracted"_s : summary.model) + u"\nspeakers: "_s +
                    quotedList(speakersOf(transcript.lines)) + u"\n---\n"_s;

@@ -106,7 +106,10 @@ TEST(Formats, segmentsForPrograms)
 
 TEST(Formats, summaryHasFrontMatterAndThreeParts)
 {
-    const QString text = QString::fromUtf8(summaryFile(finishedJob(), finished()));
+    Job job = finishedJob();
+    job.language = u"no"_s; // Norwegian, and without quotes YAML's word for false
+    const QString text = QString::fromUtf8(summaryFile(job, finished()));
+    EXPECT_TRUE(text.contains(u"\nlanguage: \"no\"\n"));
     ASSERT_TRUE(text.startsWith(u"---\n"));
     const qsizetype end = text.indexOf(u"\n---\n", 4);
     ASSERT_GT(end, 0);
