@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "core/Files.h"
 #include "core/SpeechModel.h"
+#include "core/WorkerStart.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -24,11 +25,6 @@ namespace {
 constexpr int limitMs = 30000;
 constexpr qint64 dayMs = 24 * 3600 * 1000;
 constexpr qint64 clockStepMs = 20; // files get the time of the last tick
-
-QString workerProgram()
-{
-    return executableFolder() + u"/tuppi-engine-worker"_s;
-}
 
 qint64 milliseconds(const timespec &time)
 {

@@ -51,11 +51,6 @@ void stepBack(const QByteArray &steps)
     ::_exit(127);
 }
 
-QString workerProgram()
-{
-    return executableFolder() + u"/tuppi-engine-worker"_s;
-}
-
 pid_t launch(bool detached)
 {
     const QByteArray program = QFile::encodeName(workerProgram());
@@ -91,6 +86,11 @@ pid_t launch(bool detached)
 }
 
 } // namespace
+
+QString workerProgram()
+{
+    return executableFolder() + u"/tuppi-engine-worker"_s;
+}
 
 void requireWorker()
 {

@@ -6,6 +6,9 @@
 
 namespace engine {
 
+// Where it has to be.
+QString workerProgram();
+
 // Starts a worker in a session of its own, with nothing inherited from the caller (no pipes, no locks, no
 // working directory), unless one is working already. Call it after the commit that made work.
 // Throws Failure when the worker cannot be started.

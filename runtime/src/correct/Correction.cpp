@@ -25,7 +25,7 @@ Job requireReady(Database &database, const QString &id)
     return job;
 }
 
-// What a store from before transcripts were kept holds of one: its segments.
+// What a store from before transcripts were kept has of one, which is its segments.
 Transcript firstTranscript(Database &database, const Job &job)
 {
     const std::vector<Segment> segments = segmentsOf(database, job.seq);
