@@ -175,8 +175,10 @@ int runWindow(int argc, char *argv[], const Options &options)
     QGuiApplication::setDesktopFileName(applicationId);
     SingleInstance instance(QDBusConnection::sessionBus());
     const SingleInstance::Role role = instance.start(urlsOf(options.files), tokens);
-    if (role == SingleInstance::Role::HandedOver)
+    if (role == SingleInstance::Role::HandedOver) {
+        fonts.wait(); // they are looked for through the application, which ends here
         return 0;
+    }
     // Without its window the application goes on, to be brought back by the next start; without the bus
     // nothing could bring it back.
     application.setQuitOnLastWindowClosed(role == SingleInstance::Role::Alone);

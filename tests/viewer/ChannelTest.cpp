@@ -161,7 +161,7 @@ TEST_F(Channel, AClosedWindowStaysUntilItIsAnsweredAndTheListIsAskedForAllTheSam
     EXPECT_TRUE(waitFor([&] { return opened.isNull(); }));
 }
 
-TEST_F(Channel, AnAnswerDoesNotReachAPageLoadedSince)
+TEST_F(Channel, ACrashedPageIsLoadedAgainWithoutTheAnswersToTheFirst)
 {
     m_engine.answer(u"edit"_s, test::Answer{"{}"}.heldAt("gate"));
     ViewerWindow *opened = openKnown(u"a"_s);
@@ -171,11 +171,10 @@ TEST_F(Channel, AnAnswerDoesNotReachAPageLoadedSince)
         ::kill(renderer, SIGKILL);
     ASSERT_TRUE(waitFor([] { return sheet() != nullptr; }));
     sheet()->answer(0);
-    ASSERT_TRUE(becomes(opened, u"answers"_s, "[]"));
     const int polled = m_polled;
     m_engine.openGate("gate");
     ASSERT_TRUE(waitFor([&] { return m_polled > polled; }));
-    EXPECT_EQ(ask(opened, u"answers"_s), "[]");
+    EXPECT_TRUE(becomes(opened, u"answers"_s, "[]"));
 }
 
 TEST_F(Channel, WhatThePageSavesAtItsEndIsSaved)

@@ -426,14 +426,15 @@ class Keyboard(ViewerCase):
     def test_the_tools_stay_with_the_keyboard_when_lines_pass_below_a_pointer_that_rests(self):
         self.load()
         place = "lineOf(document.getElementById('edit-line')) === state.lines[arguments[0]]"
-        pass_below = "state.lines[4].parts.text.dispatchEvent(new PointerEvent('pointerover', {bubbles: true}))"
+        self.browser.hover(".line:nth-child(4) .text")
+        self.assertTrue(self.browser.get(place, 3))
         self.browser.run("document.querySelector('.line > div').focus()")
         self.browser.keys("Down")
-        self.browser.run(pass_below)
+        self.browser.run("""const [screenX, screenY] = state.pointer.split(' ').map(Number);
+            state.lines[4].parts.text.dispatchEvent(new PointerEvent('pointerover', {bubbles: true, screenX, screenY}))""")
         self.assertTrue(self.browser.get(place, 1))
-        self.browser.click(".line:nth-child(3) .text")
-        self.browser.run(pass_below)
-        self.assertTrue(self.browser.get(place, 4), "who points gets them")
+        self.browser.hover(".line:nth-child(3) .text")
+        self.assertTrue(self.browser.get(place, 2), "who points gets them")
 
     def test_arrows_walk_the_lines(self):
         self.load()
