@@ -1,6 +1,7 @@
 """The engine, with faults between any two steps of any of its programs."""
 
 import contextlib
+import glob
 import json
 import os
 import re
@@ -258,11 +259,28 @@ class EngineSoak:
         require(not os.path.exists(folder), f"made again: {folder}")
         os.rename(self.aside.pop(folder), folder)
 
+    @contextlib.contextmanager
+    def worker_held(self):
+        worker = self.engine.worker()
+        with contextlib.suppress(ProcessLookupError):
+            if worker:
+                os.kill(worker, signal.SIGSTOP)
+        try:
+            yield
+        finally:
+            with contextlib.suppress(ProcessLookupError):
+                if worker:
+                    os.kill(worker, signal.SIGCONT)
+
     def folder_littered(self):
-        """Files in the places of the engine's own, as a person or another program may leave them."""
-        job = self.some_job(*ACTIVE)
-        if not job or not os.path.isdir(job[2]):
-            return
+        """Files in the places of the engine's own, as a person or another program may leave them. Not over those of a
+        job that is finished at that moment: they would be its transcript."""
+        with self.worker_held():
+            job = self.some_job(*ACTIVE)
+            if job and os.path.isdir(job[2]) and not glob.glob(os.path.join(glob.escape(job[2]), ".tuppi-revision-*")):
+                self.litter(job)
+
+    def litter(self, job):
         stale = os.path.join(job[2], ".tuppi-revision-1", "Technical files")
         os.makedirs(stale, exist_ok=True)
         for name in ("Transcript.txt", "Summary.md", "Technical files/segments.json", "Technical files/viewer.html",
