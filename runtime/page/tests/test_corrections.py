@@ -83,13 +83,16 @@ class Edit(ViewerCase):
         self.browser.keys("Control+Enter")
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
 
-    def test_a_line_opened_again_before_its_saving_failed_is_saved_again(self):
+    def fail_while_open_again(self):
         self.rewrite(1, "New.")
         self.browser.keys("Control+Enter")
         self.message()
         self.edit(1)
         self.answer("tuppiSaved", 1, False, "Not saved: disk full", "New.")
         self.await_notice("Not saved: disk full", failed=True)
+
+    def test_a_line_opened_again_before_its_saving_failed_is_saved_again(self):
+        self.fail_while_open_again()
         self.browser.keys("Control+Enter")
         self.assertEqual(self.message(), {"kind": "edit", "index": 1, "text": "New."})
         self.answer("tuppiSaved", 1, True, "Saved", "New.")
@@ -97,12 +100,7 @@ class Edit(ViewerCase):
         self.assertEqual(self.texts()[1], "New.")
 
     def test_one_whose_line_was_opened_again_is_offered_when_that_is_left(self):
-        self.rewrite(1, "New.")
-        self.browser.keys("Control+Enter")
-        self.message()
-        self.edit(1)
-        self.answer("tuppiSaved", 1, False, "Not saved: disk full", "New.")
-        self.await_notice("Not saved: disk full", failed=True)
+        self.fail_while_open_again()
         self.assertEqual(self.browser.get("tuppiFailed()"), ["New."])
         self.browser.keys("Escape")
         self.assertEqual(self.texts()[1], TEXTS[1])
